@@ -42,20 +42,20 @@ typedef struct TqImage TqImage;
 
 /** The first 56 bytes of every image block, exchanged with hosts in the same layout. */
 typedef struct TqImageHeader {
-    int32_t PelCols;       /**< columns, 1..8000 */
-    int32_t PelRows;       /**< rows, 1..8000 */
-    float PelsPerMeterX;   /**< horizontal resolution on the target, pels per metre */
-    float PelsPerMeterY;   /**< vertical resolution on the target, pels per metre */
-    float CenterCol;       /**< column where the optical axis meets the image, pels, 0-based */
-    float CenterRow;       /**< row where the optical axis meets the image, pels, 0-based */
-    double TotalPelValue;  /**< sum of all pels, as last stored by a producer */
-    float LuxPerGrey;      /**< illuminance of one grey level, lux */
-    float CenterPelValue;  /**< pel at the centre, as stored by a producer */
-    float MaxPelValue;     /**< largest possible or largest present pel */
-    float SourceDistance;  /**< distance from the source to the target along the axis, metres */
-    int16_t BinCols;       /**< sensor columns that one pel stands for */
-    int16_t BinRows;       /**< sensor rows that one pel stands for */
-    uint32_t Spare;        /**< carried wherever the header is copied, never interpreted */
+    int32_t PelCols;      /**< columns, 1..8000 */
+    int32_t PelRows;      /**< rows, 1..8000 */
+    float PelsPerMeterX;  /**< horizontal resolution on the target, pels per metre */
+    float PelsPerMeterY;  /**< vertical resolution on the target, pels per metre */
+    float CenterCol;      /**< column where the optical axis meets the image, pels, 0-based */
+    float CenterRow;      /**< row where the optical axis meets the image, pels, 0-based */
+    double TotalPelValue; /**< sum of all pels, as last stored by a producer */
+    float LuxPerGrey;     /**< illuminance of one grey level, lux */
+    float CenterPelValue; /**< pel at the centre, as stored by a producer */
+    float MaxPelValue;    /**< largest possible or largest present pel */
+    float SourceDistance; /**< distance from the source to the target along the axis, metres */
+    int16_t BinCols;      /**< sensor columns that one pel stands for */
+    int16_t BinRows;      /**< sensor rows that one pel stands for */
+    uint32_t Spare;       /**< carried wherever the header is copied, never interpreted */
 } TqImageHeader;
 
 /** The 12-byte head of a distortion map; Cols x Rows pairs of float (source column, source row) follow it,
