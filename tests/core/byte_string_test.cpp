@@ -132,8 +132,9 @@ TEST(ByteString, DamagedStreamsAreRefusedWithZlibsStatus) {
     const Image image = Sample();
     const Bytes text = Compressed(image);
     Bytes flipped = text;
-    flipped.back() ^= 1;  // the check sum
-    Bytes cut(text.begin(), text.end() - 5);
+    flipped.at(flipped.size() - 1) ^= 1;  // the check sum
+    Bytes cut = text;
+    cut.resize(text.size() / 2);
     Bytes noise(200);
     std::iota(noise.begin(), noise.end(), std::uint8_t{1});
     for (const Bytes& damaged : {flipped, cut, noise, Bytes(1)}) {
@@ -152,15 +153,51 @@ TEST(ByteString, DamagedStreamsAreRefusedWithZlibsStatus) {
     EXPECT_EQ(tqStringToHandle2(text.data(), 10, nullptr, 5, 1), -1);
 }
 
-TEST(ByteString, AStringShorterThanAHeaderIsNoImageButSafe) {
-    const TqImageHeader header = tqtest::DefaultHeader(4, 4);
-    for (const std::uint32_t length : {0u, 1u, 7u, 4u}) {
+TEST(ByteString, AStringCutShortGivesItsImageWithoutTheMissingPels) {
+    const Image image = tqtest::MakeImage(4, 4, [](int, int) { return 0x0101; });
+    Bytes plain(BlockSize(image));
+    std::uint32_t length = 0;
+    ASSERT_EQ(tqHandleToString(image, plain.data(), &length, 0, 0), 0);
+    for (const std::uint32_t kept : {0u, 1u, 4u, 7u, 8u, 55u, 56u, 59u, 86u}) {
+        SCOPED_TRACE(kept);
         Restored restored;
-        ASSERT_EQ(
-            tqStringToHandle(reinterpret_cast<const std::uint8_t*>(&header), length, &restored.block, 0), 0);
-        EXPECT_EQ(tqGetImgPel(static_cast<TqImage*>(restored.block), 1, 1), -1);
-        EXPECT_EQ(tqGetSourceDistance(static_cast<TqImage*>(restored.block)), 0.0f);
+        ASSERT_EQ(tqStringToHandle(plain.data(), kept, &restored.block, 0), 0);
+        const auto* cut = static_cast<const TqImage*>(restored.block);
+        const bool hasSizes = kept >= 5;  // both are below 256, so the fifth byte completes them
+        EXPECT_EQ(tqGetImgPel(cut, 4, 4), hasSizes ? 0 : -1);
+        EXPECT_EQ(tqGetSourceDistance(cut), kept >= 48 ? 1.0f : 0.0f);
+        if (kept >= 58) {
+            EXPECT_EQ(tqGetImgPel(cut, 1, 1), 0x0101);
+        }
+        if (kept == 59) {
+            EXPECT_EQ(tqGetImgPel(cut, 2, 1), 0x0001);
+        }
     }
+}
+
+TEST(ByteString, AStreamCutShortBeforeCompressionIsAsSafe) {
+    // A zlib stream of stored bytes: a header that promises 8000 x 8000 pels and nothing else.
+    TqImageHeader header = tqtest::DefaultHeader(8000, 8000);
+    Bytes stream = {0x78, 0x01, 0x01, 56, 0, 0xC7, 0xFF};
+    const auto* const bytes = reinterpret_cast<const std::uint8_t*>(&header);
+    stream.insert(stream.end(), bytes, bytes + 56);
+    std::uint32_t low = 1, high = 0;  // Adler-32
+    for (int i = 0; i < 56; ++i) {
+        low = (low + bytes[i]) % 65521;
+        high = (high + low) % 65521;
+    }
+    for (const std::uint32_t part : {high >> 8, high & 255, low >> 8, low & 255}) {
+        stream.push_back(static_cast<std::uint8_t>(part));
+    }
+    for (const std::uint32_t expected : {0u, 56u, 90u}) {
+        Restored restored;
+        ASSERT_EQ(tqStringToHandle2(stream.data(), Length(stream), &restored.block, expected, 1), 0);
+        EXPECT_EQ(tqGetImgPel(static_cast<TqImage*>(restored.block), 8000, 8000), 0);
+        EXPECT_EQ(tqGetSourceDistance(static_cast<TqImage*>(restored.block)), 1.0f);
+    }
+    Restored tiny;
+    EXPECT_EQ(tqStringToHandle2(stream.data(), Length(stream), &tiny.block, 55, 1), -5);
+    tiny.block = nullptr;
 }
 
 TEST(ByteString, FailedAllocationsAreReported) {
