@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -85,7 +86,7 @@ class Image {
 };
 
 /// An image whose pel at (col, row) is the low 16 bits of fn(col, row).
-template <class Fn>
+template <std::invocable<std::int32_t, std::int32_t> Fn>
 Image MakeImage(std::int32_t cols, std::int32_t rows, Fn&& fn) {
     Image image(cols, rows);
     for (std::int32_t row = 0; row < rows; ++row) {
