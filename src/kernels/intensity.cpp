@@ -1,0 +1,63 @@
+#include "kernels/intensity.h"
+
+#include <cmath>
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "kernels/intensity.cpp"
+#include <hwy/foreach_target.h>  // IWYU pragma: keep
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace tq::kernels::HWY_NAMESPACE {
+namespace hn = hwy::HWY_NAMESPACE;
+
+void BlockIntensities(const double* sums, std::size_t count, const SinglePrecisionAxis& axis,
+                      std::int32_t row, std::int32_t firstCol, double blockPels, double luxPerGrey,
+                      float* intensities) {
+    const hn::ScalableTag<double> d;
+    const hn::Rebind<float, decltype(d)> f;
+    const hn::Rebind<std::int32_t, decltype(d)> i32;
+    const std::size_t lanes = hn::Lanes(d);
+    const float y = (axis.centerRow - static_cast<float>(row)) / axis.pelsPerMeterY;
+    const float squaredY = y * y;
+    const double squaredDistance = axis.distance * axis.distance;
+
+    std::size_t i = 0;
+    for (; i + lanes <= count; i += lanes) {
+        const auto col = hn::Iota(i32, firstCol + static_cast<std::int32_t>(i));
+        const auto x = hn::Div(hn::Sub(hn::ConvertTo(f, col), hn::Set(f, axis.centerCol)),
+                               hn::Set(f, axis.pelsPerMeterX));
+        const auto squaredRho = hn::Add(hn::Mul(x, x), hn::Set(f, squaredY));
+        const auto squaredRange = hn::Add(hn::Set(d, squaredDistance), hn::PromoteTo(d, squaredRho));
+        const auto mean = hn::Div(hn::LoadU(d, sums + i), hn::Set(d, blockPels));
+        const auto cosine = hn::Div(hn::Set(d, axis.distance), hn::Sqrt(squaredRange));
+        const auto lux = hn::Mul(hn::Mul(squaredRange, mean), hn::Set(d, luxPerGrey));
+        hn::StoreU(hn::DemoteTo(f, hn::Div(lux, cosine)), f, intensities + i);
+    }
+    for (; i < count; ++i) {
+        const auto col = static_cast<float>(firstCol + static_cast<std::int32_t>(i));
+        const float x = (col - axis.centerCol) / axis.pelsPerMeterX;
+        const float squaredRho = x * x + squaredY;
+        const double squaredRange = squaredDistance + static_cast<double>(squaredRho);
+        const double cosine = axis.distance / std::sqrt(squaredRange);
+        intensities[i] = static_cast<float>(squaredRange * (sums[i] / blockPels) * luxPerGrey / cosine);
+    }
+}
+
+}  // namespace tq::kernels::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace tq::kernels {
+
+HWY_EXPORT(BlockIntensities);
+
+void BlockIntensities(const double* sums, std::size_t count, const SinglePrecisionAxis& axis,
+                      std::int32_t row, std::int32_t firstCol, double blockPels, double luxPerGrey,
+                      float* intensities) {
+    HWY_DYNAMIC_DISPATCH(BlockIntensities)
+    (sums, count, axis, row, firstCol, blockPels, luxPerGrey, intensities);
+}
+
+}  // namespace tq::kernels
+#endif

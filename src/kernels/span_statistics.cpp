@@ -1,0 +1,179 @@
+#include "kernels/span_statistics.h"
+
+#include <algorithm>
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "kernels/span_statistics.cpp"
+#include <hwy/foreach_target.h>  // IWYU pragma: keep
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace tq::kernels::HWY_NAMESPACE {
+
+// The loops that finish each run are the plain form of the statistic. The scalar target, for processors below
+// SSSE3, runs on them alone.
+#if HWY_TARGET != HWY_SCALAR
+namespace hn = hwy::HWY_NAMESPACE;
+
+using U16 = hn::ScalableTag<std::uint16_t>;
+using U32 = hn::Repartition<std::uint32_t, U16>;
+using U64 = hn::Repartition<std::uint64_t, U16>;
+
+/// The two pels of each 32-bit lane, added.
+template <class V16>
+HWY_INLINE hn::Vec<U32> AddPairs(V16 pels) {
+    const U32 d;
+    const auto pairs = hn::BitCast(d, pels);
+    return hn::Add(hn::And(pairs, hn::Set(d, 0xFFFF)), hn::ShiftRight<16>(pairs));
+}
+
+/// The two 32-bit sums of each 64-bit lane, added.
+HWY_INLINE hn::Vec<U64> WidenPairs(hn::Vec<U32> sums) {
+    const U64 d;
+    const auto pairs = hn::BitCast(d, sums);
+    return hn::Add(hn::And(pairs, hn::Set(d, 0xFFFFFFFF)), hn::ShiftRight<32>(pairs));
+}
+
+HWY_INLINE std::uint64_t Total(hn::Vec<U64> sums) {
+    const U64 d;
+    return hn::GetLane(hn::SumOfLanes(d, sums));
+}
+
+/// Vectors whose pels a 32-bit lane takes without overflow: 2 pels each, 2 * 32768 * 65535 < 2^32.
+constexpr std::size_t kVectorsPerFlush = 32768;
+#endif
+
+std::uint64_t SumPels(const std::uint16_t* pels, std::size_t count) {
+    std::uint64_t sum = 0;
+    std::size_t i = 0;
+#if HWY_TARGET != HWY_SCALAR
+    const U16 d;
+    const std::size_t lanes = hn::Lanes(d);
+    auto total = hn::Zero(U64());
+    while (i + lanes <= count) {
+        const std::size_t end = i + std::min((count - i) / lanes, kVectorsPerFlush) * lanes;
+        auto even = hn::Zero(U32());
+        auto odd = hn::Zero(U32());
+        for (; i + 2 * lanes <= end; i += 2 * lanes) {
+            even = hn::Add(even, AddPairs(hn::LoadU(d, pels + i)));
+            odd = hn::Add(odd, AddPairs(hn::LoadU(d, pels + i + lanes)));
+        }
+        if (i < end) {
+            even = hn::Add(even, AddPairs(hn::LoadU(d, pels + i)));
+            i += lanes;
+        }
+        total = hn::Add(total, hn::Add(WidenPairs(even), WidenPairs(odd)));
+    }
+    sum = Total(total);
+#endif
+    for (; i < count; ++i)
+        sum += pels[i];
+    return sum;
+}
+
+std::uint64_t SumSquares(const std::uint16_t* pels, std::size_t count) {
+    std::uint64_t sum = 0;
+    std::size_t i = 0;
+#if HWY_TARGET != HWY_SCALAR
+    const U16 d;
+    const U32 d32;
+    const std::size_t lanes = hn::Lanes(d);
+    auto total = hn::Zero(U64());
+    for (; i + lanes <= count; i += lanes) {
+        const auto pairs = hn::BitCast(d32, hn::LoadU(d, pels + i));
+        const auto low = hn::And(pairs, hn::Set(d32, 0xFFFF));
+        const auto high = hn::ShiftRight<16>(pairs);
+        total = hn::Add(total, hn::Add(WidenPairs(hn::Mul(low, low)), WidenPairs(hn::Mul(high, high))));
+    }
+    sum = Total(total);
+#endif
+    for (; i < count; ++i)
+        sum += std::uint64_t{pels[i]} * pels[i];
+    return sum;
+}
+
+SumAndCount SumAtLeast(const std::uint16_t* pels, std::size_t count, std::uint16_t threshold) {
+    SumAndCount result;
+    std::size_t i = 0;
+#if HWY_TARGET != HWY_SCALAR
+    const U16 d;
+    const std::size_t lanes = hn::Lanes(d);
+    const auto bound = hn::Set(d, threshold);
+    auto total = hn::Zero(U64());
+    auto hits = hn::Zero(U64());
+    while (i + lanes <= count) {
+        const std::size_t end = i + std::min((count - i) / lanes, kVectorsPerFlush) * lanes;
+        auto sums = hn::Zero(U32());
+        auto counts = hn::Zero(d);  // at most kVectorsPerFlush a lane
+        for (; i < end; i += lanes) {
+            const auto v = hn::LoadU(d, pels + i);
+            const auto reached = hn::VecFromMask(d, hn::Eq(hn::Max(v, bound), v));
+            sums = hn::Add(sums, AddPairs(hn::And(v, reached)));
+            counts = hn::Sub(counts, reached);
+        }
+        total = hn::Add(total, WidenPairs(sums));
+        hits = hn::Add(hits, WidenPairs(AddPairs(counts)));
+    }
+    result = {Total(total), Total(hits)};
+#endif
+    for (; i < count; ++i) {
+        if (pels[i] < threshold) continue;
+        result.sum += pels[i];
+        ++result.count;
+    }
+    return result;
+}
+
+MinMax FindMinMax(const std::uint16_t* pels, std::size_t count) {
+    MinMax result;
+    std::size_t i = 0;
+#if HWY_TARGET != HWY_SCALAR
+    const U16 d;
+    const std::size_t lanes = hn::Lanes(d);
+    if (count >= lanes) {
+        auto low = hn::Set(d, 65535);
+        auto high = hn::Zero(d);
+        for (; i + lanes <= count; i += lanes) {
+            const auto v = hn::LoadU(d, pels + i);
+            low = hn::Min(low, v);
+            high = hn::Max(high, v);
+        }
+        result = {hn::GetLane(hn::MinOfLanes(d, low)), hn::GetLane(hn::MaxOfLanes(d, high))};
+    }
+#endif
+    for (; i < count; ++i) {
+        result.min = std::min(result.min, pels[i]);
+        result.max = std::max(result.max, pels[i]);
+    }
+    return result;
+}
+
+}  // namespace tq::kernels::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace tq::kernels {
+
+HWY_EXPORT(SumPels);
+HWY_EXPORT(SumSquares);
+HWY_EXPORT(SumAtLeast);
+HWY_EXPORT(FindMinMax);
+
+std::uint64_t SumPels(const std::uint16_t* pels, std::size_t count) {
+    return HWY_DYNAMIC_DISPATCH(SumPels)(pels, count);
+}
+
+std::uint64_t SumSquares(const std::uint16_t* pels, std::size_t count) {
+    return HWY_DYNAMIC_DISPATCH(SumSquares)(pels, count);
+}
+
+SumAndCount SumAtLeast(const std::uint16_t* pels, std::size_t count, std::uint16_t threshold) {
+    return HWY_DYNAMIC_DISPATCH(SumAtLeast)(pels, count, threshold);
+}
+
+MinMax FindMinMax(const std::uint16_t* pels, std::size_t count) {
+    return HWY_DYNAMIC_DISPATCH(FindMinMax)(pels, count);
+}
+
+}  // namespace tq::kernels
+#endif

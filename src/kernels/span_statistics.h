@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+/// Statistics of a run of pels, one call a run. Sums are exact integers, so their order does not matter.
+namespace tq::kernels {
+
+struct SumAndCount {
+    std::uint64_t sum = 0;
+    std::uint64_t count = 0;
+};
+
+struct MinMax {
+    std::uint16_t min = 65535;
+    std::uint16_t max = 0;
+};
+
+std::uint64_t SumPels(const std::uint16_t* pels, std::size_t count);
+
+/// Sum of squares of at most 2^32 pels: 2^32 squares below 2^32 stay within 64 bits.
+std::uint64_t SumSquares(const std::uint16_t* pels, std::size_t count);
+
+/// Sum and count of the pels that are at least `threshold`.
+SumAndCount SumAtLeast(const std::uint16_t* pels, std::size_t count, std::uint16_t threshold);
+
+/// {65535, 0} for an empty run.
+MinMax FindMinMax(const std::uint16_t* pels, std::size_t count);
+
+}  // namespace tq::kernels
