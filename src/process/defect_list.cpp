@@ -125,7 +125,7 @@ class DefectRepairer {
 std::int32_t CheckList(const SAFEARRAY* list) noexcept {
     if (list == nullptr || list->cDims != 2) return kNotTwoDimensions;
     if (!HasInt32Elements(list)) return kBadElements;
-    return StoredCount(*list, 0) == kFields ? 0 : kBadRecord;
+    return Int32Table(*list).RightCount() == kFields ? 0 : kBadRecord;
 }
 
 bool ReadDefect(const Int32Table& table, std::int64_t record, Defect& defect) noexcept {
@@ -151,9 +151,8 @@ std::int32_t TQ_CALL tqRemoveBadPixels(TqImage* image, std::int32_t originColumn
     if (!view) return kInvalidImage;
 
     const DefectRepairer repairer(view, originColumn, originRow, width, height);
-    const Int32Table table(array);
-    const std::int64_t records = StoredCount(*array, 1);
-    for (std::int64_t record = 0; record < records; ++record) {
+    const Int32Table table(*array);
+    for (std::int64_t record = 0; record < table.LeftCount(); ++record) {
         Defect defect{};
         if (!ReadDefect(table, record, defect)) return kUnreadable;
         if (const std::int32_t status = repairer.Repair(defect); status != 0) {
