@@ -47,12 +47,12 @@ template <bool kBinned>
 float ToImagePels(float source, float offset, float step, float last) noexcept {
     float place = source - offset;
     if constexpr (kBinned) place /= step;
-    return std::clamp(place, 0.0f, last);
+    return std::min(std::max(place, 0.0f), last);
 }
 
 /// 0 is kept for pels without a source, so a dark pel that has one becomes 1.
-Pel SampleLit(const ConstImageView& image, float col, float row) noexcept {
-    const Pel pel = WrapToPel(TruncToInt32(InterpolatePel(image, col, row)));
+Pel SampleLit(const BilinearSampler& sampler, float col, float row) noexcept {
+    const Pel pel = WrapToPel(TruncToInt32(sampler.PlaceInside(col, row)));
     return pel == 0 ? Pel{1} : pel;
 }
 
@@ -66,13 +66,14 @@ void CorrectRow(const ConstImageView& image, const MapEntry* entries, const Axis
     const auto rowStep = static_cast<float>(rows.step);
     const auto lastCol = static_cast<float>(image.cols - 1);
     const auto lastRow = static_cast<float>(image.rows - 1);
+    const BilinearSampler sampler(image);
     for (std::int32_t c = 0; c < cols.covered; ++c) {
         const MapEntry& entry = entries[cols.offset + c * cols.step];
         if (!entry.HasSource()) {
             out[c] = 0;
             continue;
         }
-        out[c] = SampleLit(image, ToImagePels<kBinned>(entry.col, col0, colStep, lastCol),
+        out[c] = SampleLit(sampler, ToImagePels<kBinned>(entry.col, col0, colStep, lastCol),
                            ToImagePels<kBinned>(entry.row, row0, rowStep, lastRow));
     }
     std::fill(out + cols.covered, out + image.cols, Pel{0});
