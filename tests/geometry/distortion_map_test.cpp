@@ -48,8 +48,9 @@ TEST(CreateDistortionImage, HasTheSensorsSizeAndItsCentreInTheMiddle) {
 }
 
 TEST(CreateDistortionImage, RefusesSizesNobodyCanHold) {
-    for (const auto& [cols, rows] : {std::pair{-1, 3}, std::pair{3, -1}, std::pair{-3, -3}, std::pair{kMin, kMin},
-                                     std::pair{kMax, kMax}, std::pair{65536, 65536}, std::pair{16384, 16384}}) {
+    for (const auto& [cols, rows] :
+         {std::pair{-1, 3}, std::pair{3, -1}, std::pair{-3, -3}, std::pair{kMin, kMin}, std::pair{kMax, kMax},
+          std::pair{65536, 65536}, std::pair{16384, 16384}}) {
         SCOPED_TRACE(testing::Message() << cols << " x " << rows);
         TqImageHeader info = DefaultHeader(4, 4);
         TqDistortionMap* map = nullptr;

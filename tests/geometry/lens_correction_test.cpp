@@ -36,7 +36,8 @@ constexpr float kPerCol = 16.0f;
 constexpr float kPerRow = 256.0f;
 
 Image Ramp(std::int32_t cols, std::int32_t rows) {
-    return MakeImage(cols, rows, [](std::int32_t col, std::int32_t row) { return 1000 + 16 * col + 256 * row; });
+    return MakeImage(cols, rows,
+                     [](std::int32_t col, std::int32_t row) { return 1000 + 16 * col + 256 * row; });
 }
 
 int RampAt(const Image& image, float col, float row) {
@@ -90,8 +91,8 @@ TEST(CorrectLensDistortion, SamplesBetweenPelsAndHoldsTheBorder) {
 }
 
 TEST(CorrectLensDistortion, FollowsBinningAndTheOffsetInTheSensor) {
-    // The map's centre (50, 40) in pels of 2 x 4 is (25, 10); the image's own centre of (13, 5) puts its first
-    // pel at entry (12, 5), and its pels lie 2 columns and 4 rows of entries apart.
+    // The map's centre (50, 40) in pels of 2 x 4 is (25, 10); the image's own centre of (13, 5) puts its
+    // first pel at entry (12, 5), and its pels lie 2 columns and 4 rows of entries apart.
     Image image = Ramp(20, 6);
     const Image source = image;
     image.Header().BinCols = 2;
@@ -171,8 +172,9 @@ TEST(CorrectLensDistortion, EveryBitOnNoise) {
         map.Head().CenterCol = map.Head().CenterRow = static_cast<float>(2 * bin);
         std::mt19937 engine(9);
         map.Fill([&](std::int32_t, std::int32_t) {
-            return std::pair{static_cast<float>(engine() % 100000) * 0.0022f * static_cast<float>(bin) / 3.0f,
-                             static_cast<float>(engine() % 100000) * 0.0017f * static_cast<float>(bin) / 3.0f};
+            return std::pair{
+                static_cast<float>(engine() % 100000) * 0.0022f * static_cast<float>(bin) / 3.0f,
+                static_cast<float>(engine() % 100000) * 0.0017f * static_cast<float>(bin) / 3.0f};
         });
         ASSERT_EQ(tqCorrectLensDistortion(image.Address(), map), 0);
         for (std::int32_t row = 0; row < 45; ++row) {
@@ -192,10 +194,11 @@ TEST(CorrectLensDistortion, AnOffsetOfMinusOneCountsAsZeroAndLessIsRefused) {
         std::int16_t binCols, binRows;
         std::int32_t status;
     };
-    for (const Case& c : {Case{-1.0f, -1.75f, 1, 1, 0}, Case{-2.0f, 0.0f, 1, 1, -7}, Case{0.0f, -2.0f, 1, 1, -8},
-                          Case{-2.0f, -2.0f, 1, 1, -7}, Case{kNan, 0.0f, 1, 1, -7}, Case{0.0f, kNan, 1, 1, -8},
-                          Case{0.0f, 0.0f, 0, 1, -7}, Case{0.0f, 0.0f, 1, 0, -8}, Case{0.0f, 0.0f, -2, -2, -7},
-                          Case{kInfinity, 0.0f, 1, 1, -7}}) {
+    for (const Case& c :
+         {Case{-1.0f, -1.75f, 1, 1, 0}, Case{-2.0f, 0.0f, 1, 1, -7}, Case{0.0f, -2.0f, 1, 1, -8},
+          Case{-2.0f, -2.0f, 1, 1, -7}, Case{kNan, 0.0f, 1, 1, -7}, Case{0.0f, kNan, 1, 1, -8},
+          Case{0.0f, 0.0f, 0, 1, -7}, Case{0.0f, 0.0f, 1, 0, -8}, Case{0.0f, 0.0f, -2, -2, -7},
+          Case{kInfinity, 0.0f, 1, 1, -7}}) {
         SCOPED_TRACE(testing::Message() << c.colShift << ", " << c.rowShift << ", " << c.binCols);
         Image image = Ramp(8, 6);
         image.Header().BinCols = c.binCols;

@@ -31,9 +31,9 @@ TEST(SubtractImage, SubtractsAtTheOffsetAndStopsAtZero) {
         std::int32_t col, row;
     };
     // Fractions are cut off toward zero; anything from -1.99 up counts as no offset.
-    for (const Case& c : {Case{37, 11, 0.0f, 0.0f, 0, 0}, Case{37, 11, -1.0f, -1.99f, 0, 0},
-                          Case{37, 11, 0.99f, -0.5f, 0, 0}, Case{60, 20, 23.7f, 9.0f, 23, 9},
-                          Case{60, 20, -1.0f, 4.2f, 0, 4}}) {
+    for (const Case& c :
+         {Case{37, 11, 0.0f, 0.0f, 0, 0}, Case{37, 11, -1.0f, -1.99f, 0, 0}, Case{37, 11, 0.99f, -0.5f, 0, 0},
+          Case{60, 20, 23.7f, 9.0f, 23, 9}, Case{60, 20, -1.0f, 4.2f, 0, 4}}) {
         SCOPED_TRACE(testing::Message() << c.offsetCol << ", " << c.offsetRow);
         Image image = RandomImage(37, 11, 5);
         image.Header().Spare = 0xDEADBEEF;
@@ -68,23 +68,23 @@ TEST(SubtractImage, RefusesInTheOrderOfItsChecksAndLeavesTheImage) {
         std::int32_t status;
     };
     for (const Case& c : {
-             Case{9, 8, 0.0f, 0.0f, -8},       // a column short
-             Case{10, 7, 0.0f, 0.0f, -8},      // a row short
-             Case{12, 8, 3.0f, 0.0f, -8},      // pushed out to the right
-             Case{10, 10, 0.0f, 3.0f, -8},     // pushed out below
-             Case{10, 8, -2.0f, 0.0f, -7},     // misplaced
-             Case{10, 8, 0.0f, -2.0f, -8},     //
-             Case{10, 8, -2.0f, -2.0f, -7},    // the column speaks first
-             Case{7, 8, -2.0f, 0.0f, -8},      // but after the size
-             Case{9, 8, -1.0f, 0.0f, -8},      // -1 is 0, and then a column is missing
-             Case{10, 7, 0.0f, -1.0f, -8},     // likewise a row
-             Case{10, 8, kNan, 0.0f, -7},      // no number is no place
-             Case{10, 8, kInfinity, 0.0f, -7}, //
-             Case{10, 8, 0.0f, -1e30f, -8},    //
+             Case{9, 8, 0.0f, 0.0f, -8},        // a column short
+             Case{10, 7, 0.0f, 0.0f, -8},       // a row short
+             Case{12, 8, 3.0f, 0.0f, -8},       // pushed out to the right
+             Case{10, 10, 0.0f, 3.0f, -8},      // pushed out below
+             Case{10, 8, -2.0f, 0.0f, -7},      // misplaced
+             Case{10, 8, 0.0f, -2.0f, -8},      //
+             Case{10, 8, -2.0f, -2.0f, -7},     // the column speaks first
+             Case{7, 8, -2.0f, 0.0f, -8},       // but after the size
+             Case{9, 8, -1.0f, 0.0f, -8},       // -1 is 0, and then a column is missing
+             Case{10, 7, 0.0f, -1.0f, -8},      // likewise a row
+             Case{10, 8, kNan, 0.0f, -7},       // no number is no place
+             Case{10, 8, kInfinity, 0.0f, -7},  //
+             Case{10, 8, 0.0f, -1e30f, -8},     //
              Case{10, 8, 2147483520.0f, 0.0f, -8},
          }) {
-        SCOPED_TRACE(testing::Message() << c.darkCols << " x " << c.darkRows << " at " << c.offsetCol << ", "
-                                        << c.offsetRow);
+        SCOPED_TRACE(testing::Message()
+                     << c.darkCols << " x " << c.darkRows << " at " << c.offsetCol << ", " << c.offsetRow);
         Image image = RandomImage(10, 8, 1);
         const Image before = image;
         const TqImage* block = image.Get();

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include <cstdint>
 #include <array>
+#include <cstdint>
 #include <limits>
 
 #include "images.h"
@@ -51,14 +51,16 @@ TEST(ReplaceCol, ThreeWideTakesTheOuterPelsWiderTheMean) {
     EXPECT_EQ(tqReplaceCol(image, 2, 1, 2, 3), 0);
     EXPECT_TRUE(SamePels(Places(), image)) << "a ramp is its own mean";
 
-    image = MakeImage(5, 3, {10, 20, 99, 41, 50,    //
-                             10, 20, 99, 41, 51,    //
-                             10, 20, 99, 41, 52});  //
+    image = MakeImage(5, 3,
+                      {10, 20, 99, 41, 50,    //
+                       10, 20, 99, 41, 51,    //
+                       10, 20, 99, 41, 52});  //
     EXPECT_EQ(tqReplaceCol(image, 2, 0, 1, 2), 0);
     EXPECT_EQ(tqReplaceCol(image, 2, 2, 2, 5), 0);
-    EXPECT_TRUE(SamePels(MakeImage(5, 3, {10, 20, 30, 41, 50,  //
-                                          10, 20, 30, 41, 51,  //
-                                          10, 20, 30, 41, 52}),
+    EXPECT_TRUE(SamePels(MakeImage(5, 3,
+                                   {10, 20, 30, 41, 50,  //
+                                    10, 20, 30, 41, 51,  //
+                                    10, 20, 30, 41, 52}),
                          image));
 }
 
@@ -78,8 +80,8 @@ TEST(ReplaceRow, IsReplaceColTurned) {
             Image image = RandomImage(6, 7, static_cast<std::uint32_t>(row));
             Image turned = MakeImage(7, 6, [&](std::int32_t c, std::int32_t r) { return image(r, c); });
             ASSERT_EQ(tqReplaceRow(image, row, 1, 4, height), tqReplaceCol(turned, row, 1, 4, height));
-            ASSERT_TRUE(
-                SamePels(MakeImage(6, 7, [&](std::int32_t c, std::int32_t r) { return turned(r, c); }), image));
+            ASSERT_TRUE(SamePels(
+                MakeImage(6, 7, [&](std::int32_t c, std::int32_t r) { return turned(r, c); }), image));
         }
     }
 }
@@ -100,9 +102,9 @@ TEST(ReplaceSegments, AreCutToTheImage) {
 
 TEST(ReplaceBlock, FillsWithTheMeanOfTheFrame) {
     // The frame of the 2 x 1 block at (1, 1) is columns 0..4 (two to each side), rows 0..2.
-    Image image = MakeImage(6, 4, {1, 2, 3, 4, 5, 900,      //
-                                   6, 0, 0, 7, 8, 900,      //
-                                   9, 10, 11, 12, 13, 900,  //
+    Image image = MakeImage(6, 4, {1,   2,   3,   4,   5,   900,  //
+                                   6,   0,   0,   7,   8,   900,  //
+                                   9,   10,  11,  12,  13,  900,  //
                                    900, 900, 900, 900, 900, 900});
     EXPECT_EQ(tqReplaceBlock(image, 1, 1, 2, 1), 0);
     EXPECT_EQ(image(1, 1), 91 / 13);
@@ -113,8 +115,9 @@ TEST(ReplaceBlock, FillsWithTheMeanOfTheFrame) {
     // Half outside: the block is column 0, its frame one column to the right and the rows around it.
     image = MakeImage(3, 3, {1, 2, 100, 500, 4, 100, 5, 6, 100});
     EXPECT_EQ(tqReplaceBlock(image, -1, 1, 2, 1), 0);
-    EXPECT_TRUE(SamePels(MakeImage(3, 3, {1, 2, 100, (1 + 2 + 100 + 4 + 100 + 5 + 6 + 100) / 8, 4, 100,  //
-                                          5, 6, 100}),
+    EXPECT_TRUE(SamePels(MakeImage(3, 3,
+                                   {1, 2, 100, (1 + 2 + 100 + 4 + 100 + 5 + 6 + 100) / 8, 4, 100,  //
+                                    5, 6, 100}),
                          image));
 }
 
@@ -123,8 +126,9 @@ TEST(ReplaceBlock, ChangesNothingWithoutABlockOrAFrame) {
     Image image = before;
     for (const auto& [col, row, width, height] :
          {std::array{0, 0, 5, 4}, std::array{-1, -1, 7, 6}, std::array{kMin, kMin, kMax, kMax},
-          std::array{0, 0, kMax, kMax}, std::array{5, 0, 1, 1}, std::array{0, 4, 1, 1}, std::array{2, 2, 0, 1},
-          std::array{2, 2, 1, -1}, std::array{2, 2, kMin, kMin}, std::array{kMax, kMax, kMax, kMax}}) {
+          std::array{0, 0, kMax, kMax}, std::array{5, 0, 1, 1}, std::array{0, 4, 1, 1},
+          std::array{2, 2, 0, 1}, std::array{2, 2, 1, -1}, std::array{2, 2, kMin, kMin},
+          std::array{kMax, kMax, kMax, kMax}}) {
         EXPECT_EQ(tqReplaceBlock(image, col, row, width, height), 0);
         EXPECT_TRUE(SamePels(before, image)) << col << ' ' << row << ' ' << width << ' ' << height;
     }
@@ -139,7 +143,8 @@ TEST(Repairs, RefuseWhatTheyCannotRepair) {
         EXPECT_EQ(tqReplaceCol(image, outside, 0, 3, 3), -1);
         EXPECT_EQ(tqReplaceRow(image, outside, 0, 4, 3), -1);
     }
-    // No neighbourhood: the pel alone, or, with negative sizes, not even that. Two negative sizes are no area.
+    // No neighbourhood: the pel alone, or, with negative sizes, not even that. Two negative sizes are no
+    // area.
     for (const std::int32_t size : {-1, 0, 1, -2, -4, -8, kMin}) {
         EXPECT_EQ(tqReplacePel(image, 2, 2, size, size), -1) << size;
         EXPECT_EQ(tqReplaceCol(image, 2, 0, 3, size), -1) << size;
