@@ -1,9 +1,7 @@
 #include "geometry/distortion_map.h"
 
-#include <limits>
-#include <new>
-
 #include "core/guard.h"
+#include "core/image_block.h"
 #include "tqimage/distortion.h"
 
 namespace tq {
@@ -15,22 +13,6 @@ template <class View, class Head, class Entry>
 View Locate(Head* map) noexcept {
     if (map == nullptr) return {};
     return {map, reinterpret_cast<Entry*>(map + 1), map->Cols, map->Rows};
-}
-
-/// Throws std::bad_alloc for what a host's signed 32-bit size could not express, negative sizes included.
-std::size_t MapBytes(std::int32_t cols, std::int32_t rows) {
-    constexpr std::int64_t kEntries =
-        (std::numeric_limits<std::int32_t>::max() - static_cast<std::int64_t>(sizeof(TqDistortionMap))) /
-        static_cast<std::int64_t>(sizeof(MapEntry));
-    const std::int64_t entries = static_cast<std::int64_t>(cols) * rows;
-    if (cols < 0 || rows < 0 || entries > kEntries) throw std::bad_alloc();
-    return sizeof(TqDistortionMap) + static_cast<std::size_t>(entries) * sizeof(MapEntry);
-}
-
-/// Maps are released with the function that releases images, hence an array of bytes.
-void FreeHostMap(TqDistortionMap** map) noexcept {
-    delete[] reinterpret_cast<std::uint8_t*>(*map);
-    *map = nullptr;
 }
 
 float Middle(std::uint16_t pels) noexcept {
@@ -56,8 +38,9 @@ std::int32_t TQ_CALL tqCreateDistortionImage(TqDistortionMap** map, const TqImag
     return Guarded(kRefused, [&] {
         const std::int32_t cols = info->PelCols;
         const std::int32_t rows = info->PelRows;
-        FreeHostMap(map);
-        auto* head = reinterpret_cast<TqDistortionMap*>(new std::uint8_t[MapBytes(cols, rows)]);
+        FreeHostBlock(map);
+        const std::size_t bytes = GridBytes(sizeof(TqDistortionMap), sizeof(MapEntry), cols, rows);
+        auto* head = reinterpret_cast<TqDistortionMap*>(new std::uint8_t[bytes]);
         head->Cols = static_cast<std::uint16_t>(cols);
         head->Rows = static_cast<std::uint16_t>(rows);
         head->CenterCol = Middle(head->Cols);

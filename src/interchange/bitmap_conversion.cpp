@@ -10,6 +10,7 @@
 #include "interchange/bmp_file.h"
 #include "interchange/palette.h"
 #include "interchange/tone_curve.h"
+#include "kernels/span_statistics.h"
 #include "tqimage/bitmap.h"
 
 namespace tq {
@@ -33,7 +34,7 @@ void EnsureScale(TqImageHeader& header) noexcept {
 }
 
 void FillRows(const OwnedBitmap& bitmap, const ConstImageView& image, double gamma) {
-    const Pel largest = *std::max_element(image.pels, image.pels + image.Count());
+    const Pel largest = kernels::FindMinMax(image.pels, image.Count()).max;
     const std::vector<std::uint8_t> bytes = MakeToneTable(gamma, image.header->MaxPelValue, largest);
     for (std::int32_t row = 0; row < image.rows; ++row) {
         const Pel* pels = image.Row(row);

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cstdint>
 #include <limits>
-#include <numeric>
 
 #include "core/rectangle.h"
+#include "kernels/span_statistics.h"
 #include "tqimage/defects.h"
 
 namespace tq {
@@ -18,9 +18,7 @@ constexpr std::int32_t kInvalidBlockImage = -2;
 std::uint64_t SumPels(const ImageView& image, const Rect& area) noexcept {
     std::uint64_t sum = 0;
     for (std::int32_t row = area.top; row <= area.bottom; ++row) {
-        const Pel* pels = image.Row(row);
-        // A row of at most 8000 pels fits 32 bits.
-        sum += std::accumulate(pels + area.left, pels + area.right + 1, std::uint32_t{0});
+        sum += kernels::SumPels(image.Row(row) + area.left, static_cast<std::size_t>(area.Width()));
     }
     return sum;
 }
