@@ -15,7 +15,8 @@ extern "C" {
  * @param[in] info the header of the new image; the columns and rows, pels, decide the size, 0 included
  * @param[in,out] image address of the host's block pointer; receives the new block
  * @return 0; -1 when a pointer is null, a side is negative or no block of that size can be had
- * @par Ownership A block that *image holds is freed first; after a failure *image is null. The new block
+ * @par Ownership A block that *image holds is freed first; when no block can be had
+ *      *image is null. The new block
  *      belongs to the host, which releases it with tqImageFree.
  * @par Memory The new block: 56 bytes and 2 bytes a pel.
  * @note All 14 header fields are copied as they are. Sides are not held to 1..8000 here: an image outside
@@ -32,7 +33,8 @@ TQ_API int32_t TQ_CALL tqCreateImage(const TqImageHeader* info, TqImage** image)
  * @param[in] cols columns, pels, 0 or more
  * @param[in] rows rows, pels, 0 or more
  * @return 0; -1 when image is null, a side is negative or no block of that size can be had
- * @par Ownership A block that *image holds is freed first; after a failure *image is null. The new block
+ * @par Ownership A block that *image holds is freed first; when no block can be had
+ *      *image is null. The new block
  *      belongs to the host, which releases it with tqImageFree.
  * @par Memory The new block: 56 bytes and 2 bytes a pel.
  * @note The header holds the sizes and binning factors of 1, the rest of it and the pels are 0. Hosts fill
@@ -87,7 +89,8 @@ TQ_API int32_t TQ_CALL tqGetKeyStoneImageInfo(TqImageHeader* info, const TqDisto
  * copy cannot be allocated
  * @par Ownership A block that *destination holds is freed; after -2 *destination is null. The copy belongs to
  *      the host, which releases it with tqImageFree.
- * @par Memory The copy; when *destination is the source itself, source and copy for a moment.
+ * @par Memory The copy.
+ * @note When *destination is the source itself it stays: it is its own copy.
  */
 TQ_API int32_t TQ_CALL tqGlobalCopy(TqImage** destination, const TqImage* source);
 
