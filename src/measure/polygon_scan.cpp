@@ -82,10 +82,16 @@ void PolygonScan::WalkCrossings() {
     const std::size_t count = crossings_.size();
     std::size_t start = 0;
     while (start + 1 < count) {
-        if (start > 0 && coincide(start, start - 1)) ++start;  // the previous span ended at this very vertex
+        // Where the previous span ended in this column, the outline has either gone on through the same
+        // vertex, or the inside goes on behind the column: then the pair is taken as it stands.
+        bool behindPrevious = start > 0 && crossings_[start].col == crossings_[start - 1].col;
+        if (behindPrevious && coincide(start, start - 1)) {
+            ++start;
+            behindPrevious = false;
+        }
         std::size_t end = start + 1;
         if (end >= count) break;
-        if (end + 1 < count && coincide(start, end)) ++end;
+        if (!behindPrevious && end + 1 < count && coincide(start, end)) ++end;
         AddSpan(crossings_[start].col, crossings_[end].col);
         start = end + 1;
     }
