@@ -71,10 +71,12 @@ void PolygonScan::WalkCrossings() {
         const Meets kind = row_ == edge.Bottom() ? Meets::kAtLowerEnd
                            : row_ == edge.Top()  ? Meets::kAtUpperEnd
                                                  : Meets::kInside;
-        crossings_.push_back({edge.ColumnAt(row_), kind});
+        crossings_.push_back({edge.ColumnAt(row_), e, kind});
     }
-    std::stable_sort(crossings_.begin(), crossings_.end(),
-                     [](const Crossing& a, const Crossing& b) { return a.col < b.col; });
+    // A stable sort would ask for memory in every row.
+    std::sort(crossings_.begin(), crossings_.end(), [](const Crossing& a, const Crossing& b) {
+        return a.col != b.col ? a.col < b.col : a.edge < b.edge;
+    });
 
     const auto coincide = [&](std::size_t a, std::size_t b) {
         return crossings_[a].col == crossings_[b].col && crossings_[a].kind != crossings_[b].kind;
