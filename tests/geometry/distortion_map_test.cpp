@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <limits>
 
+#include "failing_allocator.h"
 #include "images.h"
 #include "maps.h"
 #include "tqimage/distortion.h"
@@ -91,6 +92,16 @@ TEST(PutDistortionPel, CountsRowsByTheHeaderAndStaysInTheMap) {
     TqImageHeader wide = info;
     wide.PelCols = kMax;
     EXPECT_EQ(tqPutDistortionPel(head, &wide, kMax, kMax, 0.0f, 0.0f), -1);
+}
+
+TEST(CreateDistortionImage, NoMemoryLeavesNull) {
+    if (!tqtest::CanFailAllocations()) GTEST_SKIP() << "the library allocates for itself here";
+    const TqImageHeader info = DefaultHeader(5, 3);
+    TqDistortionMap* map = nullptr;
+    const int made = tqtest::FailEachAllocation(
+        -1, 0, [&] { return tqCreateDistortionImage(&map, &info); }, [&] { EXPECT_EQ(map, nullptr); });
+    EXPECT_EQ(made, 1);
+    FreeMap(map);
 }
 
 }  // namespace

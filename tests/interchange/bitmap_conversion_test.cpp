@@ -9,6 +9,7 @@
 #include <tuple>
 
 #include "bitmaps.h"
+#include "failing_allocator.h"
 #include "images.h"
 #include "tqimage/bitmap.h"
 
@@ -217,6 +218,23 @@ TEST(FreeLeadBmp, LeavesARecordOfZerosThatMayBeFreedAgain) {
     EXPECT_EQ(bitmap.width, 0);
     EXPECT_EQ(tqFreeLeadBmp(&bitmap), 0);
     EXPECT_EQ(tqFreeLeadBmp(nullptr), 0);
+}
+
+TEST(ImageToLeadBmp, NoMemoryLeavesTheBitmapAlone) {
+    if (!tqtest::CanFailAllocations()) GTEST_SKIP() << "the library allocates for itself here";
+    Image image(9, 9);
+    for (const std::int32_t palette : {0, 1}) {
+        Bitmap bitmap;
+        double scale = 0.0;
+        const int made = tqtest::FailEachAllocation(
+            palette == 0 ? -2 : -3, 0, [&] { return tqImageToLeadBmp(&bitmap, &scale, image, palette, 1.0); },
+            [&] {
+                EXPECT_EQ(bitmap.rows, nullptr);
+                EXPECT_EQ(bitmap.palette, nullptr);
+                EXPECT_EQ(scale, 0.0);
+            });
+        EXPECT_GE(made, palette == 0 ? 1 : 2);
+    }
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 
 #include "bitmaps.h"
 #include "bmp_reader.h"
+#include "failing_allocator.h"
 #include "images.h"
 #include "tqimage/bitmap.h"
 
@@ -141,5 +142,15 @@ TEST(ImageToDiskBmp, ADeviceThatTakesNoMoreStaysWhereItIs) {
     EXPECT_EQ(stat("/dev/full", &info), 0);
 }
 #endif
+
+TEST(ImageToDiskBmp, NoMemoryMakesNoFile) {
+    if (!tqtest::CanFailAllocations()) GTEST_SKIP() << "the library allocates for itself here";
+    const TempName name("tq_no_memory.bmp");
+    Image image(9, 9);
+    const int made = tqtest::FailEachAllocation(
+        -2, 0, [&] { return tqImageToDiskBmp(name.c_str(), image, 1); },
+        [&] { EXPECT_FALSE(name.Exists()); });
+    EXPECT_GE(made, 2);
+}
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <limits>
 
+#include "failing_allocator.h"
 #include "images.h"
 #include "tqimage/point_operations.h"
 
@@ -105,6 +106,17 @@ TEST(SubtractImage, RefusesInvalidImages) {
     EXPECT_EQ(tqSubtractImage(tooWide.Address(), nullptr), -2);
     EXPECT_EQ(tqSubtractImage(image.Address(), nullptr), -3);
     EXPECT_EQ(tqSubtractImage(image.Address(), empty), -3);
+}
+
+TEST(SubtractImage, NoMemoryLeavesTheImage) {
+    if (!tqtest::CanFailAllocations()) GTEST_SKIP() << "the library allocates for itself here";
+    const Image before = RandomImage(10, 8, 1);
+    Image image = before;
+    Image dark = Dark(10, 8, 0.0f, 0.0f);
+    const int made = tqtest::FailEachAllocation(
+        -5, 0, [&] { return tqSubtractImage(image.Address(), dark); },
+        [&] { EXPECT_TRUE(SamePels(before, image)); });
+    EXPECT_GE(made, 1);
 }
 
 }  // namespace
