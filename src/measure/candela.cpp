@@ -64,6 +64,7 @@ void WriteExtreme(const ConstImageView& view, const PhotometricFrame& frame, con
     produce([&](std::int32_t row, std::int32_t first, std::int32_t last) {
         scan.Offer(row, first, view.Row(row) + first, static_cast<std::size_t>(last - first + 1));
     });
+    *outputs.candela = 0.0;
     if (scan.Found()) outputs.Write(frame, scan.Col(), scan.Row(), scan.Best());
 }
 
@@ -96,7 +97,6 @@ std::int32_t ExtremeInPolygon(const TqImage* image, SAFEARRAY** array, const Dir
     return Guarded(kInvalidPolygonImage, [&] {
         const auto vertices = ReadVertices(array);
         if (!vertices) return kUnreadableVertex;
-        *outputs.candela = 0.0;
         WriteExtreme<extreme>(view, frame, outputs,
                               [&](auto&& visit) { VisitPolygon(view, *vertices, visit); });
         return 0;

@@ -71,10 +71,12 @@ void PolygonScan::WalkCrossings() {
         const Meets kind = row_ == edge.Bottom() ? Meets::kAtLowerEnd
                            : row_ == edge.Top()  ? Meets::kAtUpperEnd
                                                  : Meets::kInside;
-        crossings_.push_back({edge.ColumnAt(row_), kind});
+        crossings_.push_back({edge.ColumnAt(row_), e, kind});
     }
-    std::stable_sort(crossings_.begin(), crossings_.end(),
-                     [](const Crossing& a, const Crossing& b) { return a.col < b.col; });
+    // A stable sort would ask for memory in every row.
+    std::sort(crossings_.begin(), crossings_.end(), [](const Crossing& a, const Crossing& b) {
+        return a.col != b.col ? a.col < b.col : a.edge < b.edge;
+    });
 
     const auto coincide = [&](std::size_t a, std::size_t b) {
         return crossings_[a].col == crossings_[b].col && crossings_[a].kind != crossings_[b].kind;
@@ -82,10 +84,16 @@ void PolygonScan::WalkCrossings() {
     const std::size_t count = crossings_.size();
     std::size_t start = 0;
     while (start + 1 < count) {
-        if (start > 0 && coincide(start, start - 1)) ++start;  // the previous span ended at this very vertex
+        // Where the previous span ended in this column, the outline has either gone on through the same
+        // vertex, or the inside goes on behind the column: then the pair is taken as it stands.
+        bool behindPrevious = start > 0 && crossings_[start].col == crossings_[start - 1].col;
+        if (behindPrevious && coincide(start, start - 1)) {
+            ++start;
+            behindPrevious = false;
+        }
         std::size_t end = start + 1;
         if (end >= count) break;
-        if (end + 1 < count && coincide(start, end)) ++end;
+        if (!behindPrevious && end + 1 < count && coincide(start, end)) ++end;
         AddSpan(crossings_[start].col, crossings_[end].col);
         start = end + 1;
     }

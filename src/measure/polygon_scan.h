@@ -44,6 +44,7 @@ class PolygonScan {
     enum class Meets { kInside, kAtLowerEnd, kAtUpperEnd };
     struct Crossing {
         std::int64_t col;
+        std::size_t edge;
         Meets kind;
     };
 

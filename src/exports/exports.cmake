@@ -1,11 +1,11 @@
 # Nothing leaves the library that is not listed here: tqimage20.def holds the names every build has,
 # automation.txt those that only a system without OLE Automation needs.
-set(def ${CMAKE_CURRENT_SOURCE_DIR}/tqimage20.def)
-set(automation ${CMAKE_CURRENT_SOURCE_DIR}/automation.txt)
+set(def ${CMAKE_CURRENT_LIST_DIR}/tqimage20.def)
+set(automation ${CMAKE_CURRENT_LIST_DIR}/automation.txt)
 set_property(TARGET tqimage20 APPEND PROPERTY LINK_DEPENDS ${def} ${automation})
 
 if(WIN32)
-    include(windows_exports.cmake)
+    include(exports/windows_exports.cmake)
     return()
 endif()
 
