@@ -120,7 +120,7 @@ inline Image RandomImageWithHoles(std::int32_t cols, std::int32_t rows, std::uin
     std::mt19937 engine(seed);
     return MakeImage(cols, rows, [&](std::int32_t, std::int32_t) {
         const bool hole = engine() % oneIn == 0;
-        const std::uint32_t value = 1 + engine() % 65535;
+        const auto value = static_cast<std::uint32_t>(1 + engine() % 65535);
         return hole ? 0u : value;
     });
 }
