@@ -10,8 +10,8 @@ function(tq_add_test_program folder)
         target_link_libraries(${program} PRIVATE tqimage20)
     endif()
     target_link_libraries(${program} PRIVATE tqimage_flags test_support)
-    set(results ${CMAKE_BINARY_DIR}/results)
-    add_test(NAME ${folder} COMMAND ${program} --gtest_brief=1 --gtest_output=xml:${results}/${folder}.xml
+    # Relative, because GoogleTest under Windows takes a path without a drive letter for relative anyway.
+    add_test(NAME ${folder} COMMAND ${program} --gtest_brief=1 --gtest_output=xml:results/${folder}.xml
              WORKING_DIRECTORY ${CMAKE_BINARY_DIR})
     set_tests_properties(${folder} PROPERTIES TIMEOUT 900)
     if(WIN32)

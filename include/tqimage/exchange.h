@@ -113,9 +113,8 @@ TQ_API int32_t TQ_CALL tqHandleToString(const TqImage* image, uint8_t* destinati
  * @par Ownership The block belongs to the host, which releases it with tqImageFree.
  * @par Memory The block; decompressing, 6,500,000 bytes more.
  * @par Source RFC 1950, RFC 1951.
- * @note The bytes are not looked at. A block is never shorter than a header: missing bytes are 0, which no
- *       function takes for a valid image. A host that stores strings where others can write compares the
- *       header's sizes with the length before it uses the image.
+ * @note A string that ends before the image that its header describes gives that image, the missing pels 0. A
+ *       string that is no image gives a block with its bytes.
  */
 TQ_API int32_t TQ_CALL tqStringToHandle(const uint8_t* source, uint32_t sourceLength, void** result,
                                         int32_t compressed);

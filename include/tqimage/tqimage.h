@@ -6,7 +6,16 @@
 
 #include "tqimage/automation.h"
 #include "tqimage/base.h"
+#include "tqimage/bitmap.h"
+#include "tqimage/defects.h"
+#include "tqimage/distortion.h"
 #include "tqimage/exchange.h"
 #include "tqimage/image.h"
+#include "tqimage/pel_block.h"
+#include "tqimage/photometry.h"
+#include "tqimage/point_operations.h"
+#include "tqimage/region_ellipse.h"
+#include "tqimage/region_polygon.h"
+#include "tqimage/region_rectangle.h"
 
 #endif

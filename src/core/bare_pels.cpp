@@ -1,10 +1,9 @@
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 #include <memory>
-#include <new>
 
 #include "core/guard.h"
+#include "core/image_block.h"
 #include "core/numerics.h"
 #include "platform/automation.h"
 #include "platform/int32_table.h"
@@ -21,20 +20,14 @@ constexpr std::int32_t kElementOfTwoDimensions = -5;
 constexpr std::int32_t kWrongDimensions = -6;
 constexpr std::int32_t kNotUnlocked = -7;
 
-/// Product of all element counts, 1 without any. Throws std::bad_alloc when a host's signed 32-bit size could
-/// not express that many pels.
-std::size_t ElementCount(const SAFEARRAY& array) {
-    constexpr std::uint64_t kMost = std::numeric_limits<std::int32_t>::max() / sizeof(tq::Pel);
-    std::uint64_t count = 1;
-    bool tooMany = false;
+/// Bytes of a pel for every element; of one pel for an array without dimensions.
+std::size_t PelBytes(const SAFEARRAY& array) {
+    std::size_t bytes = sizeof(tq::Pel);
     for (unsigned dim = 0; dim < array.cDims; ++dim) {
-        const std::uint32_t elements = tq::StoredCount(array, dim);
-        if (elements == 0) return 0;
-        tooMany = tooMany || count > kMost / elements;
-        if (!tooMany) count *= elements;
+        bytes = tq::GridBytes(0, bytes, tq::StoredCount(array, dim), 1);
+        if (bytes == 0) return 0;
     }
-    if (tooMany) throw std::bad_alloc();
-    return static_cast<std::size_t>(count);
+    return bytes;
 }
 
 std::int32_t ReadPels(const tq::Int32Table& table, std::uint16_t* pels) noexcept {
@@ -93,7 +86,7 @@ int32_t TQ_CALL tqGetSafeArrayHandle(uint16_t** pels, SAFEARRAY** array) {
     if (pels == nullptr) return kNotCreated;
     return tq::Guarded(kNotCreated, [&] {
         // Bytes, because tqImageFree frees bytes. The host gets them even if filling fails, so they are 0.
-        std::unique_ptr<std::uint8_t[]> block(new std::uint8_t[ElementCount(**array) * sizeof(tq::Pel)]());
+        std::unique_ptr<std::uint8_t[]> block(new std::uint8_t[PelBytes(**array)]());
         *pels = reinterpret_cast<std::uint16_t*>(block.release());
         return UnderLock(**array, [&](const tq::Int32Table& table) { return ReadPels(table, *pels); });
     });

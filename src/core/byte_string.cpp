@@ -25,21 +25,21 @@ constexpr std::uint32_t kMostRestoredBytes = 6'500'000;
 
 using Bytes = std::unique_ptr<std::uint8_t[]>;
 
-/// A block for the host. It may be taken for an image, so it is never shorter than a header.
-Bytes NewBlock(std::size_t bytes) {
-    return Bytes(new std::uint8_t[std::max(bytes, sizeof(TqImageHeader))]);
-}
-
-/// Clears what the block has beyond its first `used` bytes.
-void ClearRest(const Bytes& block, std::size_t used, std::size_t bytes) noexcept {
-    const std::size_t held = std::max(bytes, sizeof(TqImageHeader));
-    std::memset(block.get() + used, 0, held - used);
+/// Bytes of a block for these contents. The host will take the block for an image, so it is as large as its
+/// header says even when the string was cut short: a damaged record must not make other functions read past
+/// it.
+std::size_t BytesToHold(const std::uint8_t* contents, std::size_t length) {
+    TqImageHeader header{};
+    std::memcpy(&header, contents, std::min(length, sizeof header));
+    const bool isImage = tq::IsValidSide(header.PelCols) && tq::IsValidSide(header.PelRows);
+    return std::max(length, isImage ? tq::BlockBytes(header.PelCols, header.PelRows) : sizeof header);
 }
 
 std::int32_t HandOverCopy(const std::uint8_t* source, std::size_t length, void** result) {
-    Bytes block = NewBlock(length);
+    const std::size_t held = BytesToHold(source, length);
+    Bytes block(new std::uint8_t[held]);
     std::memcpy(block.get(), source, length);
-    ClearRest(block, length, length);
+    std::memset(block.get() + length, 0, held - length);
     *result = block.release();
     return kOk;
 }
@@ -62,14 +62,17 @@ std::int32_t RestoreUnknownLength(const std::uint8_t* source, std::uint32_t sour
 
 std::int32_t RestoreKnownLength(const std::uint8_t* source, std::uint32_t sourceLength,
                                 std::uint32_t expectedLength, void** result) {
-    Bytes block = NewBlock(expectedLength);
-    // The host sees the address after a failure too, as it always has; the block itself goes.
-    *result = block.get();
+    Bytes block(new std::uint8_t[expectedLength]);
     std::uint32_t length = expectedLength;
     const int status = Restore(source, sourceLength, block.get(), &length);
-    if (status != Z_OK) return status;
-    ClearRest(block, length, expectedLength);
-    block.release();
+    if (status != Z_OK) {
+        // The host sees the address after a failure too, as it always has; the block itself goes.
+        *result = block.get();
+        return status;
+    }
+    if (BytesToHold(block.get(), length) > expectedLength) return HandOverCopy(block.get(), length, result);
+    std::memset(block.get() + length, 0, expectedLength - length);
+    *result = block.release();
     return kOk;
 }
 

@@ -43,7 +43,7 @@ int32_t TQ_CALL tqCreateImage(const TqImageHeader* info, TqImage** image) {
     if (info == nullptr || image == nullptr) return kNotCreated;
     // Taken before the old block goes: hosts resize an image by handing in its own header.
     const TqImageHeader header = *info;
-    tq::FreeHostImage(image);
+    tq::FreeHostBlock(image);
     return tq::Guarded(kNotCreated, [&] {
         tq::OwnedImage created(header.PelCols, header.PelRows);
         created.Header() = header;
@@ -55,7 +55,7 @@ int32_t TQ_CALL tqCreateImage(const TqImageHeader* info, TqImage** image) {
 int32_t TQ_CALL tqCreateImageA(TqImage** image, int32_t* blockAddress, uint16_t** pels, int32_t cols,
                                int32_t rows) {
     if (image == nullptr) return kNotCreated;
-    tq::FreeHostImage(image);
+    tq::FreeHostBlock(image);
     return tq::Guarded(kNotCreated, [&] {
         tq::OwnedImage created(cols, rows);
         if (pels != nullptr) *pels = created.View().pels;
@@ -71,7 +71,7 @@ int32_t TQ_CALL tqCreateImageA(TqImage** image, int32_t* blockAddress, uint16_t*
 
 int32_t TQ_CALL tqImageFree(TqImage** image) {
     if (image == nullptr || *image == nullptr) return kInvalidImage;
-    tq::FreeHostImage(image);
+    tq::FreeHostBlock(image);
     return kOk;
 }
 
@@ -97,7 +97,7 @@ int32_t TQ_CALL tqGlobalCopy(TqImage** destination, const TqImage* source) {
     const tq::ConstImageView view = tq::LocateImage(source);
     if (destination == nullptr || !view) return kInvalidImage;
     if (*destination == source) return kOk;
-    tq::FreeHostImage(destination);
+    tq::FreeHostBlock(destination);
     return tq::Guarded(kNotCopied, [&] {
         tq::OwnedImage copy(view, tq::NewPels::kUnwritten);
         std::copy_n(view.pels, view.Count(), copy.View().pels);

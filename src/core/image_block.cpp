@@ -6,14 +6,18 @@
 
 namespace tq {
 
+std::size_t GridBytes(std::size_t headBytes, std::size_t cellBytes, std::int64_t cols, std::int64_t rows) {
+    constexpr std::int64_t kLargestSize = std::numeric_limits<std::int32_t>::max();
+    if (cols < 0 || rows < 0 || cols > kLargestSize || rows > kLargestSize) throw std::bad_alloc();
+    const std::int64_t cells = cols * rows;
+    // The cell size divides the limit instead of multiplying the product, which may be near 2^62.
+    const std::int64_t room = kLargestSize - static_cast<std::int64_t>(headBytes);
+    if (cells > room / static_cast<std::int64_t>(cellBytes)) throw std::bad_alloc();
+    return headBytes + static_cast<std::size_t>(cells) * cellBytes;
+}
+
 std::size_t BlockBytes(std::int32_t cols, std::int32_t rows) {
-    if (cols < 0 || rows < 0) throw std::bad_alloc();
-    // 2^31 x 2^31 fits 64 bits; one factor of 2 is taken off the limit instead of put on the product.
-    const std::int64_t pels = static_cast<std::int64_t>(cols) * rows;
-    constexpr std::int64_t kLimit =
-        (std::numeric_limits<std::int32_t>::max() - static_cast<std::int64_t>(sizeof(TqImageHeader))) / 2;
-    if (pels > kLimit) throw std::bad_alloc();
-    return sizeof(TqImageHeader) + static_cast<std::size_t>(pels) * sizeof(Pel);
+    return GridBytes(sizeof(TqImageHeader), sizeof(Pel), cols, rows);
 }
 
 OwnedImage::OwnedImage(std::int32_t cols, std::int32_t rows, NewPels fill) {
@@ -35,13 +39,8 @@ ImageView OwnedImage::View() const noexcept {
     return {&Header(), reinterpret_cast<Pel*>(&Header() + 1), Header().PelCols, Header().PelRows};
 }
 
-void FreeHostImage(TqImage** host) noexcept {
-    delete[] reinterpret_cast<std::uint8_t*>(*host);
-    *host = nullptr;
-}
-
 void CommitImage(TqImage** host, OwnedImage image) noexcept {
-    FreeHostImage(host);
+    FreeHostBlock(host);
     *host = image.Release();
 }
 

@@ -12,8 +12,12 @@ namespace tq {
 /// What a new block's pels hold. Producers that write every pel skip the clearing.
 enum class NewPels { kZero, kUnwritten };
 
-/// Bytes of a block of this size. Throws std::bad_alloc for sizes that a host's signed 32-bit size could not
-/// express, negative ones included, so that an allocation is never smaller than what it has to hold.
+/// Bytes of `headBytes` followed by cols x rows cells. Throws std::bad_alloc for what a host's signed 32-bit
+/// size could not express, negative sides included, so that an allocation is never smaller than what it has
+/// to hold.
+std::size_t GridBytes(std::size_t headBytes, std::size_t cellBytes, std::int64_t cols, std::int64_t rows);
+
+/// The same for an image block.
 std::size_t BlockBytes(std::int32_t cols, std::int32_t rows);
 
 /// An image block until it is handed to the host. Its header is zero but for the sizes and binning factors
@@ -35,8 +39,13 @@ class OwnedImage {
     std::unique_ptr<std::uint8_t[]> block_;
 };
 
-/// Frees the block that the host's pointer holds, if any, and leaves null.
-void FreeHostImage(TqImage** host) noexcept;
+/// Frees the image or map that the host's pointer holds, if any, and leaves null. Every block is an array of
+/// bytes, so that one exported function can release them all.
+template <class Block>
+void FreeHostBlock(Block** host) noexcept {
+    delete[] reinterpret_cast<std::uint8_t*>(*host);
+    *host = nullptr;
+}
 
 /// Hands a finished image to the host: only now the block it replaces goes.
 void CommitImage(TqImage** host, OwnedImage image) noexcept;

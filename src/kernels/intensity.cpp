@@ -11,10 +11,10 @@ HWY_BEFORE_NAMESPACE();
 namespace tq::kernels::HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 
-void BlockIntensities(const double* sums, std::size_t count, const SinglePrecisionAxis& axis,
-                      std::int32_t row, std::int32_t firstCol, double blockPels, double luxPerGrey,
-                      float* intensities) {
-    const hn::ScalableTag<double> d;
+void AddBlockIntensities(const double* sums, std::size_t count, const SinglePrecisionAxis& axis,
+                         std::int32_t row, std::int32_t firstCol, double blockPels, double luxPerGrey,
+                         IntensitySums& total) {
+    const hn::CappedTag<double, IntensitySums::kLanes> d;
     const hn::Rebind<float, decltype(d)> f;
     const hn::Rebind<std::int32_t, decltype(d)> i32;
     const std::size_t lanes = hn::Lanes(d);
@@ -32,7 +32,9 @@ void BlockIntensities(const double* sums, std::size_t count, const SinglePrecisi
         const auto mean = hn::Div(hn::LoadU(d, sums + i), hn::Set(d, blockPels));
         const auto cosine = hn::Div(hn::Set(d, axis.distance), hn::Sqrt(squaredRange));
         const auto lux = hn::Mul(hn::Mul(squaredRange, mean), hn::Set(d, luxPerGrey));
-        hn::StoreU(hn::DemoteTo(f, hn::Div(lux, cosine)), f, intensities + i);
+        const auto intensity = hn::PromoteTo(d, hn::DemoteTo(f, hn::Div(lux, cosine)));
+        double* const running = total.lanes + i % IntensitySums::kLanes;
+        hn::StoreU(hn::Add(hn::LoadU(d, running), intensity), d, running);
     }
     for (; i < count; ++i) {
         const auto col = static_cast<float>(firstCol + static_cast<std::int32_t>(i));
@@ -40,7 +42,8 @@ void BlockIntensities(const double* sums, std::size_t count, const SinglePrecisi
         const float squaredRho = x * x + squaredY;
         const double squaredRange = squaredDistance + static_cast<double>(squaredRho);
         const double cosine = axis.distance / std::sqrt(squaredRange);
-        intensities[i] = static_cast<float>(squaredRange * (sums[i] / blockPels) * luxPerGrey / cosine);
+        const double lux = squaredRange * (sums[i] / blockPels) * luxPerGrey;
+        total.lanes[i % IntensitySums::kLanes] += static_cast<double>(static_cast<float>(lux / cosine));
     }
 }
 
@@ -50,13 +53,13 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace tq::kernels {
 
-HWY_EXPORT(BlockIntensities);
+HWY_EXPORT(AddBlockIntensities);
 
-void BlockIntensities(const double* sums, std::size_t count, const SinglePrecisionAxis& axis,
-                      std::int32_t row, std::int32_t firstCol, double blockPels, double luxPerGrey,
-                      float* intensities) {
-    HWY_DYNAMIC_DISPATCH(BlockIntensities)
-    (sums, count, axis, row, firstCol, blockPels, luxPerGrey, intensities);
+void AddBlockIntensities(const double* sums, std::size_t count, const SinglePrecisionAxis& axis,
+                         std::int32_t row, std::int32_t firstCol, double blockPels, double luxPerGrey,
+                         IntensitySums& total) {
+    HWY_DYNAMIC_DISPATCH(AddBlockIntensities)
+    (sums, count, axis, row, firstCol, blockPels, luxPerGrey, total);
 }
 
 }  // namespace tq::kernels

@@ -71,11 +71,19 @@ void PrefixSumsOfColumns(const std::uint32_t* values, std::size_t count, double*
     const hn::CappedTag<double, 4> d;
     const hn::Rebind<std::int32_t, decltype(d)> d32;
     const std::size_t lanes = hn::Lanes(d);
+    constexpr int kLast = hn::MaxLanes(d32) - 1;
+    const auto load = [&](std::size_t at) {
+        return RunningSum(d32, hn::LoadU(d32, reinterpret_cast<const std::int32_t*>(values) + at));
+    };
+    // Two vectors a step, so that the chain of carries has one addition for both.
     auto carry = hn::Zero(d);
-    for (; i + lanes <= count; i += lanes) {
-        const auto sums = RunningSum(d32, hn::LoadU(d32, reinterpret_cast<const std::int32_t*>(values) + i));
-        hn::StoreU(hn::Add(carry, hn::PromoteTo(d, sums)), d, prefix + i + 1);
-        carry = hn::Add(carry, hn::PromoteTo(d, hn::Broadcast<hn::MaxLanes(d32) - 1>(sums)));
+    for (; i + 2 * lanes <= count; i += 2 * lanes) {
+        const auto first = load(i);
+        const auto second = load(i + lanes);
+        const auto between = hn::PromoteTo(d, hn::Broadcast<kLast>(first));
+        hn::StoreU(hn::Add(carry, hn::PromoteTo(d, first)), d, prefix + i + 1);
+        hn::StoreU(hn::Add(carry, hn::Add(between, hn::PromoteTo(d, second))), d, prefix + i + lanes + 1);
+        carry = hn::Add(carry, hn::Add(between, hn::PromoteTo(d, hn::Broadcast<kLast>(second))));
     }
 #endif
     for (; i < count; ++i)
@@ -111,26 +119,32 @@ void Differences(const double* high, const double* low, std::size_t count, doubl
         out[i] = high[i] - low[i];
 }
 
-void AddBlockRows(const BlockRow* rows, std::size_t rowCount, std::size_t rowsPerFlush, std::size_t count,
-                  double* out) {
-    const F64 d;
-    const hn::Rebind<std::int32_t, F64> d32;
-    const hn::Rebind<std::uint32_t, F64> u32;
-    const std::size_t lanes = hn::Lanes(d);
+void AddBlockRows(const BlockRow* rows, std::size_t rowCount, [[maybe_unused]] std::size_t rowsPerFlush,
+                  std::size_t count, double* out) {
     std::size_t i = 0;
+#if HWY_TARGET != HWY_SCALAR
+    const U32 d;
+    const hn::RebindToSigned<U32> d32;
+    const hn::Half<decltype(d32)> half;
+    const F64 f64;
+    const std::size_t lanes = hn::Lanes(d);
     for (; i + lanes <= count; i += lanes) {
-        auto total = hn::LoadU(d, out + i);
+        auto low = hn::LoadU(f64, out + i);
+        auto high = hn::LoadU(f64, out + i + lanes / 2);
         for (std::size_t first = 0; first < rowCount; first += rowsPerFlush) {
             const std::size_t end = std::min(first + rowsPerFlush, rowCount);
-            auto sums = hn::Zero(u32);
+            auto sums = hn::Zero(d);
             for (std::size_t k = first; k < end; ++k) {
-                const auto row = hn::Sub(hn::LoadU(u32, rows[k].high + i), hn::LoadU(u32, rows[k].low + i));
-                sums = hn::Add(sums, row);
+                sums = hn::Add(sums, hn::Sub(hn::LoadU(d, rows[k].high + i), hn::LoadU(d, rows[k].low + i)));
             }
-            total = hn::Add(total, hn::PromoteTo(d, hn::BitCast(d32, sums)));
+            const auto whole = hn::BitCast(d32, sums);
+            low = hn::Add(low, hn::PromoteTo(f64, hn::LowerHalf(half, whole)));
+            high = hn::Add(high, hn::PromoteTo(f64, hn::UpperHalf(half, whole)));
         }
-        hn::StoreU(total, d, out + i);
+        hn::StoreU(low, f64, out + i);
+        hn::StoreU(high, f64, out + i + lanes / 2);
     }
+#endif
     for (; i < count; ++i) {
         for (std::size_t k = 0; k < rowCount; ++k)
             out[i] += rows[k].high[i] - rows[k].low[i];

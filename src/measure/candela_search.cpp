@@ -2,6 +2,8 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
+#include <numeric>
 #include <vector>
 
 #include "core/guard.h"
@@ -93,16 +95,14 @@ std::int32_t TQ_CALL tqCalcAvgCandela(const TqImage* image, double* average, std
     const FittingBlocks blocks = AllButLastPositions(view, width, height);
     if (blocks.origins.Empty()) return kNoPosition;
     return Guarded(kInvalidImage, [&] {
-        std::vector<float> intensities(static_cast<std::size_t>(blocks.origins.Width()));
-        double sum = 0.0;
+        kernels::IntensitySums sums;
         SweepBlocks(
             view, BlockShape::kRectangle, blocks, [&](std::int32_t centerRow, const BlockSweep& sweep) {
-                kernels::BlockIntensities(sweep.Sums().data(), intensities.size(), AxisOf(header), centerRow,
-                                          blocks.FirstCenterCol(), static_cast<double>(width) * height,
-                                          header.LuxPerGrey, intensities.data());
-                for (const float intensity : intensities)
-                    sum += intensity;
+                kernels::AddBlockIntensities(sweep.Sums().data(), sweep.Sums().size(), AxisOf(header),
+                                             centerRow, blocks.FirstCenterCol(),
+                                             static_cast<double>(width) * height, header.LuxPerGrey, sums);
             });
+        const double sum = std::accumulate(std::begin(sums.lanes), std::end(sums.lanes), 0.0);
         *average = sum / static_cast<double>(blocks.origins.Area());
         return 0;
     });

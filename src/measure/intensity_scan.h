@@ -4,13 +4,29 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "core/numerics.h"
+#include "kernels/span_statistics.h"
+#include "kernels/window_sums.h"
 #include "measure/photometric_frame.h"
 
 namespace tq {
 
 /// Pels that are ruled out together when even the brightest (darkest) of them, put where the geometry favours
 /// it most, cannot win.
-inline constexpr std::int32_t kScanChunk = 64;
+inline constexpr std::int32_t kScanChunk = 128;
+
+inline double SmallestOf(const Pel* greys, std::size_t count) {
+    return kernels::FindMinMax(greys, count).min;
+}
+inline double LargestOf(const Pel* greys, std::size_t count) {
+    return kernels::FindMinMax(greys, count).max;
+}
+inline double SmallestOf(const double* greys, std::size_t count) {
+    return kernels::FindRange(greys, count).min;
+}
+inline double LargestOf(const double* greys, std::size_t count) {
+    return kernels::FindRange(greys, count).max;
+}
 
 enum class Extreme { kLargest, kSmallest };
 
@@ -48,7 +64,7 @@ class IntensityScan {
         const auto end = static_cast<std::int32_t>(count);
         for (std::int32_t from = 0; from < end; from += kScanChunk) {
             const std::int32_t to = std::min(from + kScanChunk, end);
-            if (RuledOut(row, firstCol + from, firstCol + to - 1, greys + from, greys + to)) continue;
+            if (RuledOut(row, firstCol + from, firstCol + to - 1, greys + from)) continue;
             for (std::int32_t i = from; i < to; ++i)
                 OfferOne(row, firstCol + i, static_cast<double>(greys[i]));
         }
@@ -69,17 +85,17 @@ class IntensityScan {
     /// largest at an end of the chunk and smallest at an end or on the axis. Comparisons with NaN rule
     /// nothing out.
     template <class Grey>
-    bool RuledOut(std::int32_t row, std::int32_t first, std::int32_t last, const Grey* from,
-                  const Grey* to) const {
+    bool RuledOut(std::int32_t row, std::int32_t first, std::int32_t last, const Grey* greys) const {
         if (!ranking_.RisesWithGrey()) return false;
+        const auto count = static_cast<std::size_t>(last - first + 1);
         if constexpr (extreme == Extreme::kLargest) {
-            const auto grey = static_cast<double>(*std::max_element(from, to));
+            const double grey = LargestOf(greys, count);
             const double bound = std::max(ranking_(grey, first, row), ranking_(grey, last, row));
             return bound * (1.0 + Ranking::kBoundSlack) < best_;
         } else {
             const bool acrossAxis = first <= ranking_.CenterCol() && ranking_.CenterCol() <= last;
             if (!found_ || acrossAxis) return false;
-            const auto grey = static_cast<double>(*std::min_element(from, to));
+            const double grey = SmallestOf(greys, count);
             const double bound = std::min(ranking_(grey, first, row), ranking_(grey, last, row));
             return bound * (1.0 - Ranking::kBoundSlack) > best_;
         }

@@ -1,0 +1,73 @@
+#include "core/guard.h"
+#include "core/image_block.h"
+#include "core/image_view.h"
+#include "kernels/saturating.h"
+#include "tqimage/point_operations.h"
+
+namespace tq {
+namespace {
+
+constexpr std::int32_t kInvalidImage = -2;
+constexpr std::int32_t kInvalidOperand = -3;
+constexpr std::int32_t kNoMemory = -5;
+constexpr std::int32_t kBadColumnOffset = -7;
+constexpr std::int32_t kBadRowOffset = -8;
+
+/// Where the first image lies inside the second, which carries the place in its own centre fields.
+struct Offset {
+    std::int32_t col;
+    std::int32_t row;
+};
+
+Offset StatedOffset(const ConstImageView& carrier) noexcept {
+    return {TruncToInt32(carrier.header->CenterCol), TruncToInt32(carrier.header->CenterRow)};
+}
+
+/// Leaves a usable offset or returns the status of the axis that has none. Hosts compute the offset as a
+/// difference of two centres that may fall half a pel short of 0, so -1 means 0.
+std::int32_t AcceptOffset(Offset& offset) noexcept {
+    if (offset.col < -1) return kBadColumnOffset;
+    if (offset.row < -1) return kBadRowOffset;
+    if (offset.col == -1) offset.col = 0;
+    if (offset.row == -1) offset.row = 0;
+    return 0;
+}
+
+bool Covers(const ConstImageView& outer, const ConstImageView& inner, Offset offset) noexcept {
+    return outer.cols >= static_cast<std::int64_t>(inner.cols) + offset.col &&
+           outer.rows >= static_cast<std::int64_t>(inner.rows) + offset.row;
+}
+
+OwnedImage Subtract(const ConstImageView& a, const ConstImageView& b, Offset offset) {
+    OwnedImage result(a, NewPels::kUnwritten);
+    const ImageView out = result.View();
+    for (std::int32_t row = 0; row < a.rows; ++row) {
+        kernels::SubtractSaturated(a.Row(row), b.Row(row + offset.row) + offset.col, out.Row(row),
+                                   static_cast<std::size_t>(a.cols));
+    }
+    return result;
+}
+
+}  // namespace
+}  // namespace tq
+
+using namespace tq;
+
+std::int32_t TQ_CALL tqSubtractImage(TqImage** a, const TqImage* b) {
+    const ConstImageView minuend = a == nullptr ? ConstImageView{} : LocateImage(*a);
+    if (!minuend) return kInvalidImage;
+    const ConstImageView subtrahend = LocateImage(b);
+    if (!subtrahend) return kInvalidOperand;
+
+    Offset offset = StatedOffset(subtrahend);
+    // Before the sign: hosts tell a dark image that is too small from a misplaced one by this order.
+    if (!Covers(subtrahend, minuend, offset)) return kBadRowOffset;
+    if (const std::int32_t status = AcceptOffset(offset); status != 0) return status;
+    // An offset of -1 has let one column or row too few pass above.
+    if (!Covers(subtrahend, minuend, offset)) return kBadRowOffset;
+
+    return Guarded(kNoMemory, [&] {
+        CommitImage(a, Subtract(minuend, subtrahend, offset));
+        return 0;
+    });
+}

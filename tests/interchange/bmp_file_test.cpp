@@ -1,0 +1,156 @@
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdint>
+#include <cstdio>
+#include <fstream>
+#include <string>
+
+#include "bitmaps.h"
+#include "bmp_reader.h"
+#include "failing_allocator.h"
+#include "images.h"
+#include "tqimage/bitmap.h"
+
+#if defined(__unix__)
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+#include <csignal>
+#endif
+
+namespace {
+
+using tqtest::Bitmap;
+using tqtest::BmpFile;
+using tqtest::DefaultHeader;
+using tqtest::Image;
+using tqtest::RandomImage;
+using tqtest::ReadBmp;
+
+/// A file name that is removed with the scope.
+class TempName {
+  public:
+    explicit TempName(const char* name) : name_(testing::TempDir() + name) {}
+    ~TempName() { std::remove(name_.c_str()); }
+    const char* c_str() const { return name_.c_str(); }
+    operator const std::string&() const { return name_; }
+    bool Exists() const { return std::ifstream(name_).good(); }
+
+  private:
+    std::string name_;
+};
+
+TEST(ImageToDiskBmp, HoldsTheBitmapOfTheSameImage) {
+    const TempName name("tq_bitmap.bmp");
+    for (const std::int32_t cols : {1, 2, 3, 4, 301}) {
+        for (const std::int32_t palette : {-1, 0, 1, 2}) {
+            SCOPED_TRACE(testing::Message() << cols << " columns, palette " << palette);
+            Image image = RandomImage(cols, 7, static_cast<std::uint32_t>(cols));
+            image.Header().MaxPelValue = 50000.0f;
+            Bitmap bitmap;
+            double scale = 0.0;
+            ASSERT_EQ(tqImageToLeadBmp(&bitmap, &scale, image, palette, 1.0), 0);
+            ASSERT_EQ(tqImageToDiskBmp(name.c_str(), image, palette), 0);
+
+            const BmpFile bmp = ReadBmp(name);
+            ASSERT_EQ(bmp.width, cols);
+            ASSERT_EQ(bmp.height, 7);
+            ASSERT_EQ(bmp.colours.size(), 256u);
+            for (std::size_t i = 0; i < 256; ++i) {
+                const int level = static_cast<int>(i);
+                const std::uint8_t* entry = bitmap.palette == nullptr ? nullptr : bitmap.palette + 4 * i;
+                const std::array<int, 4> expected =
+                    entry == nullptr ? std::array{level, level, level, 0}
+                                     : std::array<int, 4>{entry[0], entry[1], entry[2], entry[3]};
+                ASSERT_EQ(bmp.colours[i], expected) << "entry " << i;
+            }
+            for (std::int32_t row = 0; row < 7; ++row) {
+                for (std::int32_t col = 0; col < cols; ++col) {
+                    const int written =
+                        bmp.rows[static_cast<std::size_t>(row)][static_cast<std::size_t>(col)];
+                    ASSERT_EQ(written, bitmap.At(col, row)) << col << ", " << row;
+                }
+            }
+        }
+    }
+}
+
+TEST(ImageToDiskBmp, ReplacesALongerFile) {
+    const TempName name("tq_replaced.bmp");
+    Image large(100, 100);
+    Image small(2, 2);
+    ASSERT_EQ(tqImageToDiskBmp(name.c_str(), large, 6), 0);
+    ASSERT_EQ(tqImageToDiskBmp(name.c_str(), small, 6), 0);
+    EXPECT_EQ(ReadBmp(name).fileBytes, 54u + 1024u + 8u);
+}
+
+TEST(ImageToDiskBmp, RefusesInvalidImagesBeforeItTouchesTheDisk) {
+    const TempName name("tq_never.bmp");
+    Image empty(DefaultHeader(3, 0));
+    EXPECT_EQ(tqImageToDiskBmp(name.c_str(), nullptr, 6), -2);
+    EXPECT_EQ(tqImageToDiskBmp(name.c_str(), empty, 6), -2);
+    EXPECT_EQ(tqImageToDiskBmp(nullptr, nullptr, 6), -2);
+    EXPECT_FALSE(name.Exists());
+}
+
+TEST(ImageToDiskBmp, ReportsFilesItCannotWrite) {
+    Image image(3, 3);
+    const TempName nowhere("no_such_folder/tq.bmp");
+    EXPECT_EQ(tqImageToDiskBmp(nowhere.c_str(), image, 6), -3);
+    EXPECT_EQ(tqImageToDiskBmp("", image, 6), -3);
+    EXPECT_EQ(tqImageToDiskBmp(nullptr, image, 6), -3);
+    EXPECT_EQ(tqImageToDiskBmp(testing::TempDir().c_str(), image, 6), -3);
+}
+
+#if defined(__unix__)
+/// Lets this process write no file beyond `bytes`, as a full disk would.
+class FileSizeLimit {
+  public:
+    explicit FileSizeLimit(rlim_t bytes) {
+        getrlimit(RLIMIT_FSIZE, &before_);
+        handler_ = std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit limit{bytes, before_.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FileSizeLimit() {
+        setrlimit(RLIMIT_FSIZE, &before_);
+        std::signal(SIGXFSZ, handler_);
+    }
+
+  private:
+    rlimit before_{};
+    void (*handler_)(int) = SIG_DFL;
+};
+
+TEST(ImageToDiskBmp, LeavesNoHalfWrittenFile) {
+    const TempName name("tq_full_disk.bmp");
+    Image image(200, 200);
+    // In the middle of the headers, the colour table and the rows.
+    for (const rlim_t room : {10u, 600u, 20000u}) {
+        const FileSizeLimit limit(room);
+        EXPECT_EQ(tqImageToDiskBmp(name.c_str(), image, 6), -3) << room;
+        EXPECT_FALSE(name.Exists()) << room;
+    }
+}
+
+TEST(ImageToDiskBmp, ADeviceThatTakesNoMoreStaysWhereItIs) {
+    struct stat info {};
+    if (stat("/dev/full", &info) != 0 || !S_ISCHR(info.st_mode)) GTEST_SKIP() << "no such device here";
+    Image image(3, 3);
+    EXPECT_EQ(tqImageToDiskBmp("/dev/full", image, 6), -3);
+    EXPECT_EQ(stat("/dev/full", &info), 0);
+}
+#endif
+
+TEST(ImageToDiskBmp, NoMemoryMakesNoFile) {
+    if (!tqtest::CanFailAllocations()) GTEST_SKIP() << "the library allocates for itself here";
+    const TempName name("tq_no_memory.bmp");
+    Image image(9, 9);
+    const int made = tqtest::FailEachAllocation(
+        -2, 0, [&] { return tqImageToDiskBmp(name.c_str(), image, 1); },
+        [&] { EXPECT_FALSE(name.Exists()); });
+    EXPECT_GE(made, 2);
+}
+
+}  // namespace

@@ -1,0 +1,55 @@
+#include "kernels/span_statistics.h"
+
+#include <algorithm>
+#include <numeric>
+
+#include "simd_targets.h"
+
+namespace {
+
+using tq::kernels::FindMinMax;
+using tq::kernels::SumAtLeast;
+using tq::kernels::SumPels;
+using tq::kernels::SumSquares;
+
+TEST(SpanStatistics, EveryTargetLengthAndAlignmentAgreesWithThePlainLoop) {
+    const auto pels = tqtest::HostilePels(420, 1);
+    tqtest::ForEachTarget([&] {
+        for (std::size_t count = 0; count <= 400; count += count < 70 ? 1 : 11) {
+            const std::uint16_t* run = pels.data() + count % 17;
+            std::uint64_t sum = 0, squares = 0, above = 0, sumAbove = 0;
+            std::uint16_t low = 65535, high = 0;
+            constexpr std::uint16_t kThreshold = 32768;
+            for (std::size_t i = 0; i < count; ++i) {
+                const std::uint64_t v = run[i];
+                sum += v;
+                squares += v * v;
+                if (v >= kThreshold) ++above, sumAbove += v;
+                low = std::min(low, run[i]);
+                high = std::max(high, run[i]);
+            }
+            ASSERT_EQ(SumPels(run, count), sum) << count;
+            ASSERT_EQ(SumSquares(run, count), squares) << count;
+            ASSERT_EQ(SumAtLeast(run, count, kThreshold).sum, sumAbove) << count;
+            ASSERT_EQ(SumAtLeast(run, count, kThreshold).count, above) << count;
+            ASSERT_EQ(FindMinMax(run, count).min, low) << count;
+            ASSERT_EQ(FindMinMax(run, count).max, high) << count;
+        }
+    });
+}
+
+// Long enough for every narrow accumulator to be full several times over: 16-bit counts and 32-bit sums of
+// the largest pel, at any vector length.
+TEST(SpanStatistics, LongRunsOfTheLargestPelDoNotOverflow) {
+    const std::size_t count = std::size_t{8000} * 1000 + 3;
+    const std::vector<std::uint16_t> pels(count, 65535);
+    tqtest::ForEachTarget([&] {
+        EXPECT_EQ(SumPels(pels.data(), count), count * 65535);
+        EXPECT_EQ(SumSquares(pels.data(), count), count * 65535 * 65535);
+        const auto all = SumAtLeast(pels.data(), count, 65535);
+        EXPECT_EQ(all.sum, count * 65535);
+        EXPECT_EQ(all.count, count);
+    });
+}
+
+}  // namespace

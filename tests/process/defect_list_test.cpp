@@ -1,0 +1,178 @@
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <limits>
+#include <vector>
+
+#include "automation_host.h"
+#include "images.h"
+#include "tqimage/defects.h"
+
+namespace {
+
+using tqtest::DefaultHeader;
+using tqtest::HostArray;
+using tqtest::Image;
+using tqtest::MakeArray;
+using tqtest::MakeRecords;
+using tqtest::RandomImage;
+using tqtest::SamePels;
+
+constexpr std::int32_t kMin = std::numeric_limits<std::int32_t>::min();
+constexpr std::int32_t kMax = std::numeric_limits<std::int32_t>::max();
+
+using Record = std::vector<std::int32_t>;
+
+/// The image after the list, which has to be accepted and left unlocked.
+Image Repaired(Image image, std::int32_t originCol, std::int32_t originRow, std::int32_t width,
+               std::int32_t height, const std::vector<Record>& records) {
+    HostArray list = MakeRecords(records);
+    EXPECT_EQ(tqRemoveBadPixels(image, originCol, originRow, width, height, list.Address()), 0);
+    EXPECT_EQ(list.Locks(), 0u);
+    return image;
+}
+
+TEST(RemoveBadPixels, EachTypeIsItsRepairInTheOrderOfTheList) {
+    const Image noise = RandomImage(12, 10, 1);
+    Image expected = noise;
+    ASSERT_EQ(tqReplacePel(expected, 3, 4, 5, 3), 0);
+    ASSERT_EQ(tqReplaceCol(expected, 4, 0, 9, 5), 0);
+    ASSERT_EQ(tqReplaceCol(expected, 5, 2, 7, 5), 0);
+    ASSERT_EQ(tqReplaceRow(expected, 6, 0, 11, 3), 0);
+    ASSERT_EQ(tqReplaceRow(expected, 5, 1, 8, 3), 0);
+    ASSERT_EQ(tqReplaceBlock(expected, 7, 2, 2, 3), 0);
+    // Fields that a type does not use are anything.
+    EXPECT_TRUE(SamePels(expected, Repaired(noise, 0, 0, 5, 3,
+                                            {{0, 3, 4, 99, 99},
+                                             {1, 4, kMin, 99, 99},
+                                             {2, 5, kMax, 2, 7},
+                                             {3, -1, 6, 99, 99},
+                                             {4, 5000, 5, 1, 8},
+                                             {5, 7, 2, 2, 3}})));
+}
+
+TEST(RemoveBadPixels, SensorCoordinatesGoThroughOriginAndBinning) {
+    Image noise = RandomImage(12, 10, 2);
+    noise.Header().BinCols = 2;
+    noise.Header().BinRows = 4;
+    Image expected = noise;
+    ASSERT_EQ(tqReplacePel(expected, 3, 4, 3, 3), 0);
+    ASSERT_EQ(tqReplacePel(expected, 0, 0, 3, 3), 0);
+    ASSERT_EQ(tqReplaceCol(expected, 5, 2, 7, 3), 0);
+    ASSERT_EQ(tqReplaceRow(expected, 5, 1, 8, 3), 0);
+    ASSERT_EQ(tqReplaceBlock(expected, 7, 2, 2, 3), 0);
+    // The size of a block is in image pels already. The second record lies one sensor column and three rows
+    // before the image: truncation toward zero counts it in.
+    EXPECT_TRUE(SamePels(expected, Repaired(noise, 100, 200, 3, 3,
+                                            {{0, 107, 219, 0, 0},
+                                             {0, 99, 197, 0, 0},
+                                             {2, 110, 0, 208, 231},
+                                             {4, 0, 220, 103, 117},
+                                             {5, 114, 211, 2, 3}})));
+}
+
+TEST(RemoveBadPixels, SegmentsAreCutAndDefectsOutsideSkipped) {
+    const Image noise = RandomImage(12, 10, 3);
+    Image expected = noise;
+    ASSERT_EQ(tqReplaceCol(expected, 5, 0, 9, 3), 0);
+    ASSERT_EQ(tqReplaceRow(expected, 5, 0, 11, 3), 0);
+    EXPECT_TRUE(
+        SamePels(expected, Repaired(noise, 0, 0, 3, 3, {{2, 5, 0, kMin, kMax}, {4, 0, 5, kMin, kMax}})));
+
+    std::vector<Record> outside;
+    for (const std::int32_t type : {0, 1, 2, 5}) {
+        for (const std::int32_t col : {-1, 12, kMin, kMax})
+            outside.push_back({type, col, 5, 0, 9});
+    }
+    for (const std::int32_t type : {0, 3, 4, 5}) {
+        for (const std::int32_t row : {-1, 10, kMin, kMax})
+            outside.push_back({type, 5, row, 0, 9});
+    }
+    for (const std::int32_t type : {2, 4}) {
+        outside.push_back({type, 5, 5, 7, 6});
+        outside.push_back({type, 5, 5, kMin, -1});
+        outside.push_back({type, 5, 5, 12, kMax});
+    }
+    for (const std::int32_t unknown : {-1, 6, kMin, kMax})
+        outside.push_back({unknown, 5, 5, 0, 9});
+    // A neighbourhood of 1 x 1 makes every repair fail that is tried at all.
+    EXPECT_TRUE(SamePels(noise, Repaired(noise, 0, 0, 1, 1, outside)));
+    // Origins at the ends of the range must not wrap into the image.
+    EXPECT_TRUE(SamePels(noise, Repaired(noise, kMin, kMax, 1, 1, {{0, kMax, kMin, 0, 0}})));
+}
+
+TEST(RemoveBadPixels, ABinningFactorOfZeroCountsAsOne) {
+    Image noise = RandomImage(12, 10, 4);
+    noise.Header().BinCols = 0;
+    noise.Header().BinRows = 0;
+    Image expected = noise;
+    ASSERT_EQ(tqReplacePel(expected, 3, 4, 3, 3), 0);
+    EXPECT_TRUE(SamePels(expected, Repaired(noise, 0, 0, 3, 3, {{0, 3, 4, 0, 0}})));
+}
+
+TEST(RemoveBadPixels, AFailedRepairStopsAndLeavesTheListLocked) {
+    struct Case {
+        Record record;
+        std::int32_t status;
+    };
+    for (const Case& c : {Case{{0, 5, 5, 0, 0}, -11}, Case{{1, 5, 0, 0, 0}, -21}, Case{{2, 5, 0, 1, 2}, -31},
+                          Case{{3, 0, 5, 0, 0}, -41}, Case{{4, 0, 5, 1, 2}, -51}}) {
+        const Image noise = RandomImage(12, 10, 5);
+        Image image = noise;
+        Image expected = noise;
+        ASSERT_EQ(tqReplaceBlock(expected, 1, 1, 2, 2), 0);
+        HostArray list = MakeRecords({{5, 1, 1, 2, 2}, c.record, {5, 8, 8, 1, 1}});
+        EXPECT_EQ(tqRemoveBadPixels(image, 0, 0, 1, 1, list.Address()), c.status);
+        EXPECT_EQ(list.Locks(), 1u);
+        EXPECT_TRUE(SamePels(expected, image)) << "what came before stays, what follows is not done";
+    }
+}
+
+TEST(RemoveBadPixels, ChecksTheListBeforeTheImage) {
+    const auto status = [](SAFEARRAY** list) { return tqRemoveBadPixels(nullptr, 0, 0, 3, 3, list); };
+    const auto zero = [](int, int) { return 0; };
+    SAFEARRAY* nothing = nullptr;
+    EXPECT_EQ(status(nullptr), 1);
+    EXPECT_EQ(status(&nothing), 1);
+    HostArray line(VT_I4, {{5}});
+    EXPECT_EQ(status(line.Address()), 1);
+    HostArray cube(VT_I4, {{2}, {2}, {5}});
+    EXPECT_EQ(status(cube.Address()), 1);
+
+    HostArray shorts = MakeArray<std::int16_t>(VT_I2, 2, 5, zero);
+    EXPECT_EQ(status(shorts.Address()), 2);
+    HostArray doubles = MakeArray<double>(VT_R8, 2, 4, zero);
+    EXPECT_EQ(status(doubles.Address()), 2);
+    HostArray floats = MakeArray<float>(VT_R4, 2, 5, zero);
+    EXPECT_EQ(status(floats.Address()), 2) << "four bytes that are no integers";
+
+    HostArray four = MakeArray<std::int32_t>(VT_I4, 2, 4, zero);
+    EXPECT_EQ(status(four.Address()), 3);
+    HostArray turned = MakeArray<std::int32_t>(VT_I4, 5, 2, zero);
+    EXPECT_EQ(status(turned.Address()), 3);
+
+    HostArray list = MakeArray<std::int32_t>(VT_I4, 2, 5, zero);
+    list.Get()->cLocks = 65535;
+    EXPECT_EQ(status(list.Address()), 5) << "no lock is left";
+    list.Get()->cLocks = 0;
+    EXPECT_EQ(status(list.Address()), -1);
+    EXPECT_EQ(list.Locks(), 0u);
+    Image tooWide(DefaultHeader(8001, 1));
+    EXPECT_EQ(tqRemoveBadPixels(tooWide, 0, 0, 3, 3, list.Address()), -1);
+    EXPECT_EQ(list.Locks(), 0u);
+}
+
+TEST(RemoveBadPixels, AnElementThatCannotBeReadEndsTheWork) {
+    // Records and fields are counted from 0; these arrays begin at 1.
+    for (const auto& bounds :
+         {std::vector<tqtest::Dimension>{{2, 1}, {5, 0}}, std::vector<tqtest::Dimension>{{2, 0}, {5, 1}}}) {
+        HostArray list(VT_I4, bounds);
+        const Image noise = RandomImage(4, 4, 6);
+        Image image = noise;
+        EXPECT_EQ(tqRemoveBadPixels(image, 0, 0, 3, 3, list.Address()), 4);
+        EXPECT_EQ(list.Locks(), 0u);
+        EXPECT_TRUE(SamePels(noise, image));
+    }
+}
+
+}  // namespace

@@ -1,0 +1,171 @@
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdint>
+#include <limits>
+
+#include "images.h"
+#include "tqimage/defects.h"
+
+namespace {
+
+using tqtest::DefaultHeader;
+using tqtest::Image;
+using tqtest::MakeImage;
+using tqtest::RandomImage;
+using tqtest::SamePels;
+
+constexpr std::int32_t kMin = std::numeric_limits<std::int32_t>::min();
+constexpr std::int32_t kMax = std::numeric_limits<std::int32_t>::max();
+
+/// Columns 0..4 and rows 0..3, every pel telling where it is.
+Image Places() {
+    return MakeImage(5, 4, [](std::int32_t col, std::int32_t row) { return 100 * row + 10 * col + 1; });
+}
+
+TEST(ReplacePel, TakesTheMeanOfTheOthersAtTheBorderToo) {
+    Image image = Places();
+    image(2, 1) = 65535;
+    EXPECT_EQ(tqReplacePel(image, 2, 1, 3, 3), 0);
+    EXPECT_EQ(image(2, 1), 121);
+
+    // In the corner the others are (1, 0), (0, 1) and (1, 1): (11 + 101 + 111) / 3 = 74.33.
+    EXPECT_EQ(tqReplacePel(image, 0, 0, 2, 2), 0);
+    EXPECT_EQ(image(0, 0), 74);
+
+    // A neighbour without data counts as a 0.
+    image = Places();
+    image(1, 1) = 0;
+    EXPECT_EQ(tqReplacePel(image, 2, 1, 3, 1), 0);
+    EXPECT_EQ(image(2, 1), 131 / 2);
+
+    // All of a large bright image: the sum is beyond 32 bits.
+    Image bright = MakeImage(300, 300, [](std::int32_t, std::int32_t) { return 65535; });
+    bright(7, 7) = 0;
+    EXPECT_EQ(tqReplacePel(bright, 7, 7, kMax, kMax), 0);
+    EXPECT_EQ(bright(7, 7), 65535);
+}
+
+TEST(ReplaceCol, ThreeWideTakesTheOuterPelsWiderTheMean) {
+    Image image = Places();
+    EXPECT_EQ(tqReplaceCol(image, 2, 1, 2, 3), 0);
+    EXPECT_TRUE(SamePels(Places(), image)) << "a ramp is its own mean";
+
+    image = MakeImage(5, 3,
+                      {10, 20, 99, 41, 50,    //
+                       10, 20, 99, 41, 51,    //
+                       10, 20, 99, 41, 52});  //
+    EXPECT_EQ(tqReplaceCol(image, 2, 0, 1, 2), 0);
+    EXPECT_EQ(tqReplaceCol(image, 2, 2, 2, 5), 0);
+    EXPECT_TRUE(SamePels(MakeImage(5, 3,
+                                   {10, 20, 30, 41, 50,  //
+                                    10, 20, 30, 41, 51,  //
+                                    10, 20, 30, 41, 52}),
+                         image));
+}
+
+TEST(ReplaceCol, AtTheBorderThreeColumnsAreStillTheOuterTwo) {
+    // Width 5 at column 0 leaves columns 0..2, and the first of them is the repaired one.
+    Image image = MakeImage(5, 1, {900, 20, 40, 60, 80});
+    EXPECT_EQ(tqReplaceCol(image, 0, 0, 0, 5), 0);
+    EXPECT_EQ(image(0, 0), (900 + 40) / 2);
+    // Width 3 leaves two columns: the neighbour alone.
+    EXPECT_EQ(tqReplaceCol(image, 4, 0, 0, 3), 0);
+    EXPECT_EQ(image(4, 0), 60);
+}
+
+TEST(ReplaceRow, IsReplaceColTurned) {
+    for (std::int32_t row = 0; row < 7; ++row) {
+        for (std::int32_t height = -1; height < 16; ++height) {
+            Image image = RandomImage(6, 7, static_cast<std::uint32_t>(row));
+            Image turned = MakeImage(7, 6, [&](std::int32_t c, std::int32_t r) { return image(r, c); });
+            ASSERT_EQ(tqReplaceRow(image, row, 1, 4, height), tqReplaceCol(turned, row, 1, 4, height));
+            ASSERT_TRUE(SamePels(
+                MakeImage(6, 7, [&](std::int32_t c, std::int32_t r) { return turned(r, c); }), image));
+        }
+    }
+}
+
+TEST(ReplaceSegments, AreCutToTheImage) {
+    Image whole = RandomImage(5, 6, 3);
+    Image cut = whole;
+    EXPECT_EQ(tqReplaceCol(whole, 3, 0, 5, 5), 0);
+    EXPECT_EQ(tqReplaceCol(cut, 3, kMin, kMax, 5), 0);
+    EXPECT_TRUE(SamePels(whole, cut));
+    EXPECT_EQ(tqReplaceRow(whole, 3, 0, 4, 5), 0);
+    EXPECT_EQ(tqReplaceRow(cut, 3, kMin, kMax, 5), 0);
+    EXPECT_TRUE(SamePels(whole, cut));
+    EXPECT_EQ(tqReplaceCol(cut, 2, 4, 3, 5), 0);
+    EXPECT_EQ(tqReplaceRow(cut, 2, 5, kMax, 5), 0);
+    EXPECT_TRUE(SamePels(whole, cut)) << "an empty segment is no failure and no change";
+}
+
+TEST(ReplaceBlock, FillsWithTheMeanOfTheFrame) {
+    // The frame of the 2 x 1 block at (1, 1) is columns 0..4 (two to each side), rows 0..2.
+    Image image = MakeImage(6, 4, {1,   2,   3,   4,   5,   900,  //
+                                   6,   0,   0,   7,   8,   900,  //
+                                   9,   10,  11,  12,  13,  900,  //
+                                   900, 900, 900, 900, 900, 900});
+    EXPECT_EQ(tqReplaceBlock(image, 1, 1, 2, 1), 0);
+    EXPECT_EQ(image(1, 1), 91 / 13);
+    EXPECT_EQ(image(2, 1), 91 / 13);
+    EXPECT_EQ(image(3, 1), 7);
+    EXPECT_EQ(image(1, 2), 10);
+
+    // Half outside: the block is column 0, its frame one column to the right and the rows around it.
+    image = MakeImage(3, 3, {1, 2, 100, 500, 4, 100, 5, 6, 100});
+    EXPECT_EQ(tqReplaceBlock(image, -1, 1, 2, 1), 0);
+    EXPECT_TRUE(SamePels(MakeImage(3, 3,
+                                   {1, 2, 100, (1 + 2 + 100 + 4 + 100 + 5 + 6 + 100) / 8, 4, 100,  //
+                                    5, 6, 100}),
+                         image));
+}
+
+TEST(ReplaceBlock, ChangesNothingWithoutABlockOrAFrame) {
+    const Image before = RandomImage(5, 4, 6);
+    Image image = before;
+    for (const auto& [col, row, width, height] :
+         {std::array{0, 0, 5, 4}, std::array{-1, -1, 7, 6}, std::array{kMin, kMin, kMax, kMax},
+          std::array{0, 0, kMax, kMax}, std::array{5, 0, 1, 1}, std::array{0, 4, 1, 1},
+          std::array{2, 2, 0, 1}, std::array{2, 2, 1, -1}, std::array{2, 2, kMin, kMin},
+          std::array{kMax, kMax, kMax, kMax}}) {
+        EXPECT_EQ(tqReplaceBlock(image, col, row, width, height), 0);
+        EXPECT_TRUE(SamePels(before, image)) << col << ' ' << row << ' ' << width << ' ' << height;
+    }
+}
+
+TEST(Repairs, RefuseWhatTheyCannotRepair) {
+    const Image before = RandomImage(5, 4, 6);
+    Image image = before;
+    for (const std::int32_t outside : {-1, 5, kMin, kMax}) {
+        EXPECT_EQ(tqReplacePel(image, outside, 0, 3, 3), -1);
+        EXPECT_EQ(tqReplacePel(image, 0, outside, 3, 3), -1);
+        EXPECT_EQ(tqReplaceCol(image, outside, 0, 3, 3), -1);
+        EXPECT_EQ(tqReplaceRow(image, outside, 0, 4, 3), -1);
+    }
+    // No neighbourhood: the pel alone, or, with negative sizes, not even that. Two negative sizes are no
+    // area.
+    for (const std::int32_t size : {-1, 0, 1, -2, -4, -8, kMin}) {
+        EXPECT_EQ(tqReplacePel(image, 2, 2, size, size), -1) << size;
+        EXPECT_EQ(tqReplaceCol(image, 2, 0, 3, size), -1) << size;
+        EXPECT_EQ(tqReplaceRow(image, 2, 0, 4, size), -1) << size;
+    }
+    EXPECT_TRUE(SamePels(before, image));
+
+    Image column = RandomImage(1, 4, 6);
+    EXPECT_EQ(tqReplaceCol(column, 0, 0, 3, 9), -1);
+    EXPECT_EQ(tqReplaceRow(column, 0, 0, 0, 2), 0);
+}
+
+TEST(Repairs, RefuseInvalidImages) {
+    Image empty(DefaultHeader(4, 0));
+    Image tooHigh(DefaultHeader(1, 8001));
+    for (TqImage* image : {static_cast<TqImage*>(nullptr), empty.Get(), tooHigh.Get()}) {
+        EXPECT_EQ(tqReplacePel(image, 0, 0, 3, 3), -1);
+        EXPECT_EQ(tqReplaceCol(image, 0, 0, 0, 3), -1);
+        EXPECT_EQ(tqReplaceRow(image, 0, 0, 0, 3), -1);
+        EXPECT_EQ(tqReplaceBlock(image, 0, 0, 1, 1), -2);
+    }
+}
+
+}  // namespace
