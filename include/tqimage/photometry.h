@@ -67,8 +67,8 @@ TQ_API int32_t TQ_CALL tqCalcCandela(const TqImage* image, int32_t column, int32
  *  @param[out] secondAngle second angle by angleMode, radians; unwritten in modes above 3
  *  @param[out] offAxisAngle theta, radians
  *  @param[in] angleMode co-ordinate system of the angles, 0..3
- *  @return 0; -7 image null or invalid, or no vertex array; -2 PelsPerMeterX, PelsPerMeterY or SourceDistance
- *          not positive, vertex array unreadable or without a vertex; -1 no memory for the average
+ *  @return 0; -7 image null or invalid; -2 PelsPerMeterX, PelsPerMeterY or SourceDistance not positive, or
+ *          vertex array null or unreadable; -1 no average: no vertex, or no memory
  *  @note A polygon that covers no pel has the average 0 and the intensity 0.
  */
 TQ_API int32_t TQ_CALL tqCalcPolyCandela(const TqImage* image, SAFEARRAY** vertices, double* candela,
@@ -124,10 +124,10 @@ TQ_API int32_t TQ_CALL tqCalcMinCandelaInEllipse(const TqImage* image, int32_t c
  *  @param[out] secondAngle second angle of that pel, radians; likewise
  *  @param[out] offAxisAngle theta of that pel, radians; unwritten when nothing is lit
  *  @param[in] angleMode co-ordinate system of the angles, 0..3
- *  @return 0; -7 image null or invalid, no vertex array, or no memory; -2 PelsPerMeterX, PelsPerMeterY or
- *          SourceDistance not positive, or vertex array unreadable
+ *  @return 0; -7 image null or invalid, or no memory; -2 PelsPerMeterX, PelsPerMeterY or SourceDistance not
+ *          positive, or vertex array null or unreadable
  *  @par Memory
- *  A few words a vertex.
+ *  About a hundred bytes a vertex.
  *  @note Of equal intensities the first pel in row order is reported.
  */
 TQ_API int32_t TQ_CALL tqCalcMaxPolyCandela(const TqImage* image, SAFEARRAY** vertices, double* candela,
@@ -142,10 +142,10 @@ TQ_API int32_t TQ_CALL tqCalcMaxPolyCandela(const TqImage* image, SAFEARRAY** ve
  *  @param[out] secondAngle second angle of that pel, radians; likewise
  *  @param[out] offAxisAngle theta of that pel, radians; unwritten when no pel is visited
  *  @param[in] angleMode co-ordinate system of the angles, 0..3
- *  @return 0; -7 image null or invalid, no vertex array, or no memory; -2 PelsPerMeterX, PelsPerMeterY or
- *          SourceDistance not positive, or vertex array unreadable
+ *  @return 0; -7 image null or invalid, or no memory; -2 PelsPerMeterX, PelsPerMeterY or SourceDistance not
+ *          positive, or vertex array null or unreadable
  *  @par Memory
- *  A few words a vertex.
+ *  About a hundred bytes a vertex.
  *  @note Of equal intensities the first pel in row order is reported.
  */
 TQ_API int32_t TQ_CALL tqCalcMinPolyCandela(const TqImage* image, SAFEARRAY** vertices, double* candela,
@@ -200,9 +200,9 @@ TQ_API int32_t TQ_CALL tqCalcAvgCandela(const TqImage* image, double* average, i
  *  A few working rows; the cost a pel does not grow with a block of kind 0.
  *  @note With both block sizes below 2 every pel of the rectangle is tried, the last column and row included;
  *        otherwise a size of 0 counts as 1 and no block reaches the rectangle's last column or row.
- *        SourceDistance is not checked: 0 or less gives no finite or no positive intensity. Drains the
- * calling thread's message queue once a row (Windows), so window procedures may run during the call; they
- * must not free the image.
+ *        SourceDistance is not checked: its sign does not matter, and 0 puts every pel at 90 degrees off the
+ *        axis, where intensities are huge but still rank. Drains the calling thread's message queue once a
+ *        row (Windows), so window procedures may run during the call; they must not free the image.
  */
 TQ_API double TQ_CALL tqFindMaxCandelaInRegion(const TqImage* image, int32_t* column, int32_t* row,
                                                int32_t left, int32_t top, int32_t right, int32_t bottom,

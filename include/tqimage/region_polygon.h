@@ -19,14 +19,14 @@
  *  - A pel is visited once. One or two vertices, and a single horizontal line, are measured along the line.
  *
  *  Status, the same for every function (as int32_t or as double):
- *  - -7 image null or invalid, no vertex array (null), or no memory for the working rows;
- *  - -2 the array has not two dimensions, not 4-byte elements, or a vertex cannot be read.
+ *  - -7 image null or invalid, or no memory for the working rows;
+ *  - -2 the array is null, has not two dimensions, not 4-byte elements, or a vertex cannot be read.
  *  The codes -3 to -6 once told which coordinate could not be read a second time. Vertices are read once, so
  *  they no longer occur; hosts that test for any negative code keep working.
  *
  *  Without a vertex nothing is visited, which is not an error. Sums of pels are exact: they are formed in
- *  integers and converted to double once. Images and vertex arrays are only read. Extra memory: a few words
- *  a vertex.
+ *  integers and converted to double once. Images and vertex arrays are only read. Extra memory: about a
+ *  hundred bytes a vertex.
  */
 #ifndef TQIMAGE_REGION_POLYGON_H
 #define TQIMAGE_REGION_POLYGON_H
@@ -41,16 +41,16 @@ extern "C" {
 /** @brief Largest pel of a polygon.
  *  @param[in] image image to measure
  *  @param[in] vertices vertex array, pels, any int32 coordinates
- *  @return the largest pel, 0..65535, 0 when no pel is visited; -7 image null or invalid, no array or no
- *          memory; -2 vertex array unreadable
+ *  @return the largest pel, 0..65535, 0 when no pel is visited; -7 image null or invalid, or no memory;
+ *          -2 vertex array null or unreadable
  */
 TQ_API int32_t TQ_CALL tqGetMaxPelValueInPoly(const TqImage* image, SAFEARRAY** vertices);
 
 /** @brief Smallest pel of a polygon.
  *  @param[in] image image to measure
  *  @param[in] vertices vertex array, pels, any int32 coordinates
- *  @return the smallest pel, 0..65535, 0 when no pel is visited; -7 image null or invalid, no array or no
- *          memory; -2 vertex array unreadable
+ *  @return the smallest pel, 0..65535, 0 when no pel is visited; -7 image null or invalid, or no memory;
+ *          -2 vertex array null or unreadable
  */
 TQ_API int32_t TQ_CALL tqGetMinPelValueInPoly(const TqImage* image, SAFEARRAY** vertices);
 
@@ -59,8 +59,8 @@ TQ_API int32_t TQ_CALL tqGetMinPelValueInPoly(const TqImage* image, SAFEARRAY** 
  *  @param[out] count number of pels >= threshold; set to 0 before anything is checked; must not be null
  *  @param[in] vertices vertex array, pels, any int32 coordinates
  *  @param[in] threshold smallest pel that counts, grey levels, any value (below 1: all, above 65535: none)
- *  @return the sum of the pels >= threshold, grey levels; -7.0 image null or invalid, no array or no memory;
- *          -2.0 vertex array unreadable
+ *  @return the sum of the pels >= threshold, grey levels; -7.0 image null or invalid, or no memory;
+ *          -2.0 vertex array null or unreadable
  */
 TQ_API double TQ_CALL tqGetTotalPelValueInPoly(const TqImage* image, int32_t* count, SAFEARRAY** vertices,
                                                int32_t threshold);
@@ -70,8 +70,8 @@ TQ_API double TQ_CALL tqGetTotalPelValueInPoly(const TqImage* image, int32_t* co
  *  @param[in] vertices vertex array, pels, any int32 coordinates
  *  @param[in] low smallest pel that is summed, grey levels, any value
  *  @param[in] high pel from which the weight is 1, grey levels, any value; 0: every weight is 1
- *  @return as tqGetWeightedPelValueInRegion, grey levels; -7.0 image null or invalid, no array or no memory;
- *          -2.0 vertex array unreadable
+ *  @return as tqGetWeightedPelValueInRegion, grey levels; -7.0 image null or invalid, or no memory;
+ *          -2.0 vertex array null or unreadable
  */
 TQ_API double TQ_CALL tqGetWeightedPelValueInPoly(const TqImage* image, SAFEARRAY** vertices, int32_t low,
                                                   int32_t high);
@@ -81,8 +81,8 @@ TQ_API double TQ_CALL tqGetWeightedPelValueInPoly(const TqImage* image, SAFEARRA
  *  @param[in] vertices vertex array, pels, any int32 coordinates
  *  @param[in] full largest pel that counts as 1, grey levels, any value
  *  @param[in] none pel from which on nothing is counted, grey levels, any value
- *  @return the area, pels, as tqCalcCharAreaInRegion; -7.0 image null or invalid, no array or no memory;
- *          -2.0 vertex array unreadable
+ *  @return the area, pels, as tqCalcCharAreaInRegion; -7.0 image null or invalid, or no memory;
+ *          -2.0 vertex array null or unreadable
  */
 TQ_API double TQ_CALL tqCalcCharAreaInPoly(const TqImage* image, SAFEARRAY** vertices, int32_t full,
                                            int32_t none);
@@ -90,16 +90,16 @@ TQ_API double TQ_CALL tqCalcCharAreaInPoly(const TqImage* image, SAFEARRAY** ver
 /** @brief Number of pels of a polygon.
  *  @param[in] image image to measure
  *  @param[in] vertices vertex array, pels, any int32 coordinates
- *  @return the number of pels visited; -7.0 image null or invalid, no array or no memory; -2.0 vertex array
- *          unreadable
+ *  @return the number of pels visited; -7.0 image null or invalid, or no memory; -2.0 vertex array
+ *          null or unreadable
  */
 TQ_API double TQ_CALL tqCalcAreaInPoly(const TqImage* image, SAFEARRAY** vertices);
 
 /** @brief Mean of all pels of a polygon, pels of 0 included.
  *  @param[in] image image to measure
  *  @param[in] vertices vertex array, pels, any int32 coordinates
- *  @return the mean, grey levels, 0.0 when no pel is visited; -7.0 image null or invalid, no array or no
- *          memory; -2.0 vertex array unreadable
+ *  @return the mean, grey levels, 0.0 when no pel is visited; -7.0 image null or invalid, or no
+ *          memory; -2.0 vertex array null or unreadable
  */
 TQ_API double TQ_CALL tqGetPelBlockAvgPoly(const TqImage* image, SAFEARRAY** vertices);
 

@@ -1,0 +1,253 @@
+#include <cmath>
+#include <limits>
+#include <random>
+
+#include "failing_allocator.h"
+#include "statistics.h"
+#include "tqimage/pel_block.h"
+
+namespace tqtest {
+namespace {
+
+const std::vector<std::pair<std::int32_t, std::int32_t>> kBlocks = {
+    {1, 1}, {0, 0}, {3, 3}, {2, 2}, {1, 6}, {6, 1}, {5, 2}, {15, 15}, {51, 51}, {-4, 3}, {kLowest, kHighest}};
+
+TEST(PelBlock, SlidesInwardAtLeftAndTopAndIsCutAtRightAndBottom) {
+    const Image row = MakeImage(10, 1, {1, 2, 4, 8, 16, 32, 64, 128, 256, 512});
+    EXPECT_EQ(tqGetPelBlockAvg(row, 0, 0, 4, 1), 15.0 / 4);
+    EXPECT_EQ(tqGetPelBlockAvg(row, 5, 0, 4, 1), (8.0 + 16 + 32 + 64) / 4);
+    EXPECT_EQ(tqGetPelBlockAvg(row, 9, 0, 4, 1), (128.0 + 256 + 512) / 3);
+    for (const Image& image : StatisticsImages()) {
+        for (const auto& [width, height] : kBlocks) {
+            for (const std::int32_t col : {kLowest, -1, 0, 1, image.Cols() / 2, image.Cols() - 1, kHighest}) {
+                for (const std::int32_t line : {kLowest, 0, image.Rows() / 2, image.Rows() - 1, kHighest}) {
+                    ASSERT_EQ(tqGetPelBlockAvg(image, col, line, width, height),
+                              BlockReference(image, col, line, width, height))
+                        << col << ", " << line << ": " << width << " x " << height;
+                }
+            }
+        }
+    }
+}
+
+TEST(PelBlock, EllipseWithoutAPelReadsTheCentreFromOne) {
+    const Image image = RandomImage(17, 13, 31);
+    EXPECT_EQ(tqGetPelBlockAvgEllipse(image, 5, 6, -2, 3), image(4, 5));
+    EXPECT_EQ(tqGetPelBlockAvgEllipse(image, 40, 6, 3, 3), image(16, 5));
+    EXPECT_EQ(tqGetPelBlockAvgEllipse(image, -9, kLowest, 3, 3), image(0, 0));
+}
+
+/// Sums of rectangles and of the circles in them, threshold by threshold.
+TEST(BlockSum, RectanglesAndCircles) {
+    std::mt19937 engine(32);
+    for (const Image& image : StatisticsImages()) {
+        const std::vector<std::int32_t> sides = {kLowest,          -20, -1, 0,       3, image.Cols() - 1,
+                                                 image.Rows() - 1, 12,  25, kHighest};
+        for (int i = 0; i < 200; ++i) {
+            const std::int32_t left = sides[engine() % sides.size()], top = sides[engine() % sides.size()];
+            const std::int32_t right = sides[engine() % sides.size()],
+                               bottom = sides[engine() % sides.size()];
+            const std::int32_t threshold = std::vector{0, 1, 30000, 65535, 65536, -1}[engine() % 6];
+            const double spanX = static_cast<double>(right) - left, spanY = static_cast<double>(bottom) - top;
+            const double span = std::abs(spanX) > std::abs(spanY) ? spanX : spanY;
+            const double radius = (std::abs(span) + 1) * 0.5;
+            double sum = 0, circle = 0;
+            for (std::int32_t y = std::max(top, 0); y <= std::min(bottom, image.Rows() - 1); ++y) {
+                for (std::int32_t x = std::max(left, 0); x <= std::min(right, image.Cols() - 1); ++x) {
+                    if (image(x, y) < (threshold & 0xFFFF)) continue;
+                    sum += image(x, y);
+                    const double dx = x - (left + 0.5 * spanX), dy = y - (top + 0.5 * spanY);
+                    if (dx * dx + dy * dy <= radius * radius) circle += image(x, y);
+                }
+            }
+            const bool empty = std::max(left, 0) > std::min(right, image.Cols() - 1) ||
+                               std::max(top, 0) > std::min(bottom, image.Rows() - 1);
+            SCOPED_TRACE(testing::Message() << left << ", " << top << ", " << right << ", " << bottom);
+            ASSERT_EQ(tqSumPelBlock(image, threshold, left, top, right, bottom), empty ? -2.0 : sum);
+            ASSERT_EQ(tqSumPelBlockCircle(image, threshold, left, top, right, bottom), empty ? -2.0 : circle);
+        }
+    }
+}
+
+TEST(BlockSum, NumberOfPelsInACircle) {
+    const Image ones = MakeImage(40, 40, [](auto, auto) { return 1; });
+    for (std::int32_t right = 2; right < 36; ++right) {
+        for (std::int32_t bottom = 3; bottom < 36; bottom += 3) {
+            ASSERT_EQ(tqSumPelBlockCirclePels(2, 3, right, bottom),
+                      tqSumPelBlockCircle(ones, 0, 2, 3, right, bottom));
+            ASSERT_EQ(tqSumPelBlockCirclePels(kLowest + 2, -7, kLowest + right, bottom - 10),
+                      tqSumPelBlockCirclePels(2, 3, right, bottom))
+                << "a circle counts alike wherever it lies";
+        }
+    }
+    EXPECT_EQ(tqSumPelBlockCirclePels(0, 0, 9, 4), 50) << "D = 9: the circle covers the flat rectangle";
+    EXPECT_EQ(tqSumPelBlockCirclePels(0, 0, 3, 3), 16 - 4) << "squared radius 4 leaves the corners out";
+    EXPECT_EQ(tqSumPelBlockCirclePels(5, 0, 4, 0), -2);
+    EXPECT_EQ(tqSumPelBlockCirclePels(0, 5, 0, 4), -2);
+}
+
+struct Counts {
+    std::uint32_t atLeast = 99, atMost = 99, ellipseAtLeast = 99, ellipseAtMost = 99;
+    bool operator==(const Counts&) const = default;
+};
+
+void PrintTo(const Counts& it, std::ostream* out) {
+    *out << it.atLeast << ", " << it.atMost << "; ellipse " << it.ellipseAtLeast << ", " << it.ellipseAtMost;
+}
+
+Counts CountsReference(const Image& image, double threshold, std::int32_t width, std::int32_t height) {
+    width = std::min(std::max(width, 1), image.Cols());
+    height = std::min(std::max(height, 1), image.Rows());
+    Counts counts{0, 0, 0, 0};
+    for (std::int32_t row = 0; row < image.Rows(); ++row) {
+        for (std::int32_t col = 0; col < image.Cols(); ++col) {
+            const double block = BlockReference(image, col, row, width, height);
+            const double ellipse = EllipseBlockReference(image, col, row, width, height);
+            counts.atLeast += block >= threshold;
+            counts.atMost += block <= threshold;
+            counts.ellipseAtLeast += ellipse >= threshold;
+            counts.ellipseAtMost += ellipse <= threshold;
+        }
+    }
+    return counts;
+}
+
+Counts CountsOf(const Image& image, double threshold, std::int32_t width, std::int32_t height) {
+    Counts counts;
+    EXPECT_EQ(tqCountAllPelBlocks(image, &counts.atLeast, threshold, width, height), 0);
+    EXPECT_EQ(tqCountAllPelBlocksLess(image, &counts.atMost, threshold, width, height), 0);
+    EXPECT_EQ(tqCountAllPelBlocksEllipse(image, &counts.ellipseAtLeast, threshold, width, height), 0);
+    EXPECT_EQ(tqCountAllPelBlocksEllipseLess(image, &counts.ellipseAtMost, threshold, width, height), 0);
+    return counts;
+}
+
+TEST(BlockCount, EveryPositionOfEveryBlock) {
+    std::vector<Image> images;
+    std::uint32_t seed = 33;
+    for (const auto& [cols, rows] : {std::pair{1, 1}, {9, 1}, {1, 8}, {17, 13}, {70, 54}}) {
+        images.push_back(RandomImageWithHoles(cols, rows, seed++));
+    }
+    for (const Image& image : images) {
+        for (const auto& [width, height] : kBlocks) {
+            const double middle = BlockReference(image, image.Cols() / 2, image.Rows() / 2, width, height);
+            for (const double threshold : {middle, 0.0, -1.0, 20000.5, 65535.0, 65536.0, HUGE_VAL, -HUGE_VAL,
+                                           std::numeric_limits<double>::quiet_NaN()}) {
+                ASSERT_EQ(CountsOf(image, threshold, width, height),
+                          CountsReference(image, threshold, width, height))
+                    << image.Cols() << " x " << image.Rows() << ", block " << width << " x " << height
+                    << ", threshold " << threshold;
+            }
+        }
+    }
+}
+
+TEST(BlockCount, EqualityCountsOnBothSides) {
+    const Image flat = MakeImage(17, 13, [](auto, auto) { return 500; });
+    const std::uint32_t all = 17 * 13;
+    for (const auto& [width, height] : kBlocks) {
+        EXPECT_EQ(CountsOf(flat, 500, width, height), (Counts{all, all, all, all}));
+        EXPECT_EQ(CountsOf(flat, std::nextafter(500, 501), width, height), (Counts{0, all, 0, all}));
+        EXPECT_EQ(CountsOf(flat, std::nextafter(500, 499), width, height), (Counts{all, 0, all, 0}));
+    }
+}
+
+struct Extremes {
+    double min = -9, max = -9;
+    std::int32_t minCol = -9, minRow = -9, maxCol = -9, maxRow = -9;
+    bool operator==(const Extremes&) const = default;
+};
+
+void PrintTo(const Extremes& it, std::ostream* out) {
+    *out << it.min << " at " << it.minCol << ", " << it.minRow << "; " << it.max << " at " << it.maxCol
+         << ", " << it.maxRow;
+}
+
+std::int32_t FindExtremes(const TqImage* image, Extremes& found, std::int32_t left, std::int32_t top,
+                          std::int32_t right, std::int32_t bottom, std::int32_t kind, std::int32_t width,
+                          std::int32_t height) {
+    return tqFindMinMaxInRegion(image, &found.min, &found.max, &found.minCol, &found.minRow, &found.maxCol,
+                                &found.maxRow, left, top, right, bottom, kind, width, height);
+}
+
+TEST(BlockExtremes, EveryBlockThatFitsIsTriedAndTheFirstWins) {
+    for (const std::uint32_t high : {65535u, 3u}) {  // few levels make ties common
+        const Image image = RandomImage(19, 14, 34 + high, 0, high);
+        for (const auto& [width, height] : kBlocks) {
+            for (const std::int32_t kind : {0, 1, -3}) {
+                const std::int32_t w = std::max(width, 1), h = std::max(height, 1);
+                Extremes expected{HUGE_VAL, -HUGE_VAL, -1, -1, -1, -1};
+                for (std::int64_t y = 2; y + h - 1 <= 12; ++y) {
+                    for (std::int64_t x = 1; x + w - 1 <= 17; ++x) {
+                        const auto col = static_cast<std::int32_t>(x + w / 2);
+                        const auto row = static_cast<std::int32_t>(y + h / 2);
+                        const double mean = kind == 0 ? RectangleMean(image, x, y, x + w - 1, y + h - 1)
+                                                      : EllipseBlockReference(image, col, row, w, h);
+                        if (mean < expected.min) {
+                            expected.min = mean, expected.minCol = col, expected.minRow = row;
+                        }
+                        if (mean > expected.max) {
+                            expected.max = mean, expected.maxCol = col, expected.maxRow = row;
+                        }
+                    }
+                }
+                Extremes found;
+                const std::int32_t status = FindExtremes(image, found, 1, 2, 17, 12, kind, width, height);
+                SCOPED_TRACE(testing::Message() << width << " x " << height << ", kind " << kind);
+                ASSERT_EQ(status, expected.minCol == -1 ? -3 : 0);
+                if (status == 0) {
+                    ASSERT_EQ(found, expected);
+                } else {
+                    ASSERT_EQ(found.minCol + found.minRow + found.maxCol + found.maxRow, -4);
+                }
+            }
+        }
+    }
+}
+
+TEST(BlockExtremes, LastPositionsCountAndTheRectangleRuleHolds) {
+    const Image image = MakeImage(8, 6, [](auto col, auto row) { return 10 + col + 10 * row; });
+    Extremes found;
+    ASSERT_EQ(FindExtremes(image, found, 0, 0, 0, 0, 0, 2, 2), 0);
+    EXPECT_EQ(found, (Extremes{10 + 5.5, 67 - 5.5, 1, 1, 7, 5}));
+    EXPECT_EQ(FindExtremes(image, found, 5, 0, 4, 5, 0, 1, 1), -3) << "an empty rectangle has no position";
+    found = {};
+    EXPECT_EQ(FindExtremes(nullptr, found, 0, 0, 0, 0, 0, 1, 1), -2);
+    EXPECT_EQ(found.minCol + found.minRow + found.maxCol + found.maxRow, -4);
+}
+
+TEST(PelBlock, AnInvalidImageGivesTheCodeOfItsFunction) {
+    const Image invalid(1, 8001);
+    for (const TqImage* image :
+         {static_cast<const TqImage*>(nullptr), static_cast<const TqImage*>(invalid)}) {
+        EXPECT_EQ(tqGetPelBlockAvg(image, 0, 0, 3, 3), -1.0);
+        EXPECT_EQ(tqSumPelBlock(image, 0, 5, 5, 4, 4), -1.0);
+        EXPECT_EQ(tqSumPelBlockCircle(image, 0, 5, 5, 4, 4), -1.0);
+        std::uint32_t count = 7;
+        EXPECT_EQ(tqCountAllPelBlocks(image, &count, 0, 3, 3), -2);
+        EXPECT_EQ(tqCountAllPelBlocksLess(image, &count, 0, 3, 3), -2);
+        EXPECT_EQ(tqCountAllPelBlocksEllipse(image, &count, 0, 3, 3), -2);
+        EXPECT_EQ(tqCountAllPelBlocksEllipseLess(image, &count, 0, 3, 3), -2);
+        EXPECT_EQ(count, 7u);
+    }
+}
+
+TEST(BlockCount, WithoutMemoryGivesTheCodeOfAnInvalidImage) {
+    if (!CanFailAllocations()) GTEST_SKIP() << "a DLL allocates for itself";
+    const Image image = RandomImage(17, 13, 37);
+    std::uint32_t count = 7;
+    for (const auto function : {tqCountAllPelBlocks, tqCountAllPelBlocksEllipse}) {
+        EXPECT_GT(
+            FailEachAllocation(
+                -2, 0, [&] { return function(image, &count, 1.0, 5, 3); }, [&] { EXPECT_EQ(count, 7u); }),
+            0);
+        count = 7;
+    }
+    Extremes found;
+    EXPECT_GT(FailEachAllocation(
+                  -2, 0, [&] { return FindExtremes(image, found, 0, 0, 0, 0, 0, 3, 3); },
+                  [&] { EXPECT_EQ(found.minCol + found.maxRow, -2); }),
+              0);
+}
+
+}  // namespace
+}  // namespace tqtest

@@ -1,0 +1,273 @@
+#include <array>
+
+#include "failing_allocator.h"
+#include "photometry_reference.h"
+
+namespace tqtest {
+namespace {
+
+/// A frame in which no two pels are equally far from the axis, so that ranks are unique.
+Image SearchImage(std::int32_t cols, std::int32_t rows, std::uint32_t seed) {
+    Image image = RandomImage(cols, rows, seed);
+    image.Header().CenterCol += 1.37f;
+    image.Header().CenterRow -= 0.61f;
+    image.Header().SourceDistance = 0.02f;
+    image.Header().LuxPerGrey = 0.125f;
+    return image;
+}
+
+struct Best {
+    double candela = 0;
+    std::int32_t col = -1, row = -1;
+    double sum = 0;
+    int positions = 0;
+};
+
+/// Every block with its top left corner in left .. endX - 1, top .. endY - 1.
+template <class Mean>
+Best SearchReference(const Image& image, std::int32_t left, std::int32_t top, std::int32_t endX,
+                     std::int32_t endY, std::int32_t width, std::int32_t height, Mean&& mean) {
+    Best best;
+    for (std::int32_t y = top; y < endY; ++y) {
+        for (std::int32_t x = left; x < endX; ++x) {
+            const std::int32_t col = x + width / 2, row = y + height / 2;
+            const double candela = CandelaReference(image.Header(), col, row, mean(x, y, col, row));
+            best.sum += candela;
+            ++best.positions;
+            if (candela > best.candela) best.candela = candela, best.col = col, best.row = row;
+        }
+    }
+    return best;
+}
+
+TEST(CandelaSearch, SlidingBlockOverTheWholeImage) {
+    for (const auto& [cols, rows] : {std::pair{17, 13}, {40, 9}, {2, 2}, {90, 70}}) {
+        const Image image = SearchImage(cols, rows, 51);
+        for (const auto& [width, height] :
+             {std::pair{1, 1}, {3, 3}, {2, 4}, {15, 8}, {39, 8}, {16, 1}, {-2, 3}}) {
+            const std::int32_t w = std::max(width, 1), h = std::max(height, 1);
+            SCOPED_TRACE(testing::Message()
+                         << cols << " x " << rows << ", block " << width << " x " << height);
+            const Best best = SearchReference(
+                image, 0, 0, cols - w, rows - h, w, h,
+                [&](auto x, auto y, auto, auto) { return RectangleMean(image, x, y, x + w - 1, y + h - 1); });
+            std::int32_t col = -9, row = -9;
+            double average = -9;
+            const std::int32_t code = cols > w && rows > h ? 0 : -3;
+            EXPECT_EQ(tqCalcMaxCandela(image, &col, &row, width, height), code);
+            EXPECT_EQ(tqCalcAvgCandela(image, &average, width, height), code);
+            EXPECT_EQ(col, code == 0 ? best.col : -9);
+            EXPECT_EQ(row, code == 0 ? best.row : -9);
+            // Single precision: about 2^-24 a step, and errors of either sign in the sum.
+            const double expected = code == 0 ? best.sum / best.positions : -9;
+            EXPECT_NEAR(average, expected, std::abs(expected) * 1e-6);
+        }
+    }
+}
+
+TEST(CandelaSearch, BlockSizeZeroIsOnePelForTheMaximumAndAutomaticForTheMean) {
+    Image image = SearchImage(300, 260, 52);
+    image.Header().PelsPerMeterX = 437.5f;   // 0.9 inch: 10.0 pels
+    image.Header().PelsPerMeterY = 2000.0f;  // 45.7 pels, but a tenth of the image is 26
+    double automatic = -9, given = -9;
+    ASSERT_EQ(tqCalcAvgCandela(image, &automatic, 0, 0), 0);
+    ASSERT_EQ(tqCalcAvgCandela(image, &given, 10, 26), 0);
+    EXPECT_EQ(automatic, given);
+    std::array<std::int32_t, 4> at{-9, -9, -8, -8};
+    ASSERT_EQ(tqCalcMaxCandela(image, &at[0], &at[1], 0, 0), 0);
+    ASSERT_EQ(tqCalcMaxCandela(image, &at[2], &at[3], 1, 1), 0);
+    EXPECT_EQ(at[0], at[2]);
+    EXPECT_EQ(at[1], at[3]);
+}
+
+TEST(CandelaSearch, LastPositionIsNeverVisitedAndTheFirstOfEqualsWins) {
+    std::int32_t col = -9, row = -9;
+    Image image(10, 8);
+    ASSERT_EQ(tqCalcMaxCandela(image, &col, &row, 3, 2), 0);
+    EXPECT_EQ(std::pair(col, row), std::pair(1, 1)) << "all dark: the first block";
+    image(9, 3) = image(4, 7) = 65535;
+    ASSERT_EQ(tqCalcMaxCandela(image, &col, &row, 1, 1), 0);
+    EXPECT_EQ(std::pair(col, row), std::pair(0, 0)) << "light in the last column and row is not seen";
+    image(8, 6) = 1;
+    ASSERT_EQ(tqCalcMaxCandela(image, &col, &row, 1, 1), 0);
+    EXPECT_EQ(std::pair(col, row), std::pair(8, 6));
+    ASSERT_EQ(tqCalcMaxCandela(image, &col, &row, 9, 7), 0);
+    EXPECT_EQ(std::pair(col, row), std::pair(4, 3)) << "one position";
+    EXPECT_EQ(tqCalcMaxCandela(image, &col, &row, 10, 1), -3);
+    EXPECT_EQ(tqCalcMaxCandela(image, &col, &row, 1, kHighest), -3);
+
+    Image flat = MakeImage(10, 8, [](auto, auto) { return 900; });
+    flat.Header().CenterCol = 4;
+    flat.Header().CenterRow = 3;
+    ASSERT_EQ(tqCalcMaxCandela(flat, &col, &row, 1, 1), 0);
+    EXPECT_EQ(std::pair(col, row), std::pair(0, 0)) << "columns 0 and 8, rows 0 and 6 are equally far";
+    tqFindMaxCandelaInRegion(flat, &col, &row, 1, 1, 8, 6, 0, 2, 2);
+    EXPECT_EQ(std::pair(col, row), std::pair(7, 5)) << "blocks end before column 8 and row 6";
+    tqFindMaxCandelaInRegion(flat, &col, &row, 1, 1, 7, 5, 0, 1, 0);
+    EXPECT_EQ(std::pair(col, row), std::pair(1, 1))
+        << "single pels: the whole rectangle, the first corner wins";
+}
+
+TEST(CandelaSearch, InsideARectangle) {
+    const Image image = SearchImage(41, 33, 53);
+    for (const auto& [left, top, right, bottom] : {std::array{0, 0, 40, 32},
+                                                   {5, 4, 30, 20},
+                                                   {-9, kLowest, 12, 14},
+                                                   {30, 25, kHighest, 99},
+                                                   {7, 7, 7, 7}}) {
+        for (const auto& [width, height] :
+             {std::pair{0, 0}, {1, 1}, {1, 0}, {3, 3}, {4, 2}, {0, 3}, {2, 1}}) {
+            for (const std::int32_t kind : {0, 1, -1}) {
+                const std::int32_t x0 = std::max(left, 0), y0 = std::max(top, 0);
+                const std::int32_t x1 = std::min(right, 40), y1 = std::min(bottom, 32);
+                const bool single = width < 2 && height < 2;
+                const std::int32_t w = std::max(width, 1), h = std::max(height, 1);
+                const bool rejected = width > x1 - x0 + 1 || height > y1 - y0 + 1;
+                const Best best = SearchReference(
+                    image, x0, y0, single ? x1 + 1 : x1 - w + 1, single ? y1 + 1 : y1 - h + 1, w, h,
+                    [&](auto x, auto y, auto col, auto row) {
+                        return kind == 0 || single ? RectangleMean(image, x, y, x + w - 1, y + h - 1)
+                                                   : EllipseBlockReference(image, col, row, w, h);
+                    });
+                std::int32_t col = -9, row = -9;
+                SCOPED_TRACE(testing::Message() << left << ", " << top << ", " << right << ", " << bottom
+                                                << ": " << width << " x " << height << ", kind " << kind);
+                ExpectNearly(rejected ? -4.0 : best.candela,
+                             tqFindMaxCandelaInRegion(image, &col, &row, left, top, right, bottom, kind,
+                                                      width, height));
+                EXPECT_EQ(col, rejected ? -1 : best.col);
+                EXPECT_EQ(row, rejected ? -1 : best.row);
+            }
+        }
+    }
+}
+
+TEST(CandelaSearch, RectanglesAndBlocksThatAreRejected) {
+    const Image image = SearchImage(41, 33, 54);
+    struct Case {
+        std::int32_t left, top, right, bottom, width, height;
+        double result;
+    };
+    for (const Case& it :
+         {Case{9, 0, 8, 9, 0, 0, -4}, Case{0, 9, 9, 8, 0, 0, -4}, Case{41, 0, 60, 9, 0, 0, -4},
+          Case{0, 0, -1, 9, 0, 0, -4}, Case{0, 0, 9, 9, 11, 1, -4}, Case{0, 0, 9, 9, 1, 11, -4},
+          Case{0, 0, 9, 9, -1, 3, -4}, Case{0, 0, 9, 9, 3, kLowest, -4}, Case{0, 0, 9, 9, 10, 10, 0}}) {
+        std::int32_t col = -9, row = -9;
+        EXPECT_EQ(tqFindMaxCandelaInRegion(image, &col, &row, it.left, it.top, it.right, it.bottom, 0,
+                                           it.width, it.height),
+                  it.result);
+        EXPECT_EQ(std::pair(col, row), std::pair(-1, -1));
+    }
+}
+
+/// The codes of one image for every function of the family; outputs must stay at -9 where nothing is said.
+struct Codes {
+    std::int32_t direction, polygon, search, angle;
+    double find, flux;
+};
+
+void ExpectCodes(TqImage* image, const Codes& codes) {
+    HostArray vertices = VerticesOf({{1, 1}, {5, 1}, {3, 6}});
+    Reading it;
+    const Reading untouched;
+    std::int32_t col = -9, row = -9;
+    EXPECT_EQ(Read(it, image, 3, 3, 1, 1, 0), codes.direction);
+    EXPECT_EQ(ReadPolygon(tqCalcPolyCandela, it, image, vertices.Address(), 0), codes.polygon);
+    EXPECT_EQ(ReadPolygon(tqCalcMaxPolyCandela, it, image, vertices.Address(), 0), codes.polygon);
+    EXPECT_EQ(ReadPolygon(tqCalcMinPolyCandela, it, image, vertices.Address(), 0), codes.polygon);
+    EXPECT_EQ(tqCalcMaxCandela(image, &col, &row, 1, 1), codes.search);
+    EXPECT_EQ(tqCalcAvgCandela(image, &it.candela, 1, 1), codes.search);
+    EXPECT_EQ(tqPelToAngle(image, 3, 3, &it.first, &it.second, 0), codes.angle);
+    EXPECT_EQ(tqAngleToPel(image, &col, &row, 0, 0, 0), codes.angle);
+    EXPECT_EQ(tqCalcFluxInRegion(image, 1, 1, 3, 3, &it.candela), codes.flux);
+    EXPECT_EQ(tqCalcTotalImageFlux(image), codes.flux);
+    EXPECT_EQ(it, untouched);
+    EXPECT_EQ(std::pair(col, row), std::pair(-9, -9));
+    EXPECT_EQ(ReadEllipse(tqCalcMaxCandelaInEllipse, it, image, 3, 3, 3, 3, 0), codes.direction);
+    EXPECT_EQ(it.candela, 0) << "the one output that is written before the checks";
+    it.candela = -9;
+    EXPECT_EQ(ReadEllipse(tqCalcMinCandelaInEllipse, it, image, 3, 3, 0, 3, 0), codes.direction);
+    EXPECT_EQ(it.candela, 0);
+    EXPECT_EQ(tqFindMaxCandelaInRegion(image, &col, &row, 1, 1, 3, 3, 0, 0, 0), codes.find);
+    EXPECT_EQ(std::pair(col, row), std::pair(-1, -1));
+}
+
+/// Not provoked anywhere: -3 to -6 of the polygons, which a single reading of the vertices rules out.
+TEST(PhotometryCodes, InvalidImagesAndFramesWithoutScale) {
+    ExpectCodes(nullptr, {-1, -7, -1, -1, -2.0, -2.0});
+    Image invalid(8001, 1);
+    ExpectCodes(invalid, {-1, -7, -1, -1, -2.0, -2.0});
+    for (float TqImageHeader::*scale : {&TqImageHeader::PelsPerMeterX, &TqImageHeader::PelsPerMeterY}) {
+        for (const float value : {0.0f, -1000.0f}) {
+            Image image = RandomImage(9, 9, 55, 1);
+            image.Header().*scale = value;
+            ExpectCodes(image, {-2, -2, -2, -2, -3.0, -3.0});
+        }
+    }
+}
+
+TEST(PhotometryCodes, DistanceModesAndVertexArrays) {
+    Image image = RandomImage(9, 9, 56, 1);
+    HostArray good = VerticesOf({{1, 1}, {5, 1}, {3, 6}});
+    HostArray empty = VerticesOf({{1, 1}});
+    HostArray shorts(VT_I2, {{2}, {4}});
+    empty->rgsabound[0].cElements = 0;
+    Reading it;
+    std::int32_t col = -9, row = -9;
+    EXPECT_EQ(tqPelToAngle(image, 3, 3, &it.first, &it.second, 4), -3);
+    EXPECT_EQ(tqAngleToPel(image, &col, &row, 0, 0, 0xFFFFFFFFu), -3);
+    for (const auto function : {tqCalcPolyCandela, tqCalcMaxPolyCandela, tqCalcMinPolyCandela}) {
+        EXPECT_EQ(ReadPolygon(function, it, image, shorts.Address(), 0), -2);
+        EXPECT_EQ(ReadPolygon(function, it, image, nullptr, 0), -2);
+    }
+    EXPECT_EQ(ReadPolygon(tqCalcPolyCandela, it, image, empty.Address(), 0), -1)
+        << "without a vertex there is no direction";
+    EXPECT_EQ(it, Reading{});
+    EXPECT_EQ(ReadPolygon(tqCalcMaxPolyCandela, it, image, empty.Address(), 0), 0);
+    EXPECT_EQ(it.candela, 0);
+    image.Header().SourceDistance = 0;
+    for (const auto function : {tqCalcPolyCandela, tqCalcMaxPolyCandela, tqCalcMinPolyCandela}) {
+        EXPECT_EQ(ReadPolygon(function, it, image, good.Address(), 0), -2);
+    }
+    EXPECT_EQ(Read(it, image, 3, 3, 1, 1, 0), -2);
+    EXPECT_EQ(tqCalcMaxCandela(image, &col, &row, 1, 1), -2);
+    EXPECT_EQ(tqCalcAvgCandela(image, &it.candela, 1, 1), -2);
+    EXPECT_EQ(tqPelToAngle(image, 3, 3, &it.first, &it.second, 0), -2);
+    EXPECT_EQ(tqAngleToPel(image, &col, &row, 0, 0, 0), -2);
+    EXPECT_GT(tqCalcTotalImageFlux(image), 0.0) << "flux needs no distance";
+}
+
+TEST(PhotometryCodes, WithoutMemory) {
+    if (!CanFailAllocations()) GTEST_SKIP() << "a DLL allocates for itself";
+    const Image image = RandomImage(9, 9, 57, 1);
+    HostArray vertices = VerticesOf({{1, 1}, {5, 1}, {3, 6}});
+    Reading it;
+    std::int32_t col = -9, row = -9;
+    EXPECT_GT(FailEachAllocation(
+                  -1, 0, [&] { return ReadPolygon(tqCalcPolyCandela, it, image, vertices.Address(), 0); },
+                  [&] { EXPECT_EQ(it, Reading{}); }),
+              0);
+    it = {};
+    EXPECT_GT(FailEachAllocation(
+                  -7, 0, [&] { return ReadPolygon(tqCalcMaxPolyCandela, it, image, vertices.Address(), 0); },
+                  [&] { EXPECT_EQ(it, Reading{}); }),
+              0);
+    EXPECT_GT(
+        FailEachAllocation(
+            -1, 0, [&] { return tqCalcMaxCandela(image, &col, &row, 3, 3); }, [&] { EXPECT_EQ(col, -9); }),
+        0);
+    it = {};
+    EXPECT_GT(FailEachAllocation(
+                  -1, 0, [&] { return tqCalcAvgCandela(image, &it.candela, 3, 3); },
+                  [&] { EXPECT_EQ(it.candela, -9); }),
+              0);
+    EXPECT_GT(
+        FailEachAllocation(
+            -1, 1,
+            [&] { return tqFindMaxCandelaInRegion(image, &col, &row, 0, 0, 8, 8, 0, 3, 3) == -2.0 ? -1 : 1; },
+            [&] { EXPECT_EQ(col, -1); }),
+        0);
+}
+
+}  // namespace
+}  // namespace tqtest
