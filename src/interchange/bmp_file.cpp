@@ -19,6 +19,9 @@ constexpr std::uint32_t kFileHeaderBytes = 14;
 constexpr std::uint32_t kInfoHeaderBytes = 40;
 constexpr std::uint32_t kPixelStart = kFileHeaderBytes + kInfoHeaderBytes + sizeof(Palette);
 
+/// The C libraries' own buffer holds hardly one row.
+constexpr std::size_t kFileBuffer = 1 << 18;
+
 using Headers = std::array<std::uint8_t, kFileHeaderBytes + kInfoHeaderBytes>;
 
 void Put(Headers& headers, std::size_t at, std::uint32_t value, int bytes) noexcept {
@@ -74,6 +77,7 @@ void RemoveRegularFile(const char* fileName) noexcept {
 bool WriteBmpFile(const char* fileName, const TqLeadBitmap& bitmap) noexcept {
     std::FILE* file = fileName == nullptr ? nullptr : std::fopen(fileName, "wb");
     if (file == nullptr) return false;
+    std::setvbuf(file, nullptr, _IOFBF, kFileBuffer);
     const bool written = WriteContent(file, bitmap);
     // Closing writes what is still buffered and may fail as well.
     const bool closed = std::fclose(file) == 0;

@@ -124,6 +124,33 @@ SumAndCount SumAtLeast(const std::uint16_t* pels, std::size_t count, std::uint16
     return result;
 }
 
+SumAndMax FindSumAndMax(const std::uint16_t* pels, std::size_t count) {
+    SumAndMax result;
+    std::size_t i = 0;
+#if HWY_TARGET != HWY_SCALAR
+    const U16 d;
+    const std::size_t lanes = hn::Lanes(d);
+    auto total = hn::Zero(U64());
+    auto high = hn::Zero(d);
+    while (i + lanes <= count) {
+        const std::size_t end = i + std::min((count - i) / lanes, kVectorsPerFlush) * lanes;
+        auto sums = hn::Zero(U32());
+        for (; i < end; i += lanes) {
+            const auto v = hn::LoadU(d, pels + i);
+            sums = hn::Add(sums, AddPairs(v));
+            high = hn::Max(high, v);
+        }
+        total = hn::Add(total, WidenPairs(sums));
+    }
+    result = {Total(total), hn::GetLane(hn::MaxOfLanes(d, high))};
+#endif
+    for (; i < count; ++i) {
+        result.sum += pels[i];
+        result.max = std::max(result.max, pels[i]);
+    }
+    return result;
+}
+
 MinMax FindMinMax(const std::uint16_t* pels, std::size_t count) {
     MinMax result;
     std::size_t i = 0;
@@ -157,6 +184,7 @@ namespace tq::kernels {
 HWY_EXPORT(SumPels);
 HWY_EXPORT(SumSquares);
 HWY_EXPORT(SumAtLeast);
+HWY_EXPORT(FindSumAndMax);
 HWY_EXPORT(FindMinMax);
 
 std::uint64_t SumPels(const std::uint16_t* pels, std::size_t count) {
@@ -169,6 +197,10 @@ std::uint64_t SumSquares(const std::uint16_t* pels, std::size_t count) {
 
 SumAndCount SumAtLeast(const std::uint16_t* pels, std::size_t count, std::uint16_t threshold) {
     return HWY_DYNAMIC_DISPATCH(SumAtLeast)(pels, count, threshold);
+}
+
+SumAndMax FindSumAndMax(const std::uint16_t* pels, std::size_t count) {
+    return HWY_DYNAMIC_DISPATCH(FindSumAndMax)(pels, count);
 }
 
 MinMax FindMinMax(const std::uint16_t* pels, std::size_t count) {

@@ -11,6 +11,11 @@ struct SumAndCount {
     std::uint64_t count = 0;
 };
 
+struct SumAndMax {
+    std::uint64_t sum = 0;
+    std::uint16_t max = 0;
+};
+
 struct MinMax {
     std::uint16_t min = 65535;
     std::uint16_t max = 0;
@@ -23,6 +28,9 @@ std::uint64_t SumSquares(const std::uint16_t* pels, std::size_t count);
 
 /// Sum and count of the pels that are at least `threshold`.
 SumAndCount SumAtLeast(const std::uint16_t* pels, std::size_t count, std::uint16_t threshold);
+
+/// The sum of all pels and the largest one, {0, 0} for an empty run.
+SumAndMax FindSumAndMax(const std::uint16_t* pels, std::size_t count);
 
 /// {65535, 0} for an empty run.
 MinMax FindMinMax(const std::uint16_t* pels, std::size_t count);
