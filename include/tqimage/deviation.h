@@ -2,8 +2,8 @@
  *  How far the pels of an image, or of a rectangle of it, lie from their mean. A pel of 0 means "no data" in
  *  all functions of this file and does not count.
  *
- *  Rectangles follow the rule at the top of region_rectangle.h: 0, 0, 0, 0 is the whole image. Output pointers
- *  must not be null. No function here needs extra memory unless it says so.
+ *  Rectangles follow the rule at the top of region_rectangle.h: 0, 0, 0, 0 is the whole image. Output
+ * pointers must not be null. No function here needs extra memory unless it says so.
  */
 #ifndef TQIMAGE_DEVIATION_H
 #define TQIMAGE_DEVIATION_H
@@ -56,9 +56,9 @@ TQ_API int32_t TQ_CALL tqCalcDevInRegion(const TqImage* image, double* mean, dou
 
 /** @brief Makes the mura image of a rectangle: each pel tells its deviation from the rectangle's mean.
  *
- *  A pel v of the rectangle becomes 32000 * v / mean + 0.5, truncated and held to 1..65535, mean being that of
- *  the rectangle's pels that are not 0. Pels of 0 and pels outside the rectangle become 0. 32000 is the mean;
- *  one grey level is a relative difference of 1 / 32000.
+ *  A pel v of the rectangle becomes 32000 * v / mean + 0.5, truncated and held to 1..65535, mean being that
+ * of the rectangle's pels that are not 0. Pels of 0 and pels outside the rectangle become 0. 32000 is the
+ * mean; one grey level is a relative difference of 1 / 32000.
  *  @param[in,out] out address of the host's block pointer; receives the mura image. Untouched after a failure.
  *  @param[in] image image to measure; may be the image that out holds
  *  @param[in] left first column, pels, any value (clamped)

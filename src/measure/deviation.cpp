@@ -13,6 +13,7 @@
 #include "core/numerics.h"
 #include "kernels/span_statistics.h"
 #include "measure/image_values.h"
+#include "measure/mura.h"
 #include "measure/rectangle_region.h"
 #include "measure/span_consumers.h"
 
@@ -24,7 +25,8 @@ constexpr std::int32_t kInvalidImage = -2;
 constexpr std::int32_t kNotCreated = -3;
 constexpr std::int32_t kNothingLit = -99;
 
-/// The grey level of a mura image that means "as bright as the mean", and with it the scale of its deviations.
+/// The grey level of a mura image that means "as bright as the mean", and with it the scale of its
+/// deviations.
 constexpr double kMuraZero = 32000.0;
 
 /// From this pel on the square does not fit into a signed 32-bit integer.
@@ -88,7 +90,7 @@ struct LitExtremes {
 std::vector<Pel> MuraLevels(Pel largest, double mean) {
     std::vector<Pel> levels(std::size_t{largest} + 1);
     for (std::size_t level = 1; level < levels.size(); ++level) {
-        const double deviation = kMuraZero * static_cast<double>(level) / mean;
+        const double deviation = double{kMuraZero} * static_cast<double>(level) / mean;
         levels[level] = std::max<Pel>(ClampToPel(TruncToInt32(deviation + 0.5)), 1);
     }
     return levels;

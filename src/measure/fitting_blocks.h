@@ -42,7 +42,8 @@ void SweepBlocks(const ConstImageView& view, BlockShape shape, const FittingBloc
 
 /// The same with sums and counts of the pels that are not 0.
 template <class Visit>
-void SweepLitBlocks(const ConstImageView& view, BlockShape shape, const FittingBlocks& blocks, Visit&& visit) {
+void SweepLitBlocks(const ConstImageView& view, BlockShape shape, const FittingBlocks& blocks,
+                    Visit&& visit) {
     LitBlockSweep sweep(view, shape, blocks.width, blocks.height, blocks.FirstCenterCol(),
                         blocks.LastCenterCol());
     SweepRows(sweep, blocks, [&](std::int32_t centerRow) { visit(centerRow, std::as_const(sweep)); });
