@@ -19,7 +19,9 @@ PY
 # A library with sanitizers needs a program with the same ones, from the same compiler.
 compiler=$(sed -n 's/^CMAKE_C_COMPILER:[A-Z]*=//p' "$build/CMakeCache.txt")
 flags=()
-if nm -D "$build/lib/libtqimage20.so" | grep -q __asan_init; then flags=(-fsanitize=address,undefined); fi
+# Not through a pipe to grep -q: it ends at its first find and nm's broken pipe would count as none.
+symbols=$(nm -D "$build/lib/libtqimage20.so")
+if [[ $symbols == *__asan_init* ]]; then flags=(-fsanitize=address,undefined); fi
 "$compiler" -std=c99 -pedantic -Wall -Wextra -Werror "${flags[@]}" -I"$root/include" \
     "$root/examples/first_measurement.c" -L"$build/lib" -Wl,-rpath,"$build/lib" -ltqimage20 -o "$work/example"
 
