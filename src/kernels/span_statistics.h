@@ -26,6 +26,9 @@ std::uint64_t SumPels(const std::uint16_t* pels, std::size_t count);
 /// Sum of squares of at most 2^32 pels: 2^32 squares below 2^32 stay within 64 bits.
 std::uint64_t SumSquares(const std::uint16_t* pels, std::size_t count);
 
+/// Number of pels that are at least `threshold`.
+std::uint64_t CountAtLeast(const std::uint16_t* pels, std::size_t count, std::uint16_t threshold);
+
 /// Sum and count of the pels that are at least `threshold`.
 SumAndCount SumAtLeast(const std::uint16_t* pels, std::size_t count, std::uint16_t threshold);
 
@@ -34,5 +37,8 @@ SumAndMax FindSumAndMax(const std::uint16_t* pels, std::size_t count);
 
 /// {65535, 0} for an empty run.
 MinMax FindMinMax(const std::uint16_t* pels, std::size_t count);
+
+/// The smallest pel that is not 0; 0 when there is none.
+std::uint16_t FindSmallestNonZero(const std::uint16_t* pels, std::size_t count);
 
 }  // namespace tq::kernels
