@@ -9,28 +9,34 @@ namespace {
 
 using tq::kernels::FindMinMax;
 using tq::kernels::FindSumAndMax;
+using tq::kernels::FindTotals;
 using tq::kernels::SumAtLeast;
 using tq::kernels::SumPels;
-using tq::kernels::SumSquares;
 
 TEST(SpanStatistics, EveryTargetLengthAndAlignmentAgreesWithThePlainLoop) {
     const auto pels = tqtest::HostilePels(420, 1);
     tqtest::ForEachTarget([&] {
         for (std::size_t count = 0; count <= 400; count += count < 70 ? 1 : 11) {
             const std::uint16_t* run = pels.data() + count % 17;
-            std::uint64_t sum = 0, squares = 0, above = 0, sumAbove = 0;
+            std::uint64_t sum = 0, squares = 0, nonZero = 0, above = 0, sumAbove = 0;
             std::uint16_t low = 65535, high = 0;
             constexpr std::uint16_t kThreshold = 32768;
             for (std::size_t i = 0; i < count; ++i) {
                 const std::uint64_t v = run[i];
                 sum += v;
                 squares += v * v;
+                nonZero += v != 0 ? 1 : 0;
                 if (v >= kThreshold) ++above, sumAbove += v;
                 low = std::min(low, run[i]);
                 high = std::max(high, run[i]);
             }
             ASSERT_EQ(SumPels(run, count), sum) << count;
-            ASSERT_EQ(SumSquares(run, count), squares) << count;
+            const auto totals = FindTotals(run, count);
+            ASSERT_EQ(totals.sum, sum) << count;
+            ASSERT_EQ(totals.squares, squares) << count;
+            ASSERT_EQ(totals.nonZero, nonZero) << count;
+            ASSERT_EQ(totals.extremes.min, low) << count;
+            ASSERT_EQ(totals.extremes.max, high) << count;
             ASSERT_EQ(SumAtLeast(run, count, kThreshold).sum, sumAbove) << count;
             ASSERT_EQ(SumAtLeast(run, count, kThreshold).count, above) << count;
             ASSERT_EQ(FindSumAndMax(run, count).sum, sum) << count;
@@ -49,7 +55,9 @@ TEST(SpanStatistics, LongRunsOfTheLargestPelDoNotOverflow) {
     tqtest::ForEachTarget([&] {
         EXPECT_EQ(SumPels(pels.data(), pels.size()), count * 65535);
         EXPECT_EQ(FindSumAndMax(pels.data(), pels.size()).sum, count * 65535);
-        EXPECT_EQ(SumSquares(pels.data(), pels.size()), count * 65535 * 65535);
+        EXPECT_EQ(FindTotals(pels.data(), pels.size()).sum, count * 65535);
+        EXPECT_EQ(FindTotals(pels.data(), pels.size()).squares, count * 65535 * 65535);
+        EXPECT_EQ(FindTotals(pels.data(), pels.size()).nonZero, count);
         const auto all = SumAtLeast(pels.data(), pels.size(), 65535);
         EXPECT_EQ(all.sum, count * 65535);
         EXPECT_EQ(all.count, count);
