@@ -1,6 +1,7 @@
 #include "kernels/window_sums.h"
 
 #include <cmath>
+#include <utility>
 
 #include "kernels/intensity.h"
 #include "simd_targets.h"
@@ -80,6 +81,13 @@ TEST(WindowSums, ComparisonsQuotientsAndRangesAgreeWithThePlainLoop) {
             for (std::size_t i = 0; i < count; ++i) {
                 const double quotient = values[i] / bounds[i];
                 ASSERT_TRUE(out[i] == quotient || (std::isnan(out[i]) && std::isnan(quotient))) << i;
+            }
+            for (const auto& [low, high] :
+                 {std::pair{1.0, 2.0}, {0.5, 1.0}, {0.0, HUGE_VAL}, {HUGE_VAL, 1.0}}) {
+                bool any = false;
+                for (std::size_t i = 0; i < count; ++i)
+                    any = any || values[i] < low * bounds[i] || values[i] > high * bounds[i];
+                ASSERT_EQ(kernels::AnyOutside(values.data(), bounds.data(), count, low, high), any) << count;
             }
             const auto range = kernels::FindRange(values.data(), count);
             ASSERT_EQ(range.min, *std::min_element(values.begin(), values.end()));
