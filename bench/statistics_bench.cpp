@@ -28,9 +28,11 @@ TqImage* Scratch(const NoiseImage& image) {
 void PlainHistogram(const cv::Mat& mat) {
     std::vector<std::uint32_t> counts(65536);
     const auto* pels = mat.ptr<std::uint16_t>();
-    for (std::size_t i = 0; i < mat.total(); ++i)
-        ++counts[pels[i]];
-    DoNotOptimize(counts.data());
+    const std::size_t count = mat.total();
+    std::uint32_t* const table = counts.data();
+    for (std::size_t i = 0; i < count; ++i)
+        ++table[pels[i]];
+    DoNotOptimize(table);
 }
 
 void Histogram(const TqImage* image) {
