@@ -23,6 +23,8 @@ TEST(WindowSums, ColumnsAndPrefixesOfEveryLengthAreExactOnEveryTarget) {
             kernels::PrefixSums(columns.data(), count, prefix.data());
             std::vector<std::uint32_t> pelPrefix(count + 1);
             kernels::PrefixSums(b.data(), count, pelPrefix.data());
+            std::vector<std::uint16_t> marks(count, 9);
+            kernels::MarkNonZero(a.data(), count, marks.data());
             double sum = 0;
             std::uint32_t pelSum = 0;
             for (std::size_t i = 0; i <= count; ++i) {
@@ -30,6 +32,7 @@ TEST(WindowSums, ColumnsAndPrefixesOfEveryLengthAreExactOnEveryTarget) {
                 ASSERT_EQ(pelPrefix[i], pelSum) << i << " of " << count;
                 if (i == count) break;
                 ASSERT_EQ(columns[i], 8000U * 65535U - 65535U + b[i]) << i << " of " << count;
+                ASSERT_EQ(marks[i], a[i] != 0 ? 1 : 0) << i << " of " << count;
                 sum += columns[i];
                 pelSum += b[i];
             }
