@@ -18,8 +18,13 @@ std::vector<std::int32_t> CountsOf(const Image& image) {
 /// Noise up to several levels, flat images, and lengths that are no multiple of anything.
 std::vector<Image> HistogramImages() {
     std::vector<Image> images = StatisticsImages();
-    for (const std::uint32_t high : {1u, 8190u, 8191u, 8192u, 65535u})
+    for (const std::uint32_t high : {1u, 2046u, 2047u, 2048u, 65535u})
         images.push_back(RandomImage(101, 37, high, 0, high));
+    // Runs of 1 to 7 equal pels, bright and dark: they start and end anywhere in a machine word.
+    for (const int level : {1000, 60000}) {
+        images.push_back(
+            MakeImage(131, 29, [=](auto col, auto row) { return level + (col * (row % 7 + 1)) / 7; }));
+    }
     images.emplace_back(33, 3);
     images.push_back(MakeImage(9, 9, [](auto, auto) { return 65535; }));
     return images;
