@@ -7,6 +7,7 @@
 #include "tqimage/automation.h"
 #include "tqimage/base.h"
 #include "tqimage/bitmap.h"
+#include "tqimage/border_light.h"
 #include "tqimage/defects.h"
 #include "tqimage/distortion.h"
 #include "tqimage/exchange.h"
@@ -17,5 +18,6 @@
 #include "tqimage/region_ellipse.h"
 #include "tqimage/region_polygon.h"
 #include "tqimage/region_rectangle.h"
+#include "tqimage/uniformity.h"
 
 #endif
