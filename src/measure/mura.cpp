@@ -5,10 +5,9 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "core/image_view.h"
-#include "core/rectangle.h"
+#include "core/numerics.h"
 #include "kernels/mura.h"
-#include "measure/region_shapes.h"
+#include "measure/rectangle_region.h"
 #include "measure/span_consumers.h"
 #include "tqimage/uniformity.h"
 
@@ -59,22 +58,16 @@ struct MuraSquares {
     }
 };
 
-/// Feeds a rectangle to the consumer; false for an invalid image.
-template <class Consumer>
-bool FeedRegion(const TqImage* image, const Rect& asked, Consumer& consumer) {
-    const ConstImageView view = LocateImage(image);
-    if (view) VisitRectangle(ClampRegion(asked, view.cols, view.rows), OnPelsOf(view, consumer));
-    return static_cast<bool>(view);
-}
-
 }  // namespace
 
 double TQ_CALL tqGetTotalMuraInRegion(const TqImage* image, std::int32_t* count, std::int32_t left,
                                       std::int32_t top, std::int32_t right, std::int32_t bottom,
                                       std::int32_t threshold) {
     *count = 0;
+    const Region region(image, {left, top, right, bottom});
+    if (!region) return kInvalidImage;
     MuraTotal total(threshold);
-    if (!FeedRegion(image, {left, top, right, bottom}, total)) return kInvalidImage;
+    region.Feed(total);
     *count = static_cast<std::int32_t>(total.Count());
     return total.Result();
 }
@@ -83,8 +76,10 @@ double TQ_CALL tqGetRMSMuraInRegion(const TqImage* image, std::int32_t* count, s
                                     std::int32_t top, std::int32_t right, std::int32_t bottom,
                                     std::int32_t threshold) {
     *count = 0;
+    const Region region(image, {left, top, right, bottom});
+    if (!region) return kInvalidImage;
     MuraSquares found{threshold, {}};
-    if (!FeedRegion(image, {left, top, right, bottom}, found)) return kInvalidImage;
+    region.Feed(found);
     // Pels at the zero level are not counted, unlike in the total: hosts rely on it.
     if (found.total.count == 0) return 0.0;
     *count = static_cast<std::int32_t>(found.total.count);
