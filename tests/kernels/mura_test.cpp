@@ -37,7 +37,7 @@ TEST(SumSquaredDeviations, LongRunsDoNotOverflow) {
     const std::vector<std::uint16_t> pels(count, 65535);
     tqtest::ForEachTarget([&] {
         const auto all = SumSquaredDeviations(pels.data(), count, 0, 0);
-        EXPECT_EQ(all.squares, count * 65535 * 65535);
+        EXPECT_EQ(all.squares, std::uint64_t{count} * 65535 * 65535);
         EXPECT_EQ(all.count, count);
         EXPECT_EQ(SumSquaredDeviations(pels.data(), count, 65535, 0).count, 0u);
     });
