@@ -10,9 +10,15 @@
 #include "tqimage/centroid.h"
 #include "tqimage/comparison.h"
 #include "tqimage/defects.h"
+#include "tqimage/deviation.h"
 #include "tqimage/distortion.h"
 #include "tqimage/exchange.h"
+<<<<<<< HEAD
 #include "tqimage/focus.h"
+=======
+#include "tqimage/gray_search.h"
+#include "tqimage/histogram.h"
+>>>>>>> main
 #include "tqimage/image.h"
 #include "tqimage/line_detection.h"
 #include "tqimage/moments.h"
@@ -20,9 +26,14 @@
 #include "tqimage/pel_block.h"
 #include "tqimage/photometry.h"
 #include "tqimage/point_operations.h"
+#include "tqimage/profiles.h"
 #include "tqimage/region_ellipse.h"
 #include "tqimage/region_polygon.h"
 #include "tqimage/region_rectangle.h"
+<<<<<<< HEAD
 #include "tqimage/sub_pixel.h"
+=======
+#include "tqimage/whole_image.h"
+>>>>>>> main
 
 #endif

@@ -41,16 +41,45 @@ std::uint8_t ToByte(double scaled) noexcept {
     return static_cast<std::uint8_t>(std::clamp(TruncToInt32(std::min(scaled, kLargestByte)), 0, 255));
 }
 
+/// Fills what lies between two pels whose bytes are known. On the curve a brighter pel never gets a smaller
+/// byte (its power and every rounding rise with it), so between equal ends there is nothing to ask: a few
+/// thousand powers make a table of 65536.
+template <class ByteAt>
+void FillRising(std::vector<std::uint8_t>& table, std::size_t first, std::size_t last, const ByteAt& byteAt) {
+    if (last - first < 2) return;
+    if (table[first] == table[last]) {
+        std::fill(table.begin() + static_cast<std::ptrdiff_t>(first + 1),
+                  table.begin() + static_cast<std::ptrdiff_t>(last), table[first]);
+        return;
+    }
+    const std::size_t middle = first + (last - first) / 2;
+    table[middle] = byteAt(middle);
+    FillRising(table, first, middle, byteAt);
+    FillRising(table, middle, last, byteAt);
+}
+
 }  // namespace
 
 std::vector<std::uint8_t> MakeToneTable(double gamma, double fullScale, Pel largest) {
-    const double exponent = (gamma == 0.0 ? 1.0 : gamma) * kExponent;
-    const bool curved = gamma >= 0.0;
     std::vector<std::uint8_t> table(static_cast<std::size_t>(largest) + 1);
-    for (std::size_t pel = 0; pel < table.size(); ++pel) {
-        const double value = static_cast<double>(pel) / fullScale;
-        table[pel] = ToByte(curved ? ScaledTone(value, exponent) : value * kLargestByte);
+    const std::size_t last = table.size() - 1;
+    const auto valueOf = [&](std::size_t pel) { return static_cast<double>(pel) / fullScale; };
+    if (!(gamma >= 0.0)) {
+        for (std::size_t pel = 0; pel <= last; ++pel)
+            table[pel] = ToByte(valueOf(pel) * kLargestByte);
+        return table;
     }
+    const double exponent = (gamma == 0.0 ? 1.0 : gamma) * kExponent;
+    const auto byteAt = [&](std::size_t pel) { return ToByte(ScaledTone(valueOf(pel), exponent)); };
+    // The straight part pel by pel: where the curve takes over, the byte may fall.
+    std::size_t first = 0;
+    while (first < last && !(valueOf(first) > kLinearLimit)) {
+        table[first] = byteAt(first);
+        ++first;
+    }
+    table[first] = byteAt(first);
+    table[last] = byteAt(last);
+    FillRising(table, first, last, byteAt);
     return table;
 }
 

@@ -92,6 +92,30 @@ std::uint64_t SumSquares(const std::uint16_t* pels, std::size_t count) {
     return sum;
 }
 
+std::uint64_t CountAtLeast(const std::uint16_t* pels, std::size_t count, std::uint16_t threshold) {
+    std::uint64_t hits = 0;
+    std::size_t i = 0;
+#if HWY_TARGET != HWY_SCALAR
+    const U16 d;
+    const std::size_t lanes = hn::Lanes(d);
+    const auto bound = hn::Set(d, threshold);
+    auto total = hn::Zero(U64());
+    while (i + lanes <= count) {
+        const std::size_t end = i + std::min((count - i) / lanes, kVectorsPerFlush) * lanes;
+        auto counts = hn::Zero(d);  // at most kVectorsPerFlush a lane
+        for (; i < end; i += lanes) {
+            const auto v = hn::LoadU(d, pels + i);
+            counts = hn::Sub(counts, hn::VecFromMask(d, hn::Eq(hn::Max(v, bound), v)));
+        }
+        total = hn::Add(total, WidenPairs(AddPairs(counts)));
+    }
+    hits = Total(total);
+#endif
+    for (; i < count; ++i)
+        hits += pels[i] >= threshold ? 1 : 0;
+    return hits;
+}
+
 SumAndCount SumAtLeast(const std::uint16_t* pels, std::size_t count, std::uint16_t threshold) {
     SumAndCount result;
     std::size_t i = 0;
@@ -124,6 +148,33 @@ SumAndCount SumAtLeast(const std::uint16_t* pels, std::size_t count, std::uint16
     return result;
 }
 
+SumAndMax FindSumAndMax(const std::uint16_t* pels, std::size_t count) {
+    SumAndMax result;
+    std::size_t i = 0;
+#if HWY_TARGET != HWY_SCALAR
+    const U16 d;
+    const std::size_t lanes = hn::Lanes(d);
+    auto total = hn::Zero(U64());
+    auto high = hn::Zero(d);
+    while (i + lanes <= count) {
+        const std::size_t end = i + std::min((count - i) / lanes, kVectorsPerFlush) * lanes;
+        auto sums = hn::Zero(U32());
+        for (; i < end; i += lanes) {
+            const auto v = hn::LoadU(d, pels + i);
+            sums = hn::Add(sums, AddPairs(v));
+            high = hn::Max(high, v);
+        }
+        total = hn::Add(total, WidenPairs(sums));
+    }
+    result = {Total(total), hn::GetLane(hn::MaxOfLanes(d, high))};
+#endif
+    for (; i < count; ++i) {
+        result.sum += pels[i];
+        result.max = std::max(result.max, pels[i]);
+    }
+    return result;
+}
+
 MinMax FindMinMax(const std::uint16_t* pels, std::size_t count) {
     MinMax result;
     std::size_t i = 0;
@@ -148,6 +199,23 @@ MinMax FindMinMax(const std::uint16_t* pels, std::size_t count) {
     return result;
 }
 
+std::uint16_t FindSmallestNonZero(const std::uint16_t* pels, std::size_t count) {
+    // One less, 0 becomes the largest number and never wins; adding the 1 again brings it back.
+    std::uint16_t low = 65535;
+    std::size_t i = 0;
+#if HWY_TARGET != HWY_SCALAR
+    const U16 d;
+    const std::size_t lanes = hn::Lanes(d);
+    auto lows = hn::Set(d, 65535);
+    for (; i + lanes <= count; i += lanes)
+        lows = hn::Min(lows, hn::Sub(hn::LoadU(d, pels + i), hn::Set(d, 1)));
+    low = hn::GetLane(hn::MinOfLanes(d, lows));
+#endif
+    for (; i < count; ++i)
+        low = std::min(low, static_cast<std::uint16_t>(pels[i] - 1));
+    return static_cast<std::uint16_t>(low + 1);
+}
+
 }  // namespace tq::kernels::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
@@ -156,8 +224,11 @@ namespace tq::kernels {
 
 HWY_EXPORT(SumPels);
 HWY_EXPORT(SumSquares);
+HWY_EXPORT(CountAtLeast);
 HWY_EXPORT(SumAtLeast);
+HWY_EXPORT(FindSumAndMax);
 HWY_EXPORT(FindMinMax);
+HWY_EXPORT(FindSmallestNonZero);
 
 std::uint64_t SumPels(const std::uint16_t* pels, std::size_t count) {
     return HWY_DYNAMIC_DISPATCH(SumPels)(pels, count);
@@ -167,12 +238,24 @@ std::uint64_t SumSquares(const std::uint16_t* pels, std::size_t count) {
     return HWY_DYNAMIC_DISPATCH(SumSquares)(pels, count);
 }
 
+std::uint64_t CountAtLeast(const std::uint16_t* pels, std::size_t count, std::uint16_t threshold) {
+    return HWY_DYNAMIC_DISPATCH(CountAtLeast)(pels, count, threshold);
+}
+
 SumAndCount SumAtLeast(const std::uint16_t* pels, std::size_t count, std::uint16_t threshold) {
     return HWY_DYNAMIC_DISPATCH(SumAtLeast)(pels, count, threshold);
 }
 
+SumAndMax FindSumAndMax(const std::uint16_t* pels, std::size_t count) {
+    return HWY_DYNAMIC_DISPATCH(FindSumAndMax)(pels, count);
+}
+
 MinMax FindMinMax(const std::uint16_t* pels, std::size_t count) {
     return HWY_DYNAMIC_DISPATCH(FindMinMax)(pels, count);
+}
+
+std::uint16_t FindSmallestNonZero(const std::uint16_t* pels, std::size_t count) {
+    return HWY_DYNAMIC_DISPATCH(FindSmallestNonZero)(pels, count);
 }
 
 }  // namespace tq::kernels

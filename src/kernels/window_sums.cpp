@@ -53,6 +53,16 @@ void ReplaceRow(std::uint32_t* columns, const std::uint16_t* entering, const std
         columns[i] += std::uint32_t{entering[i]} - leaving[i];
 }
 
+void MarkNonZero(const std::uint16_t* pels, std::size_t count, std::uint16_t* out) {
+    const hn::ScalableTag<std::uint16_t> d;
+    const std::size_t lanes = hn::Lanes(d);
+    std::size_t i = 0;
+    for (; i + lanes <= count; i += lanes)
+        hn::StoreU(hn::Min(hn::LoadU(d, pels + i), hn::Set(d, 1)), d, out + i);
+    for (; i < count; ++i)
+        out[i] = pels[i] != 0 ? 1 : 0;
+}
+
 #if HWY_TARGET != HWY_SCALAR
 /// Lane i of the result is the sum of lanes 0..i of one 128-bit vector or less.
 template <class D, class V>
@@ -204,6 +214,7 @@ namespace tq::kernels {
 HWY_EXPORT(AddRow);
 HWY_EXPORT(SubtractRow);
 HWY_EXPORT(ReplaceRow);
+HWY_EXPORT(MarkNonZero);
 HWY_EXPORT(PrefixSumsOfColumns);
 HWY_EXPORT(PrefixSumsOfPels);
 HWY_EXPORT(Differences);
@@ -223,6 +234,10 @@ void SubtractRow(std::uint32_t* columns, const std::uint16_t* row, std::size_t c
 void ReplaceRow(std::uint32_t* columns, const std::uint16_t* entering, const std::uint16_t* leaving,
                 std::size_t count) {
     HWY_DYNAMIC_DISPATCH(ReplaceRow)(columns, entering, leaving, count);
+}
+
+void MarkNonZero(const std::uint16_t* pels, std::size_t count, std::uint16_t* out) {
+    HWY_DYNAMIC_DISPATCH(MarkNonZero)(pels, count, out);
 }
 
 void PrefixSums(const std::uint32_t* values, std::size_t count, double* prefix) {

@@ -7,6 +7,7 @@
 #include "core/rectangle.h"
 #include "kernels/span_statistics.h"
 #include "measure/out_value.h"
+#include "measure/rectangle_region.h"
 #include "measure/region_shapes.h"
 #include "measure/span_consumers.h"
 
@@ -17,22 +18,6 @@ namespace {
 constexpr std::int32_t kInvalidImage = -2;
 constexpr std::int32_t kInvalidRoiImage = -1;
 constexpr std::int32_t kEmptyRoi = -2;
-
-/// A validated image and the region of it that a host's rectangle means.
-struct Region {
-    ConstImageView view;
-    Rect rect{0, 0, -1, -1};
-
-    Region(const TqImage* image, const Rect& asked) : view(LocateImage(image)) {
-        if (view) rect = ClampRegion(asked, view.cols, view.rows);
-    }
-    explicit operator bool() const noexcept { return static_cast<bool>(view); }
-
-    template <class Consumer>
-    void Feed(Consumer& consumer) const {
-        VisitRectangle(rect, OnPelsOf(view, consumer));
-    }
-};
 
 /// Everything that one pass over a region tells.
 struct Totals {

@@ -8,6 +8,7 @@
 namespace {
 
 using tq::kernels::FindMinMax;
+using tq::kernels::FindSumAndMax;
 using tq::kernels::SumAtLeast;
 using tq::kernels::SumPels;
 using tq::kernels::SumSquares;
@@ -32,6 +33,8 @@ TEST(SpanStatistics, EveryTargetLengthAndAlignmentAgreesWithThePlainLoop) {
             ASSERT_EQ(SumSquares(run, count), squares) << count;
             ASSERT_EQ(SumAtLeast(run, count, kThreshold).sum, sumAbove) << count;
             ASSERT_EQ(SumAtLeast(run, count, kThreshold).count, above) << count;
+            ASSERT_EQ(FindSumAndMax(run, count).sum, sum) << count;
+            ASSERT_EQ(FindSumAndMax(run, count).max, high) << count;
             ASSERT_EQ(FindMinMax(run, count).min, low) << count;
             ASSERT_EQ(FindMinMax(run, count).max, high) << count;
         }
@@ -41,12 +44,13 @@ TEST(SpanStatistics, EveryTargetLengthAndAlignmentAgreesWithThePlainLoop) {
 // Long enough for every narrow accumulator to be full several times over: 16-bit counts and 32-bit sums of
 // the largest pel, at any vector length.
 TEST(SpanStatistics, LongRunsOfTheLargestPelDoNotOverflow) {
-    const std::size_t count = std::size_t{8000} * 1000 + 3;
-    const std::vector<std::uint16_t> pels(count, 65535);
+    const std::uint64_t count = 8000 * 1000 + 3;
+    const std::vector<std::uint16_t> pels(static_cast<std::size_t>(count), 65535);
     tqtest::ForEachTarget([&] {
-        EXPECT_EQ(SumPels(pels.data(), count), count * 65535);
-        EXPECT_EQ(SumSquares(pels.data(), count), count * 65535 * 65535);
-        const auto all = SumAtLeast(pels.data(), count, 65535);
+        EXPECT_EQ(SumPels(pels.data(), pels.size()), count * 65535);
+        EXPECT_EQ(FindSumAndMax(pels.data(), pels.size()).sum, count * 65535);
+        EXPECT_EQ(SumSquares(pels.data(), pels.size()), count * 65535 * 65535);
+        const auto all = SumAtLeast(pels.data(), pels.size(), 65535);
         EXPECT_EQ(all.sum, count * 65535);
         EXPECT_EQ(all.count, count);
     });

@@ -23,8 +23,8 @@ inline TqImageHeader DefaultHeader(std::int32_t cols, std::int32_t rows) {
     header.PelRows = rows;
     header.PelsPerMeterX = 1000.0f;
     header.PelsPerMeterY = 1000.0f;
-    header.CenterCol = static_cast<float>(cols - 1) * 0.5f;
-    header.CenterRow = static_cast<float>(rows - 1) * 0.5f;
+    header.CenterCol = (static_cast<float>(cols) - 1.0f) * 0.5f;
+    header.CenterRow = (static_cast<float>(rows) - 1.0f) * 0.5f;
     header.LuxPerGrey = 1.0f;
     header.MaxPelValue = 65535.0f;
     header.SourceDistance = 1.0f;

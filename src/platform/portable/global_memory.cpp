@@ -55,6 +55,8 @@ bool IsMoveable(const Block& block) noexcept {
 }  // namespace
 
 HGLOBAL TQ_CALL GlobalAlloc(UINT uFlags, SIZE_T dwBytes) {
+    // No object is larger; hosts that compute a size wrong end up here.
+    if (dwBytes > static_cast<SIZE_T>(PTRDIFF_MAX)) return nullptr;
     // One byte at least, so that every handle is an address of its own.
     void* const memory = std::calloc(dwBytes == 0 ? 1 : dwBytes, 1);
     if (memory == nullptr) return nullptr;

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <benchmark/benchmark.h>
+
+#include <opencv2/core.hpp>
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+#include "tqimage/image.h"
+
+/// Benchmarks that time the library and a peer turn by turn in the same run: the milliseconds are one
+/// machine's and one moment's, their ratio is not.
+namespace tqbench {
+
+/// An image of noise, made once for each size, and the same pels as the peer sees them.
+class NoiseImage {
+  public:
+    NoiseImage(std::int32_t cols, std::int32_t rows);
+    NoiseImage(const NoiseImage&) = delete;
+    NoiseImage& operator=(const NoiseImage&) = delete;
+    ~NoiseImage() { tqImageFree(&block_); }
+
+    const TqImage* Get() const { return block_; }
+    const cv::Mat& Mat() const { return mat_; }
+    std::int32_t Cols() const { return mat_.cols; }
+    std::int32_t Rows() const { return mat_.rows; }
+
+  private:
+    TqImage* block_ = nullptr;
+    cv::Mat mat_;
+};
+
+/// What a plain loop that reads every pel and adds it up needs: the yardstick of bandwidth.
+std::uint64_t ReadEveryPel(const NoiseImage& image);
+
+struct Contest {
+    std::string name;
+    std::function<void(const NoiseImage&)> ours;
+    std::function<void(const NoiseImage&)> peer;  ///< may be empty
+    bool streams = false;                         ///< compare with ReadEveryPel as well
+};
+
+/// Registers the contest for 1000 x 750, 4000 x 3000 and 8000 x 8000 pels. Counters: ours_ms, peer_ms,
+/// read_ms (shortest of all turns), ratio = peer / ours, bandwidth = read / ours.
+void Register(const Contest& contest);
+
+}  // namespace tqbench
