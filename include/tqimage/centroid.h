@@ -42,8 +42,8 @@ TQ_API int32_t TQ_CALL tqFindCentroid(const TqImage* image, double* column, doub
  *  @note An average equal to the threshold does not count here, but does in tqFindCentroid. When no position
  *        counts both outputs are not-a-number.
  */
-TQ_API int32_t TQ_CALL tqFindGeometricCenter(const TqImage* image, double* column, double* row, double threshold,
-                                             int32_t blockWidth, int32_t blockHeight);
+TQ_API int32_t TQ_CALL tqFindGeometricCenter(const TqImage* image, double* column, double* row,
+                                             double threshold, int32_t blockWidth, int32_t blockHeight);
 
 /** @brief Centroid of the pels of a rectangle above a threshold.
  *  @param[in] image image to measure
@@ -74,8 +74,8 @@ TQ_API int32_t TQ_CALL tqFindCentroidInRegion(const TqImage* image, double* colu
  *          written when the result is 0.
  */
 TQ_API int32_t TQ_CALL tqFindGeometricCenterInRegion(const TqImage* image, double* column, double* row,
-                                                     int32_t threshold, int32_t left, int32_t top, int32_t right,
-                                                     int32_t bottom);
+                                                     int32_t threshold, int32_t left, int32_t top,
+                                                     int32_t right, int32_t bottom);
 
 /** @brief Centroid of the pels of an ellipse above a threshold.
  *  @param[in] image image to measure

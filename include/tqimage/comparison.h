@@ -13,12 +13,12 @@ extern "C" {
 /** @brief Image of the relative differences of two images, pel by pel in lux.
  *
  *  With r and t the reference and test pel, each times its image's LuxPerGrey, the difference is |t - r| / r.
- *  The largest one becomes grey level 64000, and LuxPerGrey of the result converts grey levels back to relative
- *  differences.
+ *  The largest one becomes grey level 64000, and LuxPerGrey of the result converts grey levels back to
+ * relative differences.
  *
  *  @param[out] result address of the pointer that receives the result, with the header of the reference but for
- *              MaxPelValue (64000) and LuxPerGrey (largest difference / 64000, 1 when all are 0). May hold one
- *              of the inputs. Untouched when the function fails.
+ *              MaxPelValue (64000) and LuxPerGrey (largest difference / 64000, 1 when all are 0). May hold
+ * one of the inputs. Untouched when the function fails.
  *  @param[in] reference image to compare with
  *  @param[in] test image to compare, of the same size
  *  @return 0; -2 result null, reference null or invalid; -3 test null or invalid; -4 sizes differ; -5 no memory

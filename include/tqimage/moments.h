@@ -13,12 +13,12 @@ extern "C" {
 /** @brief Image of the central moments of the window around each pel.
  *
  *  Over the pels v of the window that are not 0, which means no data, with their mean m: the mean of
- *  |v - m|^order. The largest moment becomes grey level 65000, and LuxPerGrey of the result converts grey levels
- *  back to moments.
+ *  |v - m|^order. The largest moment becomes grey level 65000, and LuxPerGrey of the result converts grey
+ * levels back to moments.
  *
  *  @param[out] result address of the pointer that receives the result, with the header of the image but for
- *              MaxPelValue (65000) and LuxPerGrey (largest moment / 65000). May hold the image. Untouched when
- *              the function fails and for a window of one pel.
+ *              MaxPelValue (65000) and LuxPerGrey (largest moment / 65000). May hold the image. Untouched
+ * when the function fails and for a window of one pel.
  *  @param[in] image image to measure
  *  @param[in] order power of the deviations, any value; a negative one takes the reciprocal of each power
  *  @param[in] windowCols width of the window, pels, any value (below 2: 1; limited to the image; an even width

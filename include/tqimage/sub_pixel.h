@@ -13,8 +13,8 @@ extern "C" {
 /** @brief Position of the brightest spot of a rectangle to a fraction of a pel.
  *
  *  Starts from the brightest pel above the threshold, of equal ones the first in row order. Mode 0 fits a
- *  paraboloid by least squares to the logarithm of its 3 x 3 neighbourhood above the background, which is exact
- *  for a Gaussian spot; the background is the smallest pel of the rectangle. Mode 1 fits the grey levels
+ *  paraboloid by least squares to the logarithm of its 3 x 3 neighbourhood above the background, which is
+ * exact for a Gaussian spot; the background is the smallest pel of the rectangle. Mode 1 fits the grey levels
  *  themselves. Mode 2 is the centroid of what the pels of the rectangle stand above the threshold.
  *
  *  @param[in] image image to search
@@ -29,8 +29,8 @@ extern "C" {
  *  @param[in] mode 0, 1 or 2
  *  @return 0; 1 the brightest pel's own position and level were returned (modes 0 and 1), because it lies at the
  *          edge of the image, or its neighbourhood has no summit within a pel; -2 image null or invalid,
- *          rectangle empty; -4 another mode; -99 no pel above the threshold. The outputs are only written when
- *          the result is 0 or 1.
+ *          rectangle empty; -4 another mode; -99 no pel above the threshold. The outputs are only written
+ * when the result is 0 or 1.
  *  @note In mode 0 a pel that does not stand above the background counts as half a grey level above it.
  */
 TQ_API int32_t TQ_CALL tqFindSubPixelInRegion(const TqImage* image, double* column, double* row, double* peak,

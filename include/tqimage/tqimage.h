@@ -13,12 +13,9 @@
 #include "tqimage/deviation.h"
 #include "tqimage/distortion.h"
 #include "tqimage/exchange.h"
-<<<<<<< HEAD
 #include "tqimage/focus.h"
-=======
 #include "tqimage/gray_search.h"
 #include "tqimage/histogram.h"
->>>>>>> main
 #include "tqimage/image.h"
 #include "tqimage/line_detection.h"
 #include "tqimage/moments.h"
@@ -30,10 +27,7 @@
 #include "tqimage/region_ellipse.h"
 #include "tqimage/region_polygon.h"
 #include "tqimage/region_rectangle.h"
-<<<<<<< HEAD
 #include "tqimage/sub_pixel.h"
-=======
 #include "tqimage/whole_image.h"
->>>>>>> main
 
 #endif

@@ -21,10 +21,10 @@ TEST(FirstMoments, EveryTargetLengthAndThresholdIsExact) {
         for (const std::size_t count : {0, 1, 7, 31, 32, 33, 64, 100, 129, 4000, 8000}) {
             for (const int atLeast : {0, 1, 32768, 65535}) {
                 std::uint64_t weight = 0, moment = 0, ones = 0, positions = 0;
-                for (std::uint64_t i = 0; i < count; ++i) {
+                for (std::size_t i = 0; i < count; ++i) {
                     if (pels[i] < atLeast) continue;
                     weight += pels[i];
-                    moment += i * pels[i];
+                    moment += std::uint64_t{pels[i]} * i;
                     ++ones;
                     positions += i;
                 }
