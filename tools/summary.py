@@ -15,9 +15,12 @@ def program_counts(results, entry):
     cases = results / f"{entry.get('name')}.xml"
     if not cases.exists():
         return (0, 1, 0) if crashed else (1, 0, 0)
-    suites = ElementTree.parse(cases).getroot().findall("testsuite")
-    tests, failed, skipped = (sum(int(suite.get(attribute, 0)) for suite in suites for attribute in attributes)
-                              for attributes in (("tests",), ("failures", "errors"), ("disabled", "skipped")))
+    totals = ElementTree.parse(cases).getroot()
+    tests, failures, errors = (int(totals.get(name, 0)) for name in ("tests", "failures", "errors"))
+    failed = failures + errors
+    # GoogleTest sums the skipped ones up for each suite only.
+    skipped = sum(int(suite.get(name, 0)) for suite in totals.findall("testsuite")
+                  for name in ("disabled", "skipped"))
     # Every case passed and the program failed all the same: a leak found at its end, for instance.
     return tests - failed - skipped, max(failed, int(crashed)), skipped
 

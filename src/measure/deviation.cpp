@@ -25,31 +25,29 @@ constexpr std::int32_t kInvalidImage = -2;
 constexpr std::int32_t kNotCreated = -3;
 constexpr std::int32_t kNothingLit = -99;
 
-/// The grey level of a mura image that means "as bright as the mean", and with it the scale of its
-/// deviations.
-constexpr double kMuraZero = 32000.0;
-
 /// From this pel on the square does not fit into a signed 32-bit integer.
 constexpr Pel kFirstWrappingPel = 46341;
 
-/// Count, sum and squares of the pels that are not 0. Pels come in runs of a row, so that the passes after
-/// the first find them in the first-level cache.
+/// Count, sum and squares of the pels that are not 0.
 struct LitMoments {
-    TotalAtLeast lit{1};
+    std::int64_t count = 0;
+    std::int64_t sum = 0;
     std::int64_t squares = 0;
 
-    void operator()(const Pel* pels, std::size_t count) {
-        lit(pels, count);
-        squares += static_cast<std::int64_t>(kernels::SumSquares(pels, count));
+    void operator()(const Pel* pels, std::size_t run) {
+        const kernels::Totals totals = kernels::FindTotals(pels, run);
+        count += static_cast<std::int64_t>(totals.nonZero);
+        sum += static_cast<std::int64_t>(totals.sum);
+        squares += static_cast<std::int64_t>(totals.squares);
     }
 };
 
 /// The same with each square read as a signed 32-bit integer: those that do not fit have lost 2^32.
 struct WrappedLitMoments : LitMoments {
-    void operator()(const Pel* pels, std::size_t count) {
-        LitMoments::operator()(pels, count);
+    void operator()(const Pel* pels, std::size_t run) {
+        LitMoments::operator()(pels, run);
         constexpr std::int64_t kWrap = std::int64_t{1} << 32;
-        squares -= kWrap * static_cast<std::int64_t>(kernels::CountAtLeast(pels, count, kFirstWrappingPel));
+        squares -= kWrap * static_cast<std::int64_t>(kernels::CountAtLeast(pels, run, kFirstWrappingPel));
     }
 };
 
@@ -57,8 +55,8 @@ struct WrappedLitMoments : LitMoments {
 /// mean, which leaves the numerator as it is and its terms small: nothing cancels, and no rounding can make a
 /// variance negative. All integers stay below 2^62.
 double PopulationDeviation(const LitMoments& moments) {
-    const auto n = static_cast<std::int64_t>(moments.lit.Count());
-    const auto sum = static_cast<std::int64_t>(moments.lit.Sum());
+    const std::int64_t n = moments.count;
+    const std::int64_t sum = moments.sum;
     const std::int64_t pivot = n > 0 ? (sum + n / 2) / n : 0;
     const std::int64_t shiftedSum = sum - n * pivot;
     const std::int64_t shiftedSquares = moments.squares - 2 * pivot * sum + n * pivot * pivot;
@@ -68,7 +66,7 @@ double PopulationDeviation(const LitMoments& moments) {
 }
 
 double MeanOf(const LitMoments& moments) {
-    return moments.lit.Sum() / static_cast<double>(moments.lit.Count());
+    return static_cast<double>(moments.sum) / static_cast<double>(moments.count);
 }
 
 /// Mean and extremes of the pels that are not 0; `min` is 0 when there are none.
