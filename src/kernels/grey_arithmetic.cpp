@@ -132,11 +132,11 @@ void WriteLuminances(const Channels& channels, const LuminanceScale& scale, Pel*
 
 void SubtractLuminances(const Pel* a, const Pel* b, double scaleA, double scaleB, Pel* out,
                         std::size_t count) {
-    const double scale = scaleB / scaleA;
+    const auto difference = [=](auto k, auto pa, auto pb) { return pa * k(scaleA) - pb * k(scaleB); };
+    const double reciprocal = 1.0 / scaleA;
     ComputeEstimated<Excess::kClamp, double>(
-        out, count,
-        [=](auto k, auto pa, auto pb) { return (pa * k(scaleA) - pb * k(scaleB)) / k(scaleA) + k(0.5); },
-        [=](auto k, auto pa, auto pb) { return pa - pb * k(scale) + k(0.5); }, a, b);
+        out, count, [=](auto k, auto pa, auto pb) { return difference(k, pa, pb) / k(scaleA) + k(0.5); },
+        [=](auto k, auto pa, auto pb) { return difference(k, pa, pb) * k(reciprocal) + k(0.5); }, a, b);
 }
 
 }  // namespace tq::kernels::HWY_NAMESPACE
