@@ -16,6 +16,34 @@ void ScaleGreys(const Pel* pels, double factor, Pel* out, std::size_t count) {
     ComputePels<Excess::kCap, double>(out, count, formula, pels);
 }
 
+/// ScaleGreys in fixed point. The factor is exact there and so is the sum in a double; what is cut off behind
+/// 16 bits of fraction cannot change the whole.
+void ScaleInFixedPoint(const Pel* pels, double factor, Pel* out, std::size_t count) {
+    const std::int32_t whole = TruncToInt32(factor);
+    const auto fraction = static_cast<std::uint32_t>((factor - whole) * 4294967296.0);
+    MapPels(
+        out, count,
+        [=](auto d, auto v) {
+            const auto high = hn::Set(d, static_cast<Pel>(fraction >> 16));
+            const auto low = hn::Set(d, static_cast<Pel>(fraction & 0xFFFF));
+            const auto times = hn::Set(d, static_cast<Pel>(whole));
+            const auto one = hn::Set(d, 1);
+            const auto first = hn::Mul(v, high);
+            const auto second = hn::MulHigh(v, low);
+            const auto half = hn::Set(d, 0x8000);
+            // A sum modulo 65536 below the summand is one that carries into the whole.
+            const auto sum = hn::Add(first, second);
+            const auto rounded = hn::Add(sum, half);
+            auto result = hn::MulHigh(v, high);
+            result = hn::Add(result, hn::IfThenZeroElse(hn::Eq(hn::Max(sum, second), sum), one));
+            result = hn::Add(result, hn::IfThenZeroElse(hn::Eq(hn::Max(rounded, half), rounded), one));
+            const auto fits = hn::Eq(hn::MulHigh(v, times), hn::Zero(d));
+            const auto ceiling = hn::Set(d, Pel{kLargestPel});
+            return hn::IfThenElse(fits, hn::SaturatedAdd(result, hn::Mul(v, times)), ceiling);
+        },
+        [=](Pel pel) { return ToPel<Excess::kCap>(pel * factor + 0.5); }, pels);
+}
+
 void ScaleToMaximum(const Pel* pels, double newMaximum, double oldMaximum, Pel* out, std::size_t count) {
     const double factor = newMaximum / oldMaximum;
     ComputeEstimated<Excess::kCap, double>(
@@ -28,21 +56,60 @@ void StretchGreys(const Pel* pels, double pivot, double factor, Pel* out, std::s
     ComputePels<Excess::kWrap, double>(out, count, formula, pels);
 }
 
-void HalvedSum(const Pel* a, const Pel* b, Pel* out, std::size_t count) {
-    MapPels(
-        out, count,
-        [](auto, auto va, auto vb) { return hn::Add(hn::And(va, vb), hn::ShiftRight<1>(hn::Xor(va, vb))); },
-        [](Pel pa, Pel pb) { return WrapToPel((pa + pb) / 2); }, a, b);
-}
+/// fresh * freshShare + average * averageShare + offset, in fixed point with 32 bits behind the point for the
+/// shares and 16 for the rest; never above the true value, which lies less than kUnsure / 65536 higher.
+struct FixedMean {
+    static constexpr Pel kUnsure = 5;  // a step each for both shares and both products, and one for `exact`
 
-/// floor((fresh + average * (n - 1)) / n) for n up to 4096. With a half added the quotient keeps 1 / 2n from
-/// every integer, far more than the reciprocal's error.
-void WeightedMean(const Pel* fresh, const Pel* average, double n, Pel* out, std::size_t count) {
-    const double reciprocal = 1.0 / n;
-    const auto formula = [=](auto k, auto f, auto a) {
-        return (f + a * k(n - 1.0) + k(0.5)) * k(reciprocal);
+    std::uint32_t freshShare;
+    std::uint32_t averageShare;
+    Pel offset;
+    bool sure;  ///< no result comes within kUnsure below an integer
+};
+
+/// Truncated means from the estimate in fixed point; exact(first, count) redoes those that may be one short.
+template <class Exact>
+HWY_INLINE void MeanInFixedPoint([[maybe_unused]] const FixedMean& mean, [[maybe_unused]] const Pel* fresh,
+                                 [[maybe_unused]] const Pel* average, [[maybe_unused]] Pel* out,
+                                 std::size_t count, Exact exact) {
+    std::size_t i = 0;
+#if HWY_TARGET != HWY_SCALAR
+    const hn::ScalableTag<Pel> d;
+    const std::size_t lanes = hn::Lanes(d);
+    const auto one = hn::Set(d, 1);
+    const auto share = [&](std::uint32_t fixed, int shift) {
+        return hn::Set(d, static_cast<Pel>(fixed >> shift & 0xFFFF));
     };
-    ComputePels<Excess::kWrap, double>(out, count, formula, fresh, average);
+    const auto freshHigh = share(mean.freshShare, 16);
+    const auto freshLow = share(mean.freshShare, 0);
+    const auto averageHigh = share(mean.averageShare, 16);
+    const auto averageLow = share(mean.averageShare, 0);
+    const auto offset = hn::Set(d, mean.offset);
+    const auto unsure = hn::Set(d, static_cast<Pel>(65536 - FixedMean::kUnsure));
+    for (; i + lanes <= count; i += lanes) {
+        const auto f = hn::LoadU(d, fresh + i);
+        const auto a = hn::LoadU(d, average + i);
+        auto whole = hn::Add(hn::MulHigh(f, freshHigh), hn::MulHigh(a, averageHigh));
+        auto fraction = offset;
+        // A sum modulo 65536 below the summand is one that carries into the whole.
+        const auto add = [&](auto part) {
+            fraction = hn::Add(fraction, part);
+            const auto reaches = hn::Eq(hn::Max(fraction, part), fraction);
+            whole = hn::Add(whole, hn::IfThenZeroElse(reaches, one));
+        };
+        add(hn::Mul(f, freshHigh));
+        add(hn::Mul(a, averageHigh));
+        add(hn::MulHigh(f, freshLow));
+        add(hn::MulHigh(a, averageLow));
+        const bool sure = mean.sure || hn::AllFalse(d, hn::Eq(hn::Max(fraction, unsure), fraction));
+        if (sure) {
+            hn::StoreU(whole, d, out + i);
+        } else {
+            exact(i, lanes);
+        }
+    }
+#endif
+    exact(i, count - i);
 }
 
 void ScaledMean(const RunningMean& mean, const Pel* fresh, const Pel* average, Pel* out, std::size_t count) {
@@ -55,6 +122,25 @@ void ScaledMean(const RunningMean& mean, const Pel* fresh, const Pel* average, P
         out, count,
         [=](auto k, auto f, auto a) { return total(k, f, a) / k(m.count) / k(double{m.outScale}); },
         [=](auto k, auto f, auto a) { return total(k, f, a) * k(reciprocal); }, fresh, average);
+}
+
+/// For scales of which none exceeds the result's, and counts up to 4096. With 16 bits for a pel, 24 for a
+/// scale and 12 for the count, whatever makes an integer mean has an exact double at every step, so that a
+/// mean that is not below an integer is not rounded below it either.
+void MeanOfGreys(const RunningMean& mean, const Pel* fresh, const Pel* average, Pel* out, std::size_t count) {
+    const double unit =
+        4294967296.0 * (1.0 - 0x1p-48) / mean.count;  // lowered by more than the quotients' roundings
+    const double outScale = mean.outScale;
+    const auto share = [&](double part) { return static_cast<std::uint32_t>(unit * part); };
+    const bool oneScale = mean.freshScale == mean.averageScale;
+    // With one scale the fractions are multiples of 1 / count, and half of that keeps all of them away from
+    // the integers: by 8 / 65536 and more.
+    const FixedMean fixed{share(mean.freshScale / outScale),
+                          share(mean.averageScale / outScale * (mean.count - 1.0)),
+                          static_cast<Pel>(oneScale ? TruncToInt32(32768.0 / mean.count) : 0), oneScale};
+    MeanInFixedPoint(fixed, fresh, average, out, count, [&](std::size_t first, std::size_t run) {
+        ScaledMean(mean, fresh + first, average + first, out + first, run);
+    });
 }
 
 void MultiplyGreys(const Pel* a, const Pel* b, float divisor, Pel* out, std::size_t count) {
@@ -148,11 +234,11 @@ HWY_AFTER_NAMESPACE();
 namespace tq::kernels {
 
 HWY_EXPORT(ScaleGreys);
+HWY_EXPORT(ScaleInFixedPoint);
 HWY_EXPORT(ScaleToMaximum);
 HWY_EXPORT(StretchGreys);
-HWY_EXPORT(HalvedSum);
-HWY_EXPORT(WeightedMean);
 HWY_EXPORT(ScaledMean);
+HWY_EXPORT(MeanOfGreys);
 HWY_EXPORT(MultiplyGreys);
 HWY_EXPORT(RootSumSquare);
 HWY_EXPORT(DivideByFlatField);
@@ -164,17 +250,21 @@ HWY_EXPORT(SubtractLuminances);
 
 namespace {
 
-/// One float32 scale throughout cancels: with 16 bits for a pel, 24 for the scale and 12 for the count every
-/// product and sum fits into the 53 of a double, an integer mean comes out of both divisions exact, and any
-/// other keeps 1 / 4096 from the next integer, far more than their roundings. What remains is integers.
-bool ScaleCancels(const RunningMean& mean) noexcept {
-    return mean.freshScale == mean.averageScale && mean.freshScale == mean.outScale &&
-           std::isfinite(mean.outScale) && mean.outScale != 0.0f && mean.count <= 4096.0;
+/// Factors whose 24 bits lie within 16 before and 32 behind the point, and whose results within 31 bits.
+constexpr double kLowestFixedFactor = 0x1p-8;
+constexpr double kHighestFixedFactor = 32767.0;
+
+bool FitsFixedPoint(const RunningMean& mean) noexcept {
+    const auto fits = [&](float scale) { return scale > 0.0f && scale <= mean.outScale; };
+    return fits(mean.freshScale) && fits(mean.averageScale) && std::isfinite(mean.outScale) &&
+           mean.count >= 2.0 && mean.count <= 4096.0;
 }
 
 }  // namespace
 
-void ScaleGreys(const Pel* pels, double factor, Pel* out, std::size_t count) {
+void ScaleGreys(const Pel* pels, float factor, Pel* out, std::size_t count) {
+    if (factor >= kLowestFixedFactor && factor <= kHighestFixedFactor)
+        return HWY_DYNAMIC_DISPATCH(ScaleInFixedPoint)(pels, factor, out, count);
     HWY_DYNAMIC_DISPATCH(ScaleGreys)(pels, factor, out, count);
 }
 
@@ -188,9 +278,8 @@ void StretchGreys(const Pel* pels, double pivot, double factor, Pel* out, std::s
 
 void FoldIntoMean(const RunningMean& mean, const Pel* fresh, const Pel* average, Pel* out,
                   std::size_t count) {
-    if (!ScaleCancels(mean)) return HWY_DYNAMIC_DISPATCH(ScaledMean)(mean, fresh, average, out, count);
-    if (mean.count == 2.0) return HWY_DYNAMIC_DISPATCH(HalvedSum)(fresh, average, out, count);
-    HWY_DYNAMIC_DISPATCH(WeightedMean)(fresh, average, mean.count, out, count);
+    if (FitsFixedPoint(mean)) return HWY_DYNAMIC_DISPATCH(MeanOfGreys)(mean, fresh, average, out, count);
+    HWY_DYNAMIC_DISPATCH(ScaledMean)(mean, fresh, average, out, count);
 }
 
 void MultiplyGreys(const Pel* a, const Pel* b, float divisor, Pel* out, std::size_t count) {

@@ -9,7 +9,7 @@
 namespace tq::kernels {
 
 /// pel * factor + 0.5, truncated; 65535 above it, else the low 16 bits.
-void ScaleGreys(const Pel* pels, double factor, Pel* out, std::size_t count);
+void ScaleGreys(const Pel* pels, float factor, Pel* out, std::size_t count);
 
 /// pel * newMaximum / oldMaximum; 65535 above it, else the low 16 bits.
 void ScaleToMaximum(const Pel* pels, double newMaximum, double oldMaximum, Pel* out, std::size_t count);

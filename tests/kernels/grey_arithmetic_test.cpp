@@ -54,10 +54,17 @@ class GreyArithmetic : public testing::Test {
 };
 
 TEST_F(GreyArithmetic, OneImageTimesANumber) {
-    for (const double f : kScales) {
+    // The ends of the fixed-point range and what lies just outside, factors with all their bits.
+    for (const float f : {0x1p-8f, 0x1.fffffep-9f, 0x1.fffffep-1f, 1.3333334f, 17.770001f, 32767.0f, 32768.0f,
+                          65536.0f, 0.1f, 7e-5f, -2.0f, 0.0f, 1e30f}) {
         SCOPED_TRACE(f);
         Check([=](auto a, auto, auto out, auto n) { kernels::ScaleGreys(a, f, out, n); },
-              [=](double a, double) { return WrapToPel(std::min(TruncToInt32(a * f + 0.5), 65535)); });
+              [=](double a, double) {
+                  return WrapToPel(std::min(TruncToInt32(a * static_cast<double>(f) + 0.5), 65535));
+              });
+    }
+    for (const double f : kScales) {
+        SCOPED_TRACE(f);
         Check([=](auto a, auto, auto out, auto n) { kernels::StretchGreys(a, 1234.25, f, out, n); },
               [=](double a, double) { return WrapToPel(TruncToInt32((a - 1234.25) * f + 1234.25)); });
         for (const double w : {1.0, 255.0, 65535.0}) {
