@@ -10,17 +10,19 @@ import xml.etree.ElementTree as ElementTree
 
 
 def program_counts(results, entry):
-    """Passed and failed cases of one entry of the ctest report, whose cases GoogleTest may have listed."""
-    crashed = entry.get("status") not in ("run", "notrun", "disabled")
+    """Passed, failed and skipped cases of one entry of the ctest report; GoogleTest may have listed them."""
+    crashed = entry.get("status") != "run"
     cases = results / f"{entry.get('name')}.xml"
     if not cases.exists():
-        return (0, 1) if crashed or entry.get("status") == "notrun" else (1, 0)
-    suites = ElementTree.parse(cases).getroot()
-    failed = int(suites.get("failures", 0)) + int(suites.get("errors", 0))
-    skipped = int(suites.get("disabled", 0)) + int(suites.get("skipped", 0) or 0)
-    passed = int(suites.get("tests", 0)) - failed - skipped
+        return (0, 1, 0) if crashed else (1, 0, 0)
+    totals = ElementTree.parse(cases).getroot()
+    tests, failures, errors = (int(totals.get(name, 0)) for name in ("tests", "failures", "errors"))
+    failed = failures + errors
+    # GoogleTest sums the skipped ones up for each suite only.
+    skipped = sum(int(suite.get(name, 0)) for suite in totals.findall("testsuite")
+                  for name in ("disabled", "skipped"))
     # Every case passed and the program failed all the same: a leak found at its end, for instance.
-    return passed, max(failed, int(crashed))
+    return tests - failed - skipped, max(failed, int(crashed)), skipped
 
 
 def main():
@@ -33,11 +35,11 @@ def main():
             print(f"{preset:8} not tested")
             continue
         for entry in sorted(ElementTree.parse(report).iter("testcase"), key=lambda entry: entry.get("name")):
-            passed, failed = program_counts(results, entry)
+            passed, failed, skipped = program_counts(results, entry)
             if entry.get("name").startswith("wine_") and not failed:
                 continue
-            mark = "  <-- FAILED" if failed else ""
-            print(f"{preset:8} {entry.get('name'):24} {passed:6} passed {failed:4} failed{mark}")
+            print(f"{preset:8} {entry.get('name'):24} {passed:6} passed {failed:4} failed"
+                  f"{f' {skipped:4} skipped' if skipped else ''}{'  <-- FAILED' if failed else ''}")
             total_passed += passed
             total_failed += failed
     broken = logs / "failed"

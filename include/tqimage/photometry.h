@@ -87,9 +87,8 @@ TQ_API int32_t TQ_CALL tqCalcPolyCandela(const TqImage* image, SAFEARRAY** verti
  *  @param[in] height full height, pels, any value (0: the single pel at the centre)
  *  @param[in] angleMode co-ordinate system of the angles, 0..3
  *  @return 0; -1 image null or invalid; -2 PelsPerMeterX, PelsPerMeterY or SourceDistance not positive
- *  @note The ellipse of region_ellipse.h with one difference hosts rely on: the bounding box is formed around
- *        the centre as passed, so an ellipse far outside the image is empty. Empty or dark, the result is 0
- *        candela and status 0. Of equal intensities the first pel in row order is reported.
+ *  @note The pels are those of the rule in region_ellipse.h. With none inside, or all of them dark, the
+ *        result is 0 candela and status 0. Of equal intensities the first pel in row order is reported.
  */
 TQ_API int32_t TQ_CALL tqCalcMaxCandelaInEllipse(const TqImage* image, int32_t centerCol, int32_t centerRow,
                                                  double* candela, double* firstAngle, double* secondAngle,

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <cstddef>
 #include <cstdint>
 #include <utility>
 
@@ -15,21 +14,24 @@ constexpr std::int32_t kOk = 0;
 constexpr std::int32_t kInvalidImage = -1;
 constexpr std::int32_t kNotCreated = -2;
 
-/// Visits every pel with its number in the image, which is stored row after row, and in the host's plain
-/// array, column after column. Square tiles, because one of the two is always walked against its order: 32 x
-/// 32 values of 2 bytes are 32 cache lines of either side, which stay in the first-level cache.
-template <class Visit>
-void ForEachTransposed(std::int32_t cols, std::int32_t rows, Visit&& visit) {
+/// Writes the transpose of a matrix of `lines` lines with `length` values each. One side is always walked
+/// against its order, so square tiles are turned in a buffer that stays in the first-level cache, and both
+/// sides are met in whole cache lines: 32 values of 2 bytes.
+template <class From, class Convert>
+void Transpose(const From* from, std::int64_t lines, std::int64_t length, tq::Pel* to, Convert convert) {
     constexpr std::int64_t kTile = 32;
-    for (std::int64_t top = 0; top < rows; top += kTile) {
-        const std::int64_t bottom = std::min<std::int64_t>(top + kTile, rows);
-        for (std::int64_t left = 0; left < cols; left += kTile) {
-            const std::int64_t right = std::min<std::int64_t>(left + kTile, cols);
-            for (std::int64_t row = top; row < bottom; ++row) {
-                for (std::int64_t col = left; col < right; ++col) {
-                    visit(static_cast<std::ptrdiff_t>(row * cols + col),
-                          static_cast<std::ptrdiff_t>(rows * col + row));
-                }
+    tq::Pel turned[kTile][kTile];
+    for (std::int64_t top = 0; top < lines; top += kTile) {
+        const std::int64_t height = std::min(kTile, lines - top);
+        for (std::int64_t left = 0; left < length; left += kTile) {
+            const std::int64_t width = std::min(kTile, length - left);
+            for (std::int64_t y = 0; y < height; ++y) {
+                const From* const line = from + (top + y) * length + left;
+                for (std::int64_t x = 0; x < width; ++x)
+                    turned[x][y] = convert(line[x]);
+            }
+            for (std::int64_t x = 0; x < width; ++x) {
+                std::copy_n(turned[x], height, to + (left + x) * lines + top);
             }
         }
     }
@@ -51,9 +53,7 @@ std::int32_t CreateFromValues(TqImage** image, const TqImageHeader* info, const 
         tq::OwnedImage created(info->PelCols, info->PelRows, tq::NewPels::kUnwritten);
         created.Header() = *info;
         const tq::ImageView view = created.View();
-        ForEachTransposed(view.cols, view.rows, [&](std::ptrdiff_t pel, std::ptrdiff_t value) {
-            view.pels[pel] = ToPel(values[value]);
-        });
+        Transpose(values, view.cols, view.rows, view.pels, [](Value value) { return ToPel(value); });
         tq::CommitImage(image, std::move(created));
         return kOk;
     });
@@ -62,8 +62,7 @@ std::int32_t CreateFromValues(TqImage** image, const TqImageHeader* info, const 
 std::int32_t WriteValues(const TqImage* image, std::uint16_t* values) noexcept {
     const tq::ConstImageView view = tq::LocateImage(image);
     if (!view || values == nullptr) return kInvalidImage;
-    ForEachTransposed(view.cols, view.rows,
-                      [&](std::ptrdiff_t pel, std::ptrdiff_t value) { values[value] = view.pels[pel]; });
+    Transpose(view.pels, view.rows, view.cols, values, [](tq::Pel pel) { return pel; });
     return kOk;
 }
 

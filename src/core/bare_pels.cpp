@@ -2,6 +2,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "core/clamp_run.h"
 #include "core/guard.h"
 #include "core/image_block.h"
 #include "core/numerics.h"
@@ -31,20 +32,14 @@ std::size_t PelBytes(const SAFEARRAY& array) {
 }
 
 std::int32_t ReadPels(const tq::Int32Table& table, std::uint16_t* pels) noexcept {
-    std::int32_t value = 0;
     if (table.Dimensions() == 1) {
-        for (std::int64_t i = 0; i < table.RightCount(); ++i) {
-            if (!table.Read(i, &value)) return kElementOfOneDimension;
-            *pels++ = tq::ClampToPel(value);
-        }
-        return kOk;
+        return tq::ClampRun(table.FromZero(), table.RightCount(), pels) ? kOk : kElementOfOneDimension;
     }
     if (table.Dimensions() != 2) return kWrongDimensions;
-    for (std::int64_t outer = 0; outer < table.RightCount(); ++outer) {
-        for (std::int64_t inner = 0; inner < table.LeftCount(); ++inner) {
-            if (!table.Read(inner, outer, &value)) return kElementOfTwoDimensions;
-            *pels++ = tq::ClampToPel(value);
-        }
+    // Not one element: a descriptor may name 2^32 empty lines.
+    if (table.LeftCount() == 0) return kOk;
+    for (std::int64_t right = 0; right < table.RightCount(); ++right, pels += table.LeftCount()) {
+        if (!tq::ClampRun(table.FromZero(right), table.LeftCount(), pels)) return kElementOfTwoDimensions;
     }
     return kOk;
 }

@@ -5,10 +5,10 @@
 #include <new>
 #include <utility>
 
+#include "core/clamp_run.h"
 #include "core/guard.h"
 #include "core/image_block.h"
 #include "core/image_view.h"
-#include "core/numerics.h"
 #include "platform/automation.h"
 #include "platform/int32_table.h"
 #include "tqimage/exchange.h"
@@ -37,17 +37,13 @@ std::int32_t ReadClamped(SAFEARRAY& array, const tq::ImageView& view) noexcept {
     tq::SafeArrayLockGuard lock(&array);
     if (!lock.Locked()) return kNotLocked;
     const tq::Int32Table table(array);
-    for (std::int32_t row = 0; row < view.rows; ++row) {
-        tq::Pel* const pels = view.Row(row);
-        for (std::int32_t col = 0; col < view.cols; ++col) {
-            std::int32_t value = 0;
-            if (!table.Read(col, row, &value)) {
-                // Hosts that get this code take the lock back themselves.
-                lock.KeepLocked();
-                return kNotRead;
-            }
-            pels[col] = tq::ClampToPel(value);
-        }
+    // No columns, no elements, however many rows the descriptor names.
+    const std::int32_t rows = view.cols == 0 ? 0 : view.rows;
+    for (std::int32_t row = 0; row < rows; ++row) {
+        if (tq::ClampRun(table.FromZero(row), view.cols, view.Row(row))) continue;
+        // Hosts that get this code take the lock back themselves.
+        lock.KeepLocked();
+        return kNotRead;
     }
     return lock.Unlock() ? kOk : kNotUnlocked;
 }

@@ -1,13 +1,12 @@
 #include "interchange/bmp_file.h"
 
-#include <sys/stat.h>
-
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <memory>
 
+#include "core/output_file.h"
 #include "interchange/bitmap_object.h"
 #include "interchange/palette.h"
 
@@ -18,9 +17,6 @@ namespace {
 constexpr std::uint32_t kFileHeaderBytes = 14;
 constexpr std::uint32_t kInfoHeaderBytes = 40;
 constexpr std::uint32_t kPixelStart = kFileHeaderBytes + kInfoHeaderBytes + sizeof(Palette);
-
-/// The C libraries' own buffer holds hardly one row.
-constexpr std::size_t kFileBuffer = 1 << 18;
 
 using Headers = std::array<std::uint8_t, kFileHeaderBytes + kInfoHeaderBytes>;
 
@@ -66,23 +62,10 @@ bool WriteContent(std::FILE* file, const TqLeadBitmap& bitmap) noexcept {
     return true;
 }
 
-/// Only what writing has created: a device that took the first bytes stays where it is.
-void RemoveRegularFile(const char* fileName) noexcept {
-    struct stat info {};
-    if (::stat(fileName, &info) == 0 && (info.st_mode & S_IFMT) == S_IFREG) std::remove(fileName);
-}
-
 }  // namespace
 
 bool WriteBmpFile(const char* fileName, const TqLeadBitmap& bitmap) noexcept {
-    std::FILE* file = fileName == nullptr ? nullptr : std::fopen(fileName, "wb");
-    if (file == nullptr) return false;
-    std::setvbuf(file, nullptr, _IOFBF, kFileBuffer);
-    const bool written = WriteContent(file, bitmap);
-    // Closing writes what is still buffered and may fail as well.
-    const bool closed = std::fclose(file) == 0;
-    if (!written || !closed) RemoveRegularFile(fileName);
-    return written && closed;
+    return WriteFile(fileName, "wb", [&](std::FILE* file) { return WriteContent(file, bitmap); });
 }
 
 }  // namespace tq

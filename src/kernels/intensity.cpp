@@ -21,6 +21,7 @@ void AddBlockIntensities(const double* sums, std::size_t count, const SinglePrec
     const float y = (axis.centerRow - static_cast<float>(row)) / axis.pelsPerMeterY;
     const float squaredY = y * y;
     const double squaredDistance = axis.distance * axis.distance;
+    const double scale = luxPerGrey / (blockPels * axis.distance);
 
     std::size_t i = 0;
     for (; i + lanes <= count; i += lanes) {
@@ -29,10 +30,9 @@ void AddBlockIntensities(const double* sums, std::size_t count, const SinglePrec
                                hn::Set(f, axis.pelsPerMeterX));
         const auto squaredRho = hn::Add(hn::Mul(x, x), hn::Set(f, squaredY));
         const auto squaredRange = hn::Add(hn::Set(d, squaredDistance), hn::PromoteTo(d, squaredRho));
-        const auto mean = hn::Div(hn::LoadU(d, sums + i), hn::Set(d, blockPels));
-        const auto cosine = hn::Div(hn::Set(d, axis.distance), hn::Sqrt(squaredRange));
-        const auto lux = hn::Mul(hn::Mul(squaredRange, mean), hn::Set(d, luxPerGrey));
-        const auto intensity = hn::PromoteTo(d, hn::DemoteTo(f, hn::Div(lux, cosine)));
+        const auto cubedRange = hn::Mul(squaredRange, hn::Sqrt(squaredRange));
+        const auto grey = hn::Mul(hn::LoadU(d, sums + i), hn::Set(d, scale));
+        const auto intensity = hn::PromoteTo(d, hn::DemoteTo(f, hn::Mul(cubedRange, grey)));
         double* const running = total.lanes + i % IntensitySums::kLanes;
         hn::StoreU(hn::Add(hn::LoadU(d, running), intensity), d, running);
     }
@@ -41,9 +41,9 @@ void AddBlockIntensities(const double* sums, std::size_t count, const SinglePrec
         const float x = (col - axis.centerCol) / axis.pelsPerMeterX;
         const float squaredRho = x * x + squaredY;
         const double squaredRange = squaredDistance + static_cast<double>(squaredRho);
-        const double cosine = axis.distance / std::sqrt(squaredRange);
-        const double lux = squaredRange * (sums[i] / blockPels) * luxPerGrey;
-        total.lanes[i % IntensitySums::kLanes] += static_cast<double>(static_cast<float>(lux / cosine));
+        const double cubedRange = squaredRange * std::sqrt(squaredRange);
+        const auto intensity = static_cast<float>(cubedRange * (sums[i] * scale));
+        total.lanes[i % IntensitySums::kLanes] += static_cast<double>(intensity);
     }
 }
 

@@ -21,9 +21,10 @@ struct IntensitySums {
     double lanes[kLanes] = {};
 };
 
-/// Adds the intensity R^2 * (sums[i] / blockPels) * luxPerGrey / cos(theta) of each block; its reference pel
-/// is (firstCol + i, row). Distances from the axis and intensities are single precision, the steps between
-/// double.
+/// Adds the intensity R^2 / cos(theta) * luxPerGrey * sums[i] / blockPels of each block; its reference pel is
+/// (firstCol + i, row). Distances from the axis and intensities are single precision. Between them the steps
+/// are double, with R^2 / cos(theta) taken as R^3 / D: what the order of the steps changes is lost 29 bits
+/// below the last one of the result, and the divisions are one a call.
 void AddBlockIntensities(const double* sums, std::size_t count, const SinglePrecisionAxis& axis,
                          std::int32_t row, std::int32_t firstCol, double blockPels, double luxPerGrey,
                          IntensitySums& total);

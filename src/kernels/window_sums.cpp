@@ -53,6 +53,16 @@ void ReplaceRow(std::uint32_t* columns, const std::uint16_t* entering, const std
         columns[i] += std::uint32_t{entering[i]} - leaving[i];
 }
 
+void MarkNonZero(const std::uint16_t* pels, std::size_t count, std::uint16_t* out) {
+    const hn::ScalableTag<std::uint16_t> d;
+    const std::size_t lanes = hn::Lanes(d);
+    std::size_t i = 0;
+    for (; i + lanes <= count; i += lanes)
+        hn::StoreU(hn::Min(hn::LoadU(d, pels + i), hn::Set(d, 1)), d, out + i);
+    for (; i < count; ++i)
+        out[i] = pels[i] != 0 ? 1 : 0;
+}
+
 #if HWY_TARGET != HWY_SCALAR
 /// Lane i of the result is the sum of lanes 0..i of one 128-bit vector or less.
 template <class D, class V>
@@ -164,6 +174,23 @@ std::size_t CountAtLeast(const double* values, const double* bounds, std::size_t
     return hits;
 }
 
+bool AnyOutside(const double* values, const double* scales, std::size_t count, double low, double high) {
+    const F64 d;
+    const std::size_t lanes = hn::Lanes(d);
+    std::size_t i = 0;
+    auto outside = hn::MaskFromVec(hn::Zero(d));
+    for (; i + lanes <= count; i += lanes) {
+        const auto v = hn::LoadU(d, values + i);
+        const auto scale = hn::LoadU(d, scales + i);
+        outside = hn::Or(outside, hn::Or(hn::Lt(v, hn::Mul(hn::Set(d, low), scale)),
+                                         hn::Gt(v, hn::Mul(hn::Set(d, high), scale))));
+    }
+    bool any = !hn::AllFalse(d, outside);
+    for (; i < count; ++i)
+        any = any || values[i] < low * scales[i] || values[i] > high * scales[i];
+    return any;
+}
+
 void Quotients(const double* values, const double* divisors, std::size_t count, double* out) {
     const F64 d;
     const std::size_t lanes = hn::Lanes(d);
@@ -204,11 +231,13 @@ namespace tq::kernels {
 HWY_EXPORT(AddRow);
 HWY_EXPORT(SubtractRow);
 HWY_EXPORT(ReplaceRow);
+HWY_EXPORT(MarkNonZero);
 HWY_EXPORT(PrefixSumsOfColumns);
 HWY_EXPORT(PrefixSumsOfPels);
 HWY_EXPORT(Differences);
 HWY_EXPORT(AddBlockRows);
 HWY_EXPORT(CountAtLeast);
+HWY_EXPORT(AnyOutside);
 HWY_EXPORT(Quotients);
 HWY_EXPORT(FindRange);
 
@@ -223,6 +252,10 @@ void SubtractRow(std::uint32_t* columns, const std::uint16_t* row, std::size_t c
 void ReplaceRow(std::uint32_t* columns, const std::uint16_t* entering, const std::uint16_t* leaving,
                 std::size_t count) {
     HWY_DYNAMIC_DISPATCH(ReplaceRow)(columns, entering, leaving, count);
+}
+
+void MarkNonZero(const std::uint16_t* pels, std::size_t count, std::uint16_t* out) {
+    HWY_DYNAMIC_DISPATCH(MarkNonZero)(pels, count, out);
 }
 
 void PrefixSums(const std::uint32_t* values, std::size_t count, double* prefix) {
@@ -244,6 +277,10 @@ void AddBlockRows(const BlockRow* rows, std::size_t rowCount, std::size_t rowsPe
 
 std::size_t CountAtLeast(const double* values, const double* bounds, std::size_t count) {
     return HWY_DYNAMIC_DISPATCH(CountAtLeast)(values, bounds, count);
+}
+
+bool AnyOutside(const double* values, const double* scales, std::size_t count, double low, double high) {
+    return HWY_DYNAMIC_DISPATCH(AnyOutside)(values, scales, count, low, high);
 }
 
 void Quotients(const double* values, const double* divisors, std::size_t count, double* out) {

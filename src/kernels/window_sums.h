@@ -15,6 +15,9 @@ void SubtractRow(std::uint32_t* columns, const std::uint16_t* row, std::size_t c
 void ReplaceRow(std::uint32_t* columns, const std::uint16_t* entering, const std::uint16_t* leaving,
                 std::size_t count);
 
+/// out[i] = 1 where the pel is not 0, else 0
+void MarkNonZero(const std::uint16_t* pels, std::size_t count, std::uint16_t* out);
+
 /// prefix[0] = 0, prefix[i + 1] = prefix[i] + values[i]; each value at most 8000 * 65535.
 void PrefixSums(const std::uint32_t* values, std::size_t count, double* prefix);
 void PrefixSums(const std::uint16_t* pels, std::size_t count, std::uint32_t* prefix);
@@ -34,6 +37,10 @@ void AddBlockRows(const BlockRow* rows, std::size_t rowCount, std::size_t rowsPe
 
 /// Number of i with values[i] >= bounds[i].
 std::size_t CountAtLeast(const double* values, const double* bounds, std::size_t count);
+
+/// True when values[i] < low * scales[i] or values[i] > high * scales[i] for any i; never for a product that
+/// is not a number.
+bool AnyOutside(const double* values, const double* scales, std::size_t count, double low, double high);
 
 /// out[i] = values[i] / divisors[i]
 void Quotients(const double* values, const double* divisors, std::size_t count, double* out);

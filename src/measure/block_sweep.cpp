@@ -20,14 +20,47 @@ std::size_t Size(std::int32_t count) {
     return static_cast<std::size_t>(count);
 }
 
+/// What a sweep adds up: the pels as they are …
+class PelRows {
+  public:
+    explicit PelRows(const ConstImageView& view) : view_(view) {}
+    const Pel* Entering(std::int32_t row) noexcept { return view_.Row(row); }
+    const Pel* Leaving(std::int32_t row) noexcept { return view_.Row(row); }
+
+  private:
+    ConstImageView view_;
+};
+
+/// … or a 1 for each pel that is not 0. Two rows at most are needed at a time, one that enters and one that
+/// leaves.
+class LitRows {
+  public:
+    explicit LitRows(const ConstImageView& view)
+        : view_(view), entering_(Size(view.cols)), leaving_(Size(view.cols)) {}
+    const Pel* Entering(std::int32_t row) { return Mark(row, entering_); }
+    const Pel* Leaving(std::int32_t row) { return Mark(row, leaving_); }
+
+  private:
+    const Pel* Mark(std::int32_t row, std::vector<Pel>& marks) {
+        kernels::MarkNonZero(view_.Row(row), marks.size(), marks.data());
+        return marks.data();
+    }
+
+    ConstImageView view_;
+    std::vector<Pel> entering_;
+    std::vector<Pel> leaving_;
+};
+
 /// Sums the columns of the band of rows that the blocks cover, then sums along the row: a block is then one
 /// difference.
+template <class Rows>
 class RectangleSweep final : public BlockSweep {
   public:
     RectangleSweep(const ConstImageView& view, std::int32_t width, std::int32_t height,
                    std::int32_t firstCenter, std::int32_t lastCenter)
         : BlockSweep(Size(lastCenter - firstCenter + 1)),
           view_(view),
+          source_(view),
           width_(width),
           height_(height),
           firstCenter_(firstCenter),
@@ -63,7 +96,8 @@ class RectangleSweep final : public BlockSweep {
         return prefix_[Size(reach.last + 1 - firstCol_)] - prefix_[Size(reach.first - firstCol_)];
     }
 
-    const Pel* RowStart(std::int32_t row) const noexcept { return view_.Row(row) + firstCol_; }
+    const Pel* Entering(std::int32_t row) { return source_.Entering(row) + firstCol_; }
+    const Pel* Leaving(std::int32_t row) { return source_.Leaving(row) + firstCol_; }
 
     void SlideBand(BlockReach band) {
         if (band.first > last_ || band.last < first_) {  // nothing shared, as at the start
@@ -72,16 +106,16 @@ class RectangleSweep final : public BlockSweep {
             last_ = band.first - 1;
         }
         while (last_ < band.last && first_ < band.first) {
-            kernels::ReplaceRow(columns_.data(), RowStart(++last_), RowStart(first_++), columns_.size());
+            kernels::ReplaceRow(columns_.data(), Entering(++last_), Leaving(first_++), columns_.size());
         }
         while (last_ < band.last)
-            kernels::AddRow(columns_.data(), RowStart(++last_), columns_.size());
+            kernels::AddRow(columns_.data(), Entering(++last_), columns_.size());
         while (first_ > band.first)
-            kernels::AddRow(columns_.data(), RowStart(--first_), columns_.size());
+            kernels::AddRow(columns_.data(), Entering(--first_), columns_.size());
         while (first_ < band.first)
-            kernels::SubtractRow(columns_.data(), RowStart(first_++), columns_.size());
+            kernels::SubtractRow(columns_.data(), Leaving(first_++), columns_.size());
         while (last_ > band.last)
-            kernels::SubtractRow(columns_.data(), RowStart(last_--), columns_.size());
+            kernels::SubtractRow(columns_.data(), Leaving(last_--), columns_.size());
         if (last_ - first_ + 1 != countedRows_) CountPels();
     }
 
@@ -96,6 +130,7 @@ class RectangleSweep final : public BlockSweep {
     }
 
     ConstImageView view_;
+    Rows source_;
     std::int32_t width_;
     std::int32_t height_;
     std::int32_t firstCenter_;
@@ -110,11 +145,15 @@ class RectangleSweep final : public BlockSweep {
 
 /// Holds the prefix sums of the rows that the ellipse covers; each of its rows is then one difference. Rows
 /// are padded on both sides with what an image continued by zeros would give, so that no position is special.
+template <class Rows>
 class EllipseSweep final : public BlockSweep {
   public:
     EllipseSweep(const ConstImageView& view, std::int32_t width, std::int32_t height,
                  std::int32_t firstCenter, std::int32_t lastCenter)
-        : BlockSweep(Size(lastCenter - firstCenter + 1)), view_(view), firstCenter_(firstCenter) {
+        : BlockSweep(Size(lastCenter - firstCenter + 1)),
+          view_(view),
+          source_(view),
+          firstCenter_(firstCenter) {
         halfRows_ = std::min(height / 2, view.rows - 1);
         pad_ = std::min(width / 2, view.cols - 1);
         reach_.reserve(Size(2 * halfRows_ + 1));
@@ -167,7 +206,7 @@ class EllipseSweep final : public BlockSweep {
             held_[slot] = row;
             const std::size_t cols = Size(view_.cols);
             std::uint32_t* body = start + pad_;
-            kernels::PrefixSums(view_.Row(row), cols, body);
+            kernels::PrefixSums(source_.Entering(row), cols, body);
             std::fill(start, body, 0U);
             std::fill_n(body + cols + 1, pad_, body[cols]);
         }
@@ -189,6 +228,7 @@ class EllipseSweep final : public BlockSweep {
     }
 
     ConstImageView view_;
+    Rows source_;
     std::int32_t firstCenter_;
     std::int32_t halfRows_;
     std::int32_t pad_;
@@ -202,15 +242,27 @@ class EllipseSweep final : public BlockSweep {
     BlockReach counted_{1, 0};
 };
 
+template <class Rows>
+std::unique_ptr<BlockSweep> MakeSweepOver(const ConstImageView& view, BlockShape shape, std::int32_t width,
+                                          std::int32_t height, std::int32_t firstCenter,
+                                          std::int32_t lastCenter) {
+    if (shape == BlockShape::kEllipse) {
+        return std::make_unique<EllipseSweep<Rows>>(view, width, height, firstCenter, lastCenter);
+    }
+    return std::make_unique<RectangleSweep<Rows>>(view, width, height, firstCenter, lastCenter);
+}
+
 }  // namespace
 
 std::unique_ptr<BlockSweep> MakeBlockSweep(const ConstImageView& view, BlockShape shape, std::int32_t width,
                                            std::int32_t height, std::int32_t firstCenter,
                                            std::int32_t lastCenter) {
-    if (shape == BlockShape::kEllipse) {
-        return std::make_unique<EllipseSweep>(view, width, height, firstCenter, lastCenter);
-    }
-    return std::make_unique<RectangleSweep>(view, width, height, firstCenter, lastCenter);
+    return MakeSweepOver<PelRows>(view, shape, width, height, firstCenter, lastCenter);
 }
+
+LitBlockSweep::LitBlockSweep(const ConstImageView& view, BlockShape shape, std::int32_t width,
+                             std::int32_t height, std::int32_t firstCenter, std::int32_t lastCenter)
+    : pels_(MakeSweepOver<PelRows>(view, shape, width, height, firstCenter, lastCenter)),
+      lit_(MakeSweepOver<LitRows>(view, shape, width, height, firstCenter, lastCenter)) {}
 
 }  // namespace tq

@@ -57,4 +57,23 @@ std::unique_ptr<BlockSweep> MakeBlockSweep(const ConstImageView& view, BlockShap
                                            std::int32_t height, std::int32_t firstCenter,
                                            std::int32_t lastCenter);
 
+/// The same with 0 as "no data": the counts are those of the pels that are not 0, and change from block to
+/// block. Both slide, so a position still costs the same for every size of rectangle.
+class LitBlockSweep {
+  public:
+    LitBlockSweep(const ConstImageView& view, BlockShape shape, std::int32_t width, std::int32_t height,
+                  std::int32_t firstCenter, std::int32_t lastCenter);
+
+    void MoveTo(std::int32_t row) {
+        pels_->MoveTo(row);
+        lit_->MoveTo(row);
+    }
+    std::span<const double> Sums() const noexcept { return pels_->Sums(); }
+    std::span<const double> Counts() const noexcept { return lit_->Sums(); }
+
+  private:
+    std::unique_ptr<BlockSweep> pels_;
+    std::unique_ptr<BlockSweep> lit_;
+};
+
 }  // namespace tq

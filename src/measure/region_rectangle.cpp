@@ -7,6 +7,7 @@
 #include "core/rectangle.h"
 #include "kernels/span_statistics.h"
 #include "measure/out_value.h"
+#include "measure/rectangle_region.h"
 #include "measure/region_shapes.h"
 #include "measure/span_consumers.h"
 
@@ -18,34 +19,19 @@ constexpr std::int32_t kInvalidImage = -2;
 constexpr std::int32_t kInvalidRoiImage = -1;
 constexpr std::int32_t kEmptyRoi = -2;
 
-/// A validated image and the region of it that a host's rectangle means.
-struct Region {
-    ConstImageView view;
-    Rect rect{0, 0, -1, -1};
-
-    Region(const TqImage* image, const Rect& asked) : view(LocateImage(image)) {
-        if (view) rect = ClampRegion(asked, view.cols, view.rows);
-    }
-    explicit operator bool() const noexcept { return static_cast<bool>(view); }
-
-    template <class Consumer>
-    void Feed(Consumer& consumer) const {
-        VisitRectangle(rect, OnPelsOf(view, consumer));
-    }
-};
-
 /// Everything that one pass over a region tells.
-struct Totals {
-    Extremes extremes;
-    TotalAtLeast all{0};
-    TotalAtLeast lit{1};
-    std::uint64_t squares = 0;
+struct RegionTotals {
+    kernels::Totals found;
+    std::uint64_t pels = 0;
 
-    void operator()(const Pel* pels, std::size_t count) {
-        extremes(pels, count);
-        all(pels, count);
-        lit(pels, count);
-        squares += kernels::SumSquares(pels, count);
+    void operator()(const Pel* run, std::size_t count) {
+        const kernels::Totals more = kernels::FindTotals(run, count);
+        found.sum += more.sum;
+        found.squares += more.squares;
+        found.nonZero += more.nonZero;
+        found.extremes = {std::min(found.extremes.min, more.extremes.min),
+                          std::max(found.extremes.max, more.extremes.max)};
+        pels += count;
     }
 };
 
@@ -105,16 +91,18 @@ std::int32_t TQ_CALL tqGetTotalPelValuesInRegion(const TqImage* image, std::int3
     StoreIfAsked(nonZero, 0);
     const Region region(image, {left, top, right, bottom});
     if (!region) return kInvalidImage;
-    Totals totals;
+    RegionTotals totals;
     region.Feed(totals);
-    const kernels::MinMax found = totals.extremes.any ? totals.extremes.found : kernels::MinMax{0, 0};
-    StoreIfAsked<std::int32_t>(min, found.min);
-    StoreIfAsked<std::int32_t>(max, found.max);
-    StoreIfAsked(mean, static_cast<float>(totals.all.Mean()));
-    StoreIfAsked(count, static_cast<std::int32_t>(totals.all.Count()));
-    StoreIfAsked(total, totals.all.Sum());
-    StoreIfAsked(totalSquares, static_cast<double>(totals.squares));
-    StoreIfAsked(nonZero, static_cast<std::int32_t>(totals.lit.Count()));
+    const kernels::MinMax extremes = totals.pels > 0 ? totals.found.extremes : kernels::MinMax{0, 0};
+    const auto sum = static_cast<double>(totals.found.sum);
+    const double average = totals.pels > 0 ? sum / static_cast<double>(totals.pels) : 0.0;
+    StoreIfAsked<std::int32_t>(min, extremes.min);
+    StoreIfAsked<std::int32_t>(max, extremes.max);
+    StoreIfAsked(mean, static_cast<float>(average));
+    StoreIfAsked(count, static_cast<std::int32_t>(totals.pels));
+    StoreIfAsked(total, sum);
+    StoreIfAsked(totalSquares, static_cast<double>(totals.found.squares));
+    StoreIfAsked(nonZero, static_cast<std::int32_t>(totals.found.nonZero));
     return 0;
 }
 

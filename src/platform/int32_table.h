@@ -32,7 +32,26 @@ class Int32Table {
         return Store(At(left, right), value);
     }
 
+    /// Elements that lie one after another in memory.
+    struct Run {
+        const unsigned char* elements;
+        std::int64_t count;
+
+        std::int32_t operator[](std::int64_t i) const noexcept {
+            std::int32_t value;
+            std::memcpy(&value, elements + static_cast<std::size_t>(i) * sizeof value, sizeof value);
+            return value;
+        }
+    };
+    /// The elements of one dimension with the indices 0, 1, 2 ... up to the first that Read would refuse.
+    Run FromZero() const noexcept { return RunOf(array_.rgsabound[0], At(0)); }
+    /// The elements {0, right}, {1, right}, {2, right} ... up to the first that Read would refuse.
+    Run FromZero(std::int64_t right) const noexcept { return RunOf(array_.rgsabound[1], At(0, right)); }
+
   private:
+    static Run RunOf(const SAFEARRAYBOUND& bound, const unsigned char* atZero) noexcept {
+        return {atZero, atZero == nullptr ? 0 : static_cast<std::int64_t>(bound.cElements) + bound.lLbound};
+    }
     /// Distance from the lower bound; negative outside the dimension.
     static std::int64_t Steps(const SAFEARRAYBOUND& bound, std::int64_t index) noexcept {
         const std::int64_t steps = index - bound.lLbound;

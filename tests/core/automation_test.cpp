@@ -43,8 +43,6 @@ TEST(SafeArray, StoresBoundsLastFirstAndTheLeftmostIndexFastest) {
 }
 
 TEST(SafeArray, IndicesOutsideTheirDimensionAreRefused) {
-    constexpr LONG kLow = std::numeric_limits<LONG>::min();
-    constexpr LONG kHigh = std::numeric_limits<LONG>::max();
     HostArray array(VT_I2, {{4, -2}, {3, 7}});
     for (const auto& [a, b] : {std::pair{-3L, 7L}, {2L, 7L}, {0L, 6L}, {0L, 10L}, {0L, 0L}}) {
         LONG indices[2] = {static_cast<LONG>(a), static_cast<LONG>(b)};
@@ -53,15 +51,10 @@ TEST(SafeArray, IndicesOutsideTheirDimensionAreRefused) {
         EXPECT_EQ(value, 55);
         EXPECT_EQ(SafeArrayPutElement(array.Get(), indices, &value), DISP_E_BADINDEX);
     }
-    HostArray extreme(VT_I2, {{2, kLow}, {1, kHigh}});
-    LONG indices[2] = {kHigh, kHigh};
+    LONG indices[2] = {0, 7};
     std::int16_t value = 55;
-    EXPECT_EQ(SafeArrayGetElement(extreme.Get(), indices, &value), DISP_E_BADINDEX);
-    indices[0] = kLow + 1;
-    EXPECT_EQ(SafeArrayPutElement(extreme.Get(), indices, &value), S_OK);
-    EXPECT_EQ(extreme.At<std::int16_t>({kLow + 1, kHigh}), 55);
     EXPECT_EQ(SafeArrayGetElement(nullptr, indices, &value), E_INVALIDARG);
-    EXPECT_EQ(SafeArrayGetElement(extreme.Get(), nullptr, &value), E_INVALIDARG);
+    EXPECT_EQ(SafeArrayGetElement(array.Get(), nullptr, &value), E_INVALIDARG);
 }
 
 TEST(SafeArray, LocksCountAndKeepTheArrayAlive) {
@@ -91,18 +84,6 @@ TEST(SafeArray, LocksCountAndKeepTheArrayAlive) {
     EXPECT_EQ(SafeArrayDestroy(nullptr), S_OK);
     EXPECT_EQ(SafeArrayLock(nullptr), E_INVALIDARG);
     EXPECT_EQ(SafeArrayUnlock(nullptr), E_INVALIDARG);
-}
-
-TEST(SafeArray, ImpossibleArraysAreNotCreated) {
-    SAFEARRAYBOUND huge[3] = {{65536, 0}, {65536, 0}, {65536, 0}};
-    EXPECT_EQ(SafeArrayCreate(VT_R8, 2, huge), nullptr);
-    EXPECT_EQ(SafeArrayCreate(VT_UI1, 2, huge), nullptr);
-    EXPECT_EQ(SafeArrayCreate(VT_UI1, 3, huge), nullptr);
-    SAFEARRAYBOUND full{0xFFFFFFFFu, 0};
-    EXPECT_EQ(SafeArrayCreate(VT_I2, 1, &full), nullptr);
-    SAFEARRAYBOUND one{1, 0};
-    EXPECT_EQ(SafeArrayCreate(VT_EMPTY, 1, &one), nullptr);
-    EXPECT_EQ(SafeArrayCreate(VT_I4, 0, &one), nullptr);
 }
 
 TEST(SafeArray, AnEmptyDimensionHasNoElements) {
@@ -156,6 +137,31 @@ TEST(GlobalMemory, MoveableMemoryCountsItsLocks) {
 }
 
 #if !defined(_WIN32)
+
+// Systems let sizes and indices wrap here; the library's own arrays must not.
+TEST(SafeArray, ExtremeBoundsAreFollowed) {
+    constexpr LONG kLow = std::numeric_limits<LONG>::min();
+    constexpr LONG kHigh = std::numeric_limits<LONG>::max();
+    HostArray extreme(VT_I2, {{2, kLow}, {1, kHigh}});
+    LONG indices[2] = {kHigh, kHigh};
+    std::int16_t value = 55;
+    EXPECT_EQ(SafeArrayGetElement(extreme.Get(), indices, &value), DISP_E_BADINDEX);
+    indices[0] = kLow + 1;
+    EXPECT_EQ(SafeArrayPutElement(extreme.Get(), indices, &value), S_OK);
+    EXPECT_EQ(extreme.At<std::int16_t>({kLow + 1, kHigh}), 55);
+}
+
+TEST(SafeArray, ImpossibleArraysAreNotCreated) {
+    SAFEARRAYBOUND huge[3] = {{65536, 0}, {65536, 0}, {65536, 0}};
+    EXPECT_EQ(SafeArrayCreate(VT_R8, 2, huge), nullptr);
+    EXPECT_EQ(SafeArrayCreate(VT_UI1, 2, huge), nullptr);
+    EXPECT_EQ(SafeArrayCreate(VT_UI1, 3, huge), nullptr);
+    SAFEARRAYBOUND full{0xFFFFFFFFu, 0};
+    EXPECT_EQ(SafeArrayCreate(VT_I2, 1, &full), nullptr);
+    SAFEARRAYBOUND one{1, 0};
+    EXPECT_EQ(SafeArrayCreate(VT_EMPTY, 1, &one), nullptr);
+    EXPECT_EQ(SafeArrayCreate(VT_I4, 0, &one), nullptr);
+}
 
 TEST(GlobalMemory, WhatIsNoHandleIsRefused) {
     int local = 0;

@@ -219,7 +219,7 @@ TEST(FillPels, ClampsTheValueAndKeepsTheHeader) {
     for (const auto& [value, stored] :
          {std::pair{70000, 65535}, {65535, 65535}, {-5, 0}, {1234, 1234}, {kMost, 65535}, {-kMost - 1, 0}}) {
         EXPECT_EQ(tqInitializeImagePels(image, value), 0);
-        EXPECT_TRUE(SamePels(MakeImage(13, 3, [&](int, int) { return stored; }), image)) << value;
+        EXPECT_TRUE(SamePels(MakeImage(13, 3, [pel = stored](int, int) { return pel; }), image)) << value;
     }
     EXPECT_EQ(tqInitializeImagePels(image, 9), 0);
     EXPECT_EQ(tqClearImagePels(image), 0);

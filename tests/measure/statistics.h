@@ -38,51 +38,35 @@ struct Statistics {
     std::function<double()> area;
 };
 
+/// Every function of a shape takes the image, its count if it has one, where to measure, and its limits.
+template <class Max, class Min, class Total, class Weighted, class CharArea, class Area, class... Where>
+Statistics Bind(Max max, Min min, Total total, Weighted weighted, CharArea charArea, Area area,
+                const TqImage* image, Where... where) {
+    return {[=] { return max(image, where...); },
+            [=] { return min(image, where...); },
+            [=](auto* count, auto threshold) { return total(image, count, where..., threshold); },
+            [=](auto low, auto high) { return weighted(image, where..., low, high); },
+            [=](auto full, auto none) { return charArea(image, where..., full, none); },
+            [=] { return area(image, where...); }};
+}
+
 inline Statistics OfRectangle(const TqImage* image, std::int32_t left, std::int32_t top, std::int32_t right,
                               std::int32_t bottom) {
-    return {
-        [=] { return tqGetMaxPelValueInRegion(image, left, top, right, bottom); },
-        [=] { return tqGetMinPelValueInRegion(image, left, top, right, bottom); },
-        [=](auto* count, auto limit) {
-            return tqGetTotalPelValueInRegion(image, count, left, top, right, bottom, limit);
-        },
-        [=](auto low, auto high) {
-            return tqGetWeightedPelValueInRegion(image, left, top, right, bottom, low, high);
-        },
-        [=](auto full, auto none) {
-            return tqCalcCharAreaInRegion(image, left, top, right, bottom, full, none);
-        },
-        [=] { return tqCalcAreaInRegion(image, left, top, right, bottom); },
-    };
+    return Bind(tqGetMaxPelValueInRegion, tqGetMinPelValueInRegion, tqGetTotalPelValueInRegion,
+                tqGetWeightedPelValueInRegion, tqCalcCharAreaInRegion, tqCalcAreaInRegion, image, left, top,
+                right, bottom);
 }
 
 inline Statistics OfEllipse(const TqImage* image, std::int32_t col, std::int32_t row, std::int32_t width,
                             std::int32_t height) {
-    return {
-        [=] { return tqGetMaxPelValueInEllipse(image, col, row, width, height); },
-        [=] { return tqGetMinPelValueInEllipse(image, col, row, width, height); },
-        [=](auto* count, auto limit) {
-            return tqGetTotalPelValueInEllipse(image, count, col, row, width, height, limit);
-        },
-        [=](auto low, auto high) {
-            return tqGetWeightedPelValueInEllipse(image, col, row, width, height, low, high);
-        },
-        [=](auto full, auto none) {
-            return tqCalcCharAreaInEllipse(image, col, row, width, height, full, none);
-        },
-        [=] { return tqCalcAreaInEllipse(image, col, row, width, height); },
-    };
+    return Bind(tqGetMaxPelValueInEllipse, tqGetMinPelValueInEllipse, tqGetTotalPelValueInEllipse,
+                tqGetWeightedPelValueInEllipse, tqCalcCharAreaInEllipse, tqCalcAreaInEllipse, image, col, row,
+                width, height);
 }
 
 inline Statistics OfPolygon(const TqImage* image, SAFEARRAY** vertices) {
-    return {
-        [=] { return tqGetMaxPelValueInPoly(image, vertices); },
-        [=] { return tqGetMinPelValueInPoly(image, vertices); },
-        [=](auto* count, auto limit) { return tqGetTotalPelValueInPoly(image, count, vertices, limit); },
-        [=](auto low, auto high) { return tqGetWeightedPelValueInPoly(image, vertices, low, high); },
-        [=](auto full, auto none) { return tqCalcCharAreaInPoly(image, vertices, full, none); },
-        [=] { return tqCalcAreaInPoly(image, vertices); },
-    };
+    return Bind(tqGetMaxPelValueInPoly, tqGetMinPelValueInPoly, tqGetTotalPelValueInPoly,
+                tqGetWeightedPelValueInPoly, tqCalcCharAreaInPoly, tqCalcAreaInPoly, image, vertices);
 }
 
 /// Two limits for the weighted means and areas: ordered, touching, reversed, negative, beyond every pel.

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace cli {
+
+/// A grey image as it lies in a file: 8-bit values keep their numbers, nothing is scaled.
+struct GreyImage {
+    std::int32_t cols = 0;
+    std::int32_t rows = 0;
+    int bitsPerPel = 16;  ///< 8 or 16
+    std::vector<std::uint16_t> pels;
+
+    std::size_t Index(std::int32_t col, std::int32_t row) const noexcept {
+        return static_cast<std::size_t>(row) * static_cast<std::size_t>(cols) + static_cast<std::size_t>(col);
+    }
+};
+
+/// The longest side of an image that the library takes.
+inline constexpr std::int64_t kLargestSide = 8000;
+
+/// Reads a PNG, TIFF or PGM file, told apart by its first bytes.
+GreyImage ReadImage(const std::string& path);
+
+/// Writes 16 bits a pel to file; the form follows the extension of name: .png, .tif, .tiff or .pgm.
+void WriteImage(const std::string& name, const std::string& file, const GreyImage& image);
+/// Refuses, as a usage error, a name that WriteImage would not know a form for.
+void CheckImageName(const std::string& name);
+
+/// An image of this size with room for its pels; sizes outside 1..8000 end with the file's name.
+GreyImage MakeGreyImage(const std::string& path, std::int64_t cols, std::int64_t rows, int bitsPerPel);
+
+// One pair a format, each in its own file.
+GreyImage ReadPng(const std::string& path);
+GreyImage ReadTiff(const std::string& path);
+GreyImage ReadPgm(const std::string& path);
+void WritePng(const std::string& name, const std::string& file, const GreyImage& image);
+void WriteTiff(const std::string& name, const std::string& file, const GreyImage& image);
+void WritePgm(const std::string& name, const std::string& file, const GreyImage& image);
+
+}  // namespace cli

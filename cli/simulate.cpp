@@ -1,0 +1,164 @@
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+#include "failure.h"
+#include "files.h"
+#include "json_file.h"
+#include "lens_map.h"
+#include "options.h"
+#include "scene.h"
+#include "sensor.h"
+#include "text.h"
+#include "truth.h"
+
+namespace cli {
+namespace {
+
+constexpr double kRadians = std::numbers::pi / 180.0;
+
+Target ParseTarget(const SimulateOptions& options, PhotometricHeader& header) {
+    const auto [cols, rows] = ParsePair("--size", options.size, 1);
+    if (cols > kLargestSide || rows > kLargestSide)
+        FailUsage("--size: an image has 8000 columns and rows at most");
+    HeaderOptions typed;
+    typed.pelsPerMeter = options.pelsPerMeter;
+    typed.center = options.center;
+    typed.distance = Format("%.9g", options.distance);
+    header = ParseHeaderOptions(typed);
+    // The scene uses the header's single-precision numbers, so that a measurement sees the very same ones.
+    const TqImageHeader used = MakeHeader(header, cols, rows);
+    header.center = {used.CenterCol, used.CenterRow};
+    header.bin = {1, 1};
+    return {cols,
+            rows,
+            {used.PelsPerMeterX, used.PelsPerMeterY},
+            {used.CenterCol, used.CenterRow},
+            used.SourceDistance};
+}
+
+Lamp ParseLamp(const SimulateOptions& options) {
+    const auto tilt = ParseReals(options.tilt, 2, 2);
+    if (!tilt || std::fabs((*tilt)[0]) >= 90.0 || std::fabs((*tilt)[1]) >= 90.0) {
+        FailUsage("--tilt takes two angles below 90 degrees, not " + options.tilt);
+    }
+    if (!(options.candela > 0.0)) FailUsage("--candela is above 0");
+    if (!(options.exponent >= 0.0)) FailUsage("--exponent is not negative");
+    return {options.candela, options.exponent, (*tilt)[0] * kRadians, (*tilt)[1] * kRadians};
+}
+
+/// The scale that puts the brightest pel at three quarters of the range, in single precision as headers hold
+/// it.
+double ChooseLuxPerGrey(const Scene& scene) {
+    constexpr double kBrightestGrey = 49152.0;
+    double brightest = 0.0;
+    for (std::int32_t row = 0; row < scene.GetTarget().rows; ++row) {
+        for (std::int32_t col = 0; col < scene.GetTarget().cols; ++col) {
+            brightest = std::max(brightest, scene.Illuminance(col, row));
+        }
+    }
+    if (!(brightest > 0.0)) FailUsage("the lamp does not light the target");
+    return static_cast<double>(static_cast<float>(brightest / kBrightestGrey));
+}
+
+Sensor ParseSensor(const SimulateOptions& options, const Scene& scene) {
+    if (!(options.darkLevel >= 0.0) || !(options.darkLevel <= 60000.0))
+        FailUsage("--dark-level is 0 to 60000");
+    if (!(options.electronsPerGrey > 0.0)) FailUsage("--electrons-per-grey is above 0");
+    if (!(options.readNoise >= 0.0)) FailUsage("--read-noise is not negative");
+    if (options.darkFrames < 1) FailUsage("--dark-frames is 1 at least");
+    if (options.hotPixels < 0 || options.deadColumns < 0) FailUsage("the number of defects is not negative");
+    if (!(options.luxPerGrey >= 0.0)) FailUsage("--lux-per-grey is above 0");
+    Sensor sensor;
+    sensor.luxPerGrey = options.luxPerGrey > 0.0 ? static_cast<double>(static_cast<float>(options.luxPerGrey))
+                                                 : ChooseLuxPerGrey(scene);
+    sensor.darkLevel = options.darkLevel;
+    sensor.electronsPerGrey = options.electronsPerGrey;
+    sensor.readNoise = options.readNoise;
+    sensor.darkFrames = options.darkFrames;
+    sensor.hotPixels = options.hotPixels;
+    sensor.deadColumns = options.deadColumns;
+    sensor.seed = options.seed;
+    return sensor;
+}
+
+std::optional<RadialLens> ParseLens(const SimulateOptions& options, const Target& target) {
+    if (options.lensRadial.empty()) return std::nullopt;
+    const RadialLens lens(ParseRadialCoefficients(options.lensRadial), target.center, target.cols,
+                          target.rows);
+    if (!lens.IsInvertible())
+        FailUsage("--lens-radial " + options.lensRadial + ": no lens folds its image over");
+    return lens;
+}
+
+std::string FormatTruth(const SimulateOptions& options, const Scene& scene, const Sensor& sensor,
+                        std::vector<Region> regions) {
+    const auto spot =
+        options.spot.empty() ? std::array<std::int32_t, 2>{1, 1} : ParsePair("--spot", options.spot, 1);
+    Json truth;
+    truth["lamp"] = {{"candela", options.candela},
+                     {"exponent", options.exponent},
+                     {"tiltDeg", ParseReals(options.tilt, 2, 2).value_or(std::vector<double>{})}};
+    truth["sensor"] = {{"luxPerGrey", sensor.luxPerGrey},
+                       {"darkLevel", sensor.darkLevel},
+                       {"electronsPerGrey", sensor.electronsPerGrey},
+                       {"readNoise", sensor.readNoise},
+                       {"darkFrames", sensor.darkFrames},
+                       {"seed", sensor.seed}};
+    truth["spot"] = spot;
+    truth["regions"] = Json::array();
+    const auto [cols, rows] = std::pair(scene.GetTarget().cols, scene.GetTarget().rows);
+    for (Region& region : regions) {
+        FitRegion(region, cols, rows);
+        // A measurement ends at the border, the integral over the shape does not.
+        const auto bounds = BoundsOf(region);
+        if (bounds[0] < 0 || bounds[1] < 0 || bounds[2] >= cols || bounds[3] >= rows) {
+            FailUsage("region " + region.text + ": true figures need a region that lies inside the image");
+        }
+        truth["regions"].push_back(RegionTruth(scene, sensor, region, spot));
+    }
+    return truth.dump(2) + "\n";
+}
+
+/// The files beside the image are called after it: lamp.png gives lamp.dark.png, lamp.defects.csv …
+std::string Beside(const std::string& output, const std::string& what) {
+    return output.substr(0, output.find_last_of('.')) + "." + what;
+}
+
+}  // namespace
+
+void RunSimulate(const SimulateOptions& options) {
+    CheckImageName(options.output);
+    const Progress progress(options.progress);
+    PhotometricHeader header;
+    const Target target = ParseTarget(options, header);
+    const Scene scene(ParseLamp(options), target);
+    const std::optional<RadialLens> lens = ParseLens(options, target);
+    const std::vector<Region> regions = ParseRegions(options.regions);
+    const Sensor sensor = ParseSensor(options, scene);
+    header.luxPerGrey = static_cast<float>(sensor.luxPerGrey);
+
+    progress.Stage("exposing the scene");
+    const Capture capture = TakeCapture(scene, sensor, lens);
+    progress.Stage("integrating the true figures");
+    const std::string truth = FormatTruth(options, scene, sensor, regions);
+
+    progress.Stage("writing " + options.output);
+    OutputFiles files;
+    const auto writeImage = [&](const std::string& path, const GreyImage& image) {
+        WriteImage(path, files.Add(path).WorkingPath(), image);
+    };
+    const std::string extension = options.output.substr(options.output.find_last_of('.') + 1);
+    writeImage(options.output, capture.image);
+    writeImage(Beside(options.output, "dark." + extension), capture.dark);
+    files.Add(options.output + ".json").Write(FormatSidecar(header));
+    files.Add(Beside(options.output, "defects.csv")).Write(FormatDefects(capture.defects));
+    if (lens) {
+        const LensMap map = LensMap::FromRadial(*lens, target.center, target.cols, target.rows);
+        files.Add(Beside(options.output, "lens.map")).Write(map.Bytes());
+    }
+    files.Add(Beside(options.output, "truth.json")).Write(truth);
+    files.Commit();
+}
+
+}  // namespace cli
