@@ -16,27 +16,42 @@ void ScaleGreys(const Pel* pels, double factor, Pel* out, std::size_t count) {
     ComputePels<Excess::kCap, double>(out, count, formula, pels);
 }
 
+/// A number of 0 to below 1 in 32 bits behind the point, the rest cut off.
+struct Fraction {
+    explicit Fraction(double value) {
+        const std::int32_t first = TruncToInt32(value * 65536.0);
+        high = static_cast<Pel>(first);
+        low = static_cast<Pel>(TruncToInt32((value * 65536.0 - first) * 65536.0));
+    }
+    Pel high;
+    Pel low;
+};
+
+#if HWY_TARGET != HWY_SCALAR
+/// Adds to a fraction of 16 bits. A sum modulo 65536 below the summand is one that carries into the whole.
+template <class D, class V>
+HWY_INLINE void AddFraction(D d, V part, V& fraction, V& whole) {
+    fraction = hn::Add(fraction, part);
+    const auto stays = hn::Eq(hn::Max(fraction, part), fraction);
+    whole = hn::Add(whole, hn::IfThenZeroElse(stays, hn::Set(d, 1)));
+}
+#endif
+
 /// ScaleGreys in fixed point. The factor is exact there and so is the sum in a double; what is cut off behind
 /// 16 bits of fraction cannot change the whole.
 void ScaleInFixedPoint(const Pel* pels, double factor, Pel* out, std::size_t count) {
     const std::int32_t whole = TruncToInt32(factor);
-    const auto fraction = static_cast<std::uint32_t>((factor - whole) * 4294967296.0);
+    const Fraction fraction(factor - whole);
     MapPels(
         out, count,
         [=](auto d, auto v) {
-            const auto high = hn::Set(d, static_cast<Pel>(fraction >> 16));
-            const auto low = hn::Set(d, static_cast<Pel>(fraction & 0xFFFF));
+            const auto high = hn::Set(d, fraction.high);
+            const auto low = hn::Set(d, fraction.low);
             const auto times = hn::Set(d, static_cast<Pel>(whole));
-            const auto one = hn::Set(d, 1);
-            const auto first = hn::Mul(v, high);
-            const auto second = hn::MulHigh(v, low);
-            const auto half = hn::Set(d, 0x8000);
-            // A sum modulo 65536 below the summand is one that carries into the whole.
-            const auto sum = hn::Add(first, second);
-            const auto rounded = hn::Add(sum, half);
             auto result = hn::MulHigh(v, high);
-            result = hn::Add(result, hn::IfThenZeroElse(hn::Eq(hn::Max(sum, second), sum), one));
-            result = hn::Add(result, hn::IfThenZeroElse(hn::Eq(hn::Max(rounded, half), rounded), one));
+            auto behind = hn::Mul(v, high);
+            AddFraction(d, hn::MulHigh(v, low), behind, result);
+            AddFraction(d, hn::Set(d, 0x8000), behind, result);
             const auto fits = hn::Eq(hn::MulHigh(v, times), hn::Zero(d));
             const auto ceiling = hn::Set(d, Pel{kLargestPel});
             return hn::IfThenElse(fits, hn::SaturatedAdd(result, hn::Mul(v, times)), ceiling);
@@ -61,8 +76,8 @@ void StretchGreys(const Pel* pels, double pivot, double factor, Pel* out, std::s
 struct FixedMean {
     static constexpr Pel kUnsure = 5;  // a step each for both shares and both products, and one for `exact`
 
-    std::uint32_t freshShare;
-    std::uint32_t averageShare;
+    Fraction freshShare;
+    Fraction averageShare;
     Pel offset;
     bool sure;  ///< no result comes within kUnsure below an integer
 };
@@ -76,14 +91,10 @@ HWY_INLINE void MeanInFixedPoint([[maybe_unused]] const FixedMean& mean, [[maybe
 #if HWY_TARGET != HWY_SCALAR
     const hn::ScalableTag<Pel> d;
     const std::size_t lanes = hn::Lanes(d);
-    const auto one = hn::Set(d, 1);
-    const auto share = [&](std::uint32_t fixed, int shift) {
-        return hn::Set(d, static_cast<Pel>(fixed >> shift & 0xFFFF));
-    };
-    const auto freshHigh = share(mean.freshShare, 16);
-    const auto freshLow = share(mean.freshShare, 0);
-    const auto averageHigh = share(mean.averageShare, 16);
-    const auto averageLow = share(mean.averageShare, 0);
+    const auto freshHigh = hn::Set(d, mean.freshShare.high);
+    const auto freshLow = hn::Set(d, mean.freshShare.low);
+    const auto averageHigh = hn::Set(d, mean.averageShare.high);
+    const auto averageLow = hn::Set(d, mean.averageShare.low);
     const auto offset = hn::Set(d, mean.offset);
     const auto unsure = hn::Set(d, static_cast<Pel>(65536 - FixedMean::kUnsure));
     for (; i + lanes <= count; i += lanes) {
@@ -91,16 +102,10 @@ HWY_INLINE void MeanInFixedPoint([[maybe_unused]] const FixedMean& mean, [[maybe
         const auto a = hn::LoadU(d, average + i);
         auto whole = hn::Add(hn::MulHigh(f, freshHigh), hn::MulHigh(a, averageHigh));
         auto fraction = offset;
-        // A sum modulo 65536 below the summand is one that carries into the whole.
-        const auto add = [&](auto part) {
-            fraction = hn::Add(fraction, part);
-            const auto reaches = hn::Eq(hn::Max(fraction, part), fraction);
-            whole = hn::Add(whole, hn::IfThenZeroElse(reaches, one));
-        };
-        add(hn::Mul(f, freshHigh));
-        add(hn::Mul(a, averageHigh));
-        add(hn::MulHigh(f, freshLow));
-        add(hn::MulHigh(a, averageLow));
+        AddFraction(d, hn::Mul(f, freshHigh), fraction, whole);
+        AddFraction(d, hn::Mul(a, averageHigh), fraction, whole);
+        AddFraction(d, hn::MulHigh(f, freshLow), fraction, whole);
+        AddFraction(d, hn::MulHigh(a, averageLow), fraction, whole);
         const bool sure = mean.sure || hn::AllFalse(d, hn::Eq(hn::Max(fraction, unsure), fraction));
         if (sure) {
             hn::StoreU(whole, d, out + i);
@@ -128,15 +133,13 @@ void ScaledMean(const RunningMean& mean, const Pel* fresh, const Pel* average, P
 /// scale and 12 for the count, whatever makes an integer mean has an exact double at every step, so that a
 /// mean that is not below an integer is not rounded below it either.
 void MeanOfGreys(const RunningMean& mean, const Pel* fresh, const Pel* average, Pel* out, std::size_t count) {
-    const double unit =
-        4294967296.0 * (1.0 - 0x1p-48) / mean.count;  // lowered by more than the quotients' roundings
+    const double unit = (1.0 - 0x1p-48) / mean.count;  // lowered by more than the quotients' roundings
     const double outScale = mean.outScale;
-    const auto share = [&](double part) { return static_cast<std::uint32_t>(unit * part); };
     const bool oneScale = mean.freshScale == mean.averageScale;
     // With one scale the fractions are multiples of 1 / count, and half of that keeps all of them away from
     // the integers: by 8 / 65536 and more.
-    const FixedMean fixed{share(mean.freshScale / outScale),
-                          share(mean.averageScale / outScale * (mean.count - 1.0)),
+    const FixedMean fixed{Fraction(unit * (mean.freshScale / outScale)),
+                          Fraction(unit * (mean.averageScale / outScale * (mean.count - 1.0))),
                           static_cast<Pel>(oneScale ? TruncToInt32(32768.0 / mean.count) : 0), oneScale};
     MeanInFixedPoint(fixed, fresh, average, out, count, [&](std::size_t first, std::size_t run) {
         ScaledMean(mean, fresh + first, average + first, out + first, run);

@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::int32_t kOk = 0;
 constexpr std::int32_t kInvalidImage = -2;
-constexpr std::int32_t kInvalidOperand = -1;  // of tqAddConstant alone
+constexpr std::int32_t kNothingToAddTo = -1;  // of tqAddConstant alone
 constexpr std::int32_t kInvalidBlock = -9;    // of tqInvertImage, which tells null from invalid
 constexpr std::int32_t kNoMemory = -5;
 
@@ -27,7 +27,7 @@ std::int32_t TQ_CALL tqAddConstant(TqImage* image, std::int32_t constant) {
     // Before the image is looked at: hosts pass a switched-off correction without an image.
     if (constant == 0) return kOk;
     const ImageView view = LocateImage(image);
-    if (!view) return kInvalidOperand;
+    if (!view) return kNothingToAddTo;
     if (constant > 0) {
         kernels::AddSaturated(view.pels, ClampToPel(constant), view.pels, view.Count());
     } else {
