@@ -10,8 +10,8 @@ WindowColumns::WindowColumns(const ConstImageView& view, WindowPlacement placeme
                              std::int32_t firstCol, std::int32_t lastCol, Summand summand)
     : view_(view), placement_(placement), summand_(summand), width_(size.width), height_(size.height) {
     const std::int32_t firstWindow = FirstColumn(firstCol);
-    const bool slides = placement == WindowPlacement::kShifted;
-    lead_ = slides ? static_cast<std::size_t>(std::max(std::min(width_ / 2, lastCol) - firstCol, 0)) : 0;
+    const SlidingWindows sliding(firstCol, lastCol, width_, view.cols);
+    lead_ = placement == WindowPlacement::kShifted ? static_cast<std::size_t>(sliding.lead) : 0;
     const std::int32_t end = FirstColumn(lastCol) + width_;
     firstCol_ = std::max(firstWindow, 0);
     cols_ = static_cast<std::size_t>(std::min(end, view.cols) - firstCol_);

@@ -28,6 +28,18 @@ struct WindowSize {
     bool IsPel() const noexcept { return width == 1 && height == 1; }
 };
 
+/// The different windows of the pels first..last of an axis when windows slide at the border.
+struct SlidingWindows {
+    std::int32_t origin;  ///< where the first window starts
+    std::int32_t count;
+    std::int32_t lead;  ///< pels before the one that the first window is written to; see RepeatEnds
+
+    SlidingWindows(std::int32_t first, std::int32_t last, std::int32_t size, std::int32_t pels) noexcept
+        : origin(ShiftedReach(first, size, pels).first),
+          count(ShiftedReach(last, size, pels).first - origin + 1),
+          lead(std::max(std::min(size / 2, last) - first, 0)) {}
+};
+
 /// The sums of the columns of the rows that the windows of one row cover. The window of the i-th of Windows()
 /// covers the columns i .. i + width - 1; where windows are clipped, zeros stand beyond the border, so that
 /// no position is special.
