@@ -23,6 +23,8 @@ struct MinMax {
 
 std::uint64_t SumPels(const std::uint16_t* pels, std::size_t count);
 
+std::uint64_t SumBytes(const std::uint8_t* bytes, std::size_t count);
+
 /// Sum of squares of at most 2^32 pels: 2^32 squares below 2^32 stay within 64 bits.
 std::uint64_t SumSquares(const std::uint16_t* pels, std::size_t count);
 
