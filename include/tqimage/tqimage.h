@@ -10,6 +10,7 @@
 #include "tqimage/defects.h"
 #include "tqimage/deviation.h"
 #include "tqimage/distortion.h"
+#include "tqimage/equalisation.h"
 #include "tqimage/exchange.h"
 #include "tqimage/gray_search.h"
 #include "tqimage/histogram.h"
@@ -24,6 +25,7 @@
 #include "tqimage/region_ellipse.h"
 #include "tqimage/region_polygon.h"
 #include "tqimage/region_rectangle.h"
+#include "tqimage/thresholds.h"
 #include "tqimage/whole_image.h"
 
 #endif
