@@ -14,6 +14,7 @@
 #include "tqimage/defects.h"
 #include "tqimage/deviation.h"
 #include "tqimage/distortion.h"
+#include "tqimage/equalisation.h"
 #include "tqimage/exchange.h"
 #include "tqimage/filters.h"
 #include "tqimage/focus.h"
@@ -36,6 +37,7 @@
 #include "tqimage/region_polygon.h"
 #include "tqimage/region_rectangle.h"
 #include "tqimage/sub_pixel.h"
+#include "tqimage/thresholds.h"
 #include "tqimage/uniformity.h"
 #include "tqimage/whole_image.h"
 
