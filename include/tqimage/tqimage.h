@@ -7,6 +7,7 @@
 #include "tqimage/automation.h"
 #include "tqimage/base.h"
 #include "tqimage/bitmap.h"
+#include "tqimage/defect_detection.h"
 #include "tqimage/defects.h"
 #include "tqimage/deviation.h"
 #include "tqimage/distortion.h"
