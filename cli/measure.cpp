@@ -1,5 +1,3 @@
-#include <unistd.h>
-
 #include <algorithm>
 #include <cstdio>
 #include <limits>
@@ -32,14 +30,6 @@ CorrectionOptions ParseCorrection(const MeasureOptions& options) {
         correction.defectOrigin = ParsePair("--defect-origin", options.defectOrigin, kAnyNumber);
     }
     return correction;
-}
-
-PhotometricHeader FindHeader(const MeasureOptions& options) {
-    const PhotometricHeader typed = ParseHeaderOptions(options.header);
-    if (!options.headerFile.empty()) return Overlay(ReadSidecar(options.headerFile), typed);
-    const std::string sidecar = options.image + ".json";
-    if (access(sidecar.c_str(), F_OK) == 0) return Overlay(ReadSidecar(sidecar), typed);
-    return typed;
 }
 
 /// The regions as typed; those of the expectations when none were.
@@ -112,7 +102,7 @@ void RunMeasure(const MeasureOptions& options) {
     Report report;
     if (!options.spot.empty()) report.options.spot = ParsePair("--spot", options.spot, 1);
     report.options.angleMode = options.angleMode;
-    report.header = FindHeader(options);
+    report.header = FindHeader(options.image, options.headerFile, options.header);
     std::vector<ExpectedRegion> expected;
     if (!options.expect.empty()) expected = ReadExpectations(options.expect);
     std::vector<Region> regions = ChooseRegions(options, expected);

@@ -71,8 +71,9 @@ Found Expected(const Image& source, const Search& search) {
             double reference = 0;
             if (!lit.empty()) {
                 std::sort(lit.begin(), lit.end());
-                reference = search.reference != 0 ? lit[lit.size() / 2]
-                                                  : static_cast<float>(sum) / static_cast<float>(lit.size());
+                const float average = static_cast<float>(sum) / static_cast<float>(lit.size());
+                const std::int32_t median = lit[lit.size() / 2];
+                reference = search.reference != 0 ? static_cast<double>(median) : average;
             }
             const bool bright = search.kind != 0 && pel > (1 + tolerance) * reference;
             const bool dark = !bright && search.kind != 1 && pel < (1 - tolerance) * reference;
