@@ -123,10 +123,11 @@ Image NarrowNoise(std::int32_t cols, std::int32_t rows, std::uint32_t seed, std:
 }
 
 TEST(PixelDefects, AgreeWithTheRulesForEverySizeAndKind) {
-    const Image dense = NarrowNoise(83, 71, 1, 3000);
-    const Image holed = NarrowNoise(83, 71, 2, 4);
     // 30 and 33 lie on both sides of where the search for medians changes its method.
     for (const std::int32_t size : {kMin, 1, 2, 3, 4, 5, 8, 30, 33}) {
+        const std::int32_t cols = std::max(size, 30) + 23;
+        const Image dense = NarrowNoise(cols, cols - 8, 1, 3000);
+        const Image holed = NarrowNoise(cols, cols - 8, 2, 4);
         for (const std::int32_t reference : {0, 1}) {
             for (const std::int32_t kind : {0, 1, 2}) {
                 const Search search{kind, reference, size, 4.0};
