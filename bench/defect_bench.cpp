@@ -87,7 +87,7 @@ void RegisterDetectors() {
                       Compare(image.Mat(), medians);
                   }});
     }
-    for (const int side : {15, 31, 33, 51}) {
+    for (const int side : {15, 51, 101}) {
         Register({"defects/median_" + std::to_string(side),
                   [=](const NoiseImage& image) { Find(image, 1, side, false); },
                   {}});
