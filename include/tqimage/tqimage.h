@@ -11,6 +11,7 @@
 #include "tqimage/centroid.h"
 #include "tqimage/clustering.h"
 #include "tqimage/comparison.h"
+#include "tqimage/defect_detection.h"
 #include "tqimage/defects.h"
 #include "tqimage/deviation.h"
 #include "tqimage/distortion.h"
