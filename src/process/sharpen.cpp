@@ -24,44 +24,71 @@ std::vector<std::int32_t> Products(float weight) {
     return products;
 }
 
-/// The eight outer cells of the kernel hold -1/9. Every product is truncated before the sum, so this is not
-/// the ninth of a sum.
-class Sharpener {
+/// Results of the 3 x 3 kernel, -1/9 around the centre's weight, row by row. Every product is truncated
+/// before the sum, so this is not the ninth of a sum; but the outer products of a pel are the same wherever
+/// it stands in the kernel, and are formed once.
+class SharpenedRows {
   public:
-    explicit Sharpener(float strength)
-        : outer_(Products(-1.0f / 9.0f)), centre_(Products((9.0f * strength - 1.0f) / 9.0f)) {}
+    SharpenedRows(const ConstImageView& view, float strength)
+        : view_(view),
+          outer_(Products(-1.0f / 9.0f)),
+          centre_(Products((9.0f * strength - 1.0f) / 9.0f)),
+          columns_(static_cast<std::size_t>(view.cols)) {
+        for (auto& line : lines_)
+            line.resize(columns_.size());
+    }
 
-    std::int64_t operator()(const ConstImageView& view, std::int32_t col, std::int32_t row) const {
-        std::int64_t sum = 0;
-        for (std::int32_t y = row - 1; y <= row + 1; ++y) {
-            const Pel* pels = view.Row(y) + col;
-            sum += std::int64_t{outer_[pels[-1]]} + outer_[pels[1]];
-            sum += y == row ? centre_[pels[0]] : outer_[pels[0]];
+    /// Moves to a row that has one on either side, from one row to the next.
+    void MoveTo(std::int32_t row) {
+        for (next_ = std::max(next_, row - 1); next_ <= row + 1; ++next_) {
+            const Pel* pels = view_.Row(next_);
+            std::transform(pels, pels + view_.cols, Line(next_).begin(),
+                           [&](Pel pel) { return outer_[pel]; });
         }
-        return sum;
+        row_ = row;
+        const auto &above = Line(row - 1), &here = Line(row), &below = Line(row + 1);
+        for (std::size_t i = 0; i < columns_.size(); ++i)
+            columns_[i] = above[i] + here[i] + below[i];
+    }
+
+    std::int64_t At(std::int32_t col) const noexcept {
+        const auto i = static_cast<std::size_t>(col);
+        const Pel pel = view_.At(col, row_);
+        const std::int32_t all = columns_[i - 1] + columns_[i] + columns_[i + 1];
+        return std::int64_t{all - outer_[pel]} + centre_[pel];
     }
 
   private:
+    std::vector<std::int32_t>& Line(std::int32_t row) noexcept {
+        return lines_[static_cast<std::size_t>(row % 3)];
+    }
+
+    ConstImageView view_;
     std::vector<std::int32_t> outer_;
     std::vector<std::int32_t> centre_;
+    std::vector<std::int32_t> lines_[3];  ///< outer products of three rows
+    std::vector<std::int32_t> columns_;
+    std::int32_t next_ = 0;  ///< first row that lines_ has not held yet
+    std::int32_t row_ = 0;
 };
 
 OwnedImage Sharpen(const ConstImageView& view, float strength, const Rect& rect) {
-    OwnedImage result = CopyImage(view);
-    const ImageView out = result.View();
-    const Sharpener sharpen(strength);
     const Rect inner{std::max(rect.left, 1), std::max(rect.top, 1), std::min(rect.right, view.cols - 2),
                      std::min(rect.bottom, view.rows - 2)};
+    OwnedImage result = CopyAround(view, inner);
+    const ImageView out = result.View();
+    SharpenedRows sharpened(view, strength);
     for (std::int32_t row = inner.top; row <= inner.bottom; ++row) {
+        sharpened.MoveTo(row);
         // What a result below 1 becomes has always been decided by the source pel of the same running index,
         // and results lie packed, two fewer a row: the deciding pel drifts away from the place of the
         // result, row by row. Hosts compare images with earlier ones, so it stays.
         const Pel* const deciding = view.pels + std::ptrdiff_t{row - 1} * (view.cols - 2);
+        Pel* const pels = out.Row(row);
         for (std::int32_t col = inner.left; col <= inner.right; ++col) {
-            const std::int64_t value = sharpen(view, col, row);
+            const std::int64_t value = sharpened.At(col);
             const std::int32_t floor = deciding[col - 1] != 0 ? 1 : 0;
-            out.At(col, row) =
-                static_cast<Pel>(value < 1 ? floor : std::min<std::int64_t>(value, kLargestPel));
+            pels[col] = static_cast<Pel>(value < 1 ? floor : std::min<std::int64_t>(value, kLargestPel));
         }
     }
     RefreshImageValues(out);
