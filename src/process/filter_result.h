@@ -16,16 +16,17 @@ inline ConstImageView LocateHostImage(TqImage* const* host) noexcept {
     return host == nullptr ? ConstImageView{} : LocateImage(*host);
 }
 
-/// A copy of the source that a filter of a rectangle goes on to write into. Copying what will be written
-/// costs less than finding out what will not.
-inline OwnedImage CopyImage(const ConstImageView& source) {
-    OwnedImage copy(source, NewPels::kUnwritten);
-    std::memcpy(copy.View().pels, source.pels, source.Count() * sizeof(Pel));
-    return copy;
-}
-
 inline Rect WholeImage(const ConstImageView& view) noexcept {
     return {0, 0, view.cols - 1, view.rows - 1};
+}
+
+/// A new image for a filter that writes every pel of a rectangle: a copy of the source, unless nothing of it
+/// would be left.
+inline OwnedImage CopyAround(const ConstImageView& source, const Rect& written) {
+    OwnedImage copy(source, NewPels::kUnwritten);
+    if (written.Area() < WholeImage(source).Area())
+        std::memcpy(copy.View().pels, source.pels, source.Count() * sizeof(Pel));
+    return copy;
 }
 
 /// Replaces the host's image by make(), which throws when there is no memory.

@@ -116,8 +116,11 @@ void FilterMedians(const ConstImageView& view, const WindowSize& size, const Rec
     RepeatAtBorder(windows, rect, out);
 }
 
+constexpr Rect kNothing{0, 0, -1, -1};
+
 OwnedImage MakeMedian(const ConstImageView& view, const WindowSize& size, const Rect& rect) {
-    OwnedImage result = CopyImage(view);
+    // A window of one pel leaves every pel as it is.
+    OwnedImage result = CopyAround(view, size.IsPel() ? kNothing : rect);
     if (!rect.Empty() && !size.IsPel()) FilterMedians(view, size, rect, result.View());
     return result;
 }

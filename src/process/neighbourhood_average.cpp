@@ -59,7 +59,7 @@ void LitAverageInto(const ConstImageView& view, const WindowSize& size, const Re
 enum class Average { kAllPels, kLitPels };
 
 OwnedImage MakeAverage(const ConstImageView& view, Average what, const WindowSize& size, const Rect& rect) {
-    OwnedImage result = CopyImage(view);
+    OwnedImage result = CopyAround(view, rect);
     if (rect.Empty()) return result;
     const bool narrow = size.Area() <= kernels::kLargestNarrowWindow;
     const auto into = what == Average::kAllPels
