@@ -4,6 +4,8 @@
 #include <limits>
 #include <new>
 
+#include "platform/huge_pages.h"
+
 namespace tq {
 
 std::size_t GridBytes(std::size_t headBytes, std::size_t cellBytes, std::int64_t cols, std::int64_t rows) {
@@ -23,6 +25,7 @@ std::size_t BlockBytes(std::int32_t cols, std::int32_t rows) {
 OwnedImage::OwnedImage(std::int32_t cols, std::int32_t rows, NewPels fill) {
     const std::size_t bytes = BlockBytes(cols, rows);
     block_.reset(new std::uint8_t[bytes]);
+    AdviseHugePages(block_.get(), bytes);
     std::memset(block_.get(), 0, fill == NewPels::kZero ? bytes : sizeof(TqImageHeader));
     Header().PelCols = cols;
     Header().PelRows = rows;

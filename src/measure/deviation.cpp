@@ -1,7 +1,6 @@
 #include "tqimage/deviation.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <utility>
@@ -11,6 +10,7 @@
 #include "core/image_block.h"
 #include "core/image_view.h"
 #include "core/numerics.h"
+#include "core/population_deviation.h"
 #include "kernels/span_statistics.h"
 #include "measure/image_values.h"
 #include "measure/mura.h"
@@ -51,18 +51,8 @@ struct WrappedLitMoments : LitMoments {
     }
 };
 
-/// sqrt((n * squares - sum^2) / n^2), the quotient 0 / 0 for no pel. Taken about the integer next to the
-/// mean, which leaves the numerator as it is and its terms small: nothing cancels, and no rounding can make a
-/// variance negative. All integers stay below 2^62.
-double PopulationDeviation(const LitMoments& moments) {
-    const std::int64_t n = moments.count;
-    const std::int64_t sum = moments.sum;
-    const std::int64_t pivot = n > 0 ? (sum + n / 2) / n : 0;
-    const std::int64_t shiftedSum = sum - n * pivot;
-    const std::int64_t shiftedSquares = moments.squares - 2 * pivot * sum + n * pivot * pivot;
-    const auto count = static_cast<double>(n);
-    const double squaredSum = static_cast<double>(shiftedSum) * static_cast<double>(shiftedSum);
-    return std::sqrt((count * static_cast<double>(shiftedSquares) - squaredSum) / (count * count));
+double DeviationOf(const LitMoments& moments) noexcept {
+    return PopulationDeviation(moments.count, moments.sum, moments.squares);
 }
 
 double MeanOf(const LitMoments& moments) {
@@ -117,7 +107,7 @@ double TQ_CALL tqCalcStdDev(const TqImage* image, double* mean) {
     WrappedLitMoments moments;
     VisitRectangle({0, 0, view.cols - 1, view.rows - 1}, OnPelsOf(view, moments));
     *mean = MeanOf(moments);
-    return PopulationDeviation(moments);
+    return DeviationOf(moments);
 }
 
 double TQ_CALL tqCalcStdDevInRegion(const TqImage* image, double* mean, std::int32_t left, std::int32_t top,
@@ -127,7 +117,7 @@ double TQ_CALL tqCalcStdDevInRegion(const TqImage* image, double* mean, std::int
     LitMoments moments;
     region.Feed(moments);
     *mean = MeanOf(moments);
-    return PopulationDeviation(moments);
+    return DeviationOf(moments);
 }
 
 std::int32_t TQ_CALL tqCalcDevInRegion(const TqImage* image, double* mean, double* plusPercent,

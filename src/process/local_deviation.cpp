@@ -1,10 +1,10 @@
 #include <algorithm>
-#include <cmath>
 #include <cstdint>
 #include <utility>
 #include <vector>
 
 #include "core/numerics.h"
+#include "core/population_deviation.h"
 #include "process/filter_result.h"
 #include "process/window_sweep.h"
 #include "tqimage/local_contrast.h"
@@ -58,16 +58,6 @@ class SquareSums {
     std::vector<std::uint64_t> columns_;
     std::vector<std::uint64_t> sums_;
 };
-
-/// sqrt((n * squares - sum^2) / n^2) about the integer next to the mean: the numerator stays what it is and
-/// its terms small, so nothing cancels. Every integer stays below 2^62.
-double PopulationDeviation(std::int64_t n, std::int64_t sum, std::int64_t squares) noexcept {
-    const std::int64_t pivot = (sum + n / 2) / n;
-    const auto count = static_cast<double>(n);
-    const auto shifted = static_cast<double>(sum - n * pivot);
-    const auto shiftedSquares = static_cast<double>(squares - 2 * pivot * sum + n * pivot * pivot);
-    return std::sqrt((count * shiftedSquares - shifted * shifted) / (count * count));
-}
 
 /// Calls visit(col, row, deviation) for every pel with data, top down.
 template <class Visit>
