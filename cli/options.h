@@ -26,6 +26,19 @@ struct MeasureOptions {
     bool progress = false;
 };
 
+/// `tqimage uniformity` as it was typed.
+struct UniformityOptions {
+    std::string image;
+    HeaderOptions header;
+    std::string headerFile;
+    std::string spot;
+    bool ellipses = false;
+    std::string region = "rect:0,0,0,0";
+    double threshold = 1.0;
+    std::string json, csv;  ///< "-" for stdout
+    bool progress = false;
+};
+
 /// `tqimage simulate` as it was typed.
 struct SimulateOptions {
     std::string output;
@@ -50,6 +63,14 @@ struct SimulateOptions {
     bool progress = false;
 };
 
+/// `tqimage mtf` as it was typed.
+struct MtfOptions {
+    std::string image;
+    std::vector<std::string> regions;
+    std::int32_t points = 51;
+    std::string json;  ///< "-" for stdout
+};
+
 /// One or two whole numbers, the one standing for both, none below least; anything else is a usage error.
 std::array<std::int32_t, 2> ParsePair(const char* option, const std::string& text, std::int32_t least);
 
@@ -57,6 +78,8 @@ std::array<std::int32_t, 2> ParsePair(const char* option, const std::string& tex
 std::vector<Region> ParseRegions(const std::vector<std::string>& arguments);
 
 void RunMeasure(const MeasureOptions& options);
+void RunUniformity(const UniformityOptions& options);
 void RunSimulate(const SimulateOptions& options);
+void RunMtf(const MtfOptions& options);
 
 }  // namespace cli
