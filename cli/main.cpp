@@ -104,6 +104,54 @@ void AddUniformity(CLI::App& app, UniformityOptions& options) {
     AddReports(command, options.json, options.csv, options.progress);
 }
 
+void AddDefects(CLI::App& app, DefectOptions& options) {
+    CLI::App& command = *app.add_subcommand(
+        "defects", "Find the defects of a sensor and write the list that measure --defects takes");
+    command.add_option("IMAGE", options.image, "8-bit or 16-bit grey image, evenly lit or dark")->required();
+    const char* const search = "Search";
+    command.add_option("--kind", options.kind, "dark, bright or both")->capture_default_str()->group(search);
+    command.add_option("--reference", options.reference, "mean or median of the neighbourhood")
+        ->capture_default_str()
+        ->group(search);
+    command.add_option("--size", options.size, "Side of the neighbourhood, pels")
+        ->capture_default_str()
+        ->group(search);
+    command.add_option("--percent", options.percent, "Tolerance, percent of the reference")
+        ->capture_default_str()
+        ->group(search);
+    command
+        .add_option("--floor", options.floorPercent,
+                    "Neighbours up to so many percent of the image's mean are no reference (0: none)")
+        ->group(search);
+    command
+        .add_option("--clear-radius", options.clearRadius,
+                    "Test only pels without a 0 so many pels around (0: all)")
+        ->group(search);
+    command.add_flag("--zeros", options.zeros, "Pels of 0 are defects, not pels without data")->group(search);
+
+    const char* const list = "List";
+    command
+        .add_option("--line-share", options.lineShare,
+                    "A column or row with more than so many percent of its pels defect is listed whole")
+        ->capture_default_str()
+        ->group(list);
+    command.add_option("--defect-origin", options.origin, "C[,R]: sensor position of the first pel (0,0)")
+        ->group(list);
+    command.add_option("--bin", options.header.bin, "X[,Y]: sensor pels that one pel stands for (1)")
+        ->group(list);
+    command
+        .add_option("--header", options.headerFile,
+                    "JSON file with the binning (else IMAGE.json when there is one)")
+        ->group(list);
+    const char* const output = "Output";
+    command.add_option("-o,--output", options.output, "CSV file to write (stdout)")->group(output);
+    command
+        .add_option("--map", options.map, "Image to write, .png, .tif or .pgm: the defects' values, else 0")
+        ->group(output);
+    command.add_flag("--progress", options.progress, "Tell the progress even when stderr is no terminal")
+        ->group(output);
+}
+
 void AddSimulate(CLI::App& app, SimulateOptions& options) {
     CLI::App& command = *app.add_subcommand(
         "simulate", "Render the capture of a known lamp, with the files to measure it and the true figures");
@@ -183,12 +231,14 @@ int Run(int count, char** arguments) {
         "--expect.");
     MeasureOptions measure;
     UniformityOptions uniformity;
+    MtfOptions mtf;
+    DefectOptions defects;
     SimulateOptions simulate;
     AddMeasure(app, measure);
     AddUniformity(app, uniformity);
-    AddSimulate(app, simulate);
-    MtfOptions mtf;
     AddMtf(app, mtf);
+    AddDefects(app, defects);
+    AddSimulate(app, simulate);
     try {
         app.parse(count, arguments);
     } catch (const CLI::Success& shown) {
@@ -202,6 +252,8 @@ int Run(int count, char** arguments) {
         RunUniformity(uniformity);
     } else if (app.got_subcommand("mtf")) {
         RunMtf(mtf);
+    } else if (app.got_subcommand("defects")) {
+        RunDefects(defects);
     } else {
         RunSimulate(simulate);
     }

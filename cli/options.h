@@ -39,6 +39,24 @@ struct UniformityOptions {
     bool progress = false;
 };
 
+/// `tqimage defects` as it was typed.
+struct DefectOptions {
+    std::string image;
+    HeaderOptions header;  ///< of which only the binning counts
+    std::string headerFile;
+    std::string kind = "both";
+    std::string reference = "median";
+    std::int32_t size = 5;
+    double percent = 20.0;
+    double floorPercent = 0.0;
+    std::int32_t clearRadius = 0;
+    bool zeros = false;
+    double lineShare = 50.0;
+    std::string origin;
+    std::string output, map;
+    bool progress = false;
+};
+
 /// `tqimage simulate` as it was typed.
 struct SimulateOptions {
     std::string output;
@@ -77,6 +95,7 @@ std::array<std::int32_t, 2> ParsePair(const char* option, const std::string& tex
 /// The regions as typed; the whole image when there are none.
 std::vector<Region> ParseRegions(const std::vector<std::string>& arguments);
 
+void RunDefects(const DefectOptions& options);
 void RunMeasure(const MeasureOptions& options);
 void RunUniformity(const UniformityOptions& options);
 void RunSimulate(const SimulateOptions& options);

@@ -2,7 +2,8 @@
  *  Repair of the pels that a sensor delivers wrong: each is replaced by the mean of healthy neighbours.
  *
  *  All functions work in place. Co-ordinates are 0-based pels of the image unless sensor co-ordinates are
- *  named. Means are truncated to whole grey levels, and neighbours of value 0 are included in them.
+ *  named. Means are truncated to whole grey levels, and neighbours of value 0 are included in them; only
+ *  tqFixDefects leaves them out.
  */
 #ifndef TQIMAGE_DEFECTS_H
 #define TQIMAGE_DEFECTS_H
@@ -116,6 +117,63 @@ TQ_API int32_t TQ_CALL tqReplaceBlock(TqImage* image, int32_t column, int32_t ro
  */
 TQ_API int32_t TQ_CALL tqRemoveBadPixels(TqImage* image, int32_t originColumn, int32_t originRow,
                                          int32_t width, int32_t height, SAFEARRAY** list);
+
+/**
+ * @brief Repairs every pel that a defect image marks.
+ *
+ * A marked pel becomes the mean, truncated, of the pels of its window that are neither 0 nor marked and do
+ * not touch it: more than one column or more than one row away. The window starts width / 2 columns left of
+ * the pel and height / 2 rows above it; at the border it is moved inward and keeps its size. A pel without
+ * such a neighbour is left as it is.
+ *
+ * @param[in,out] image Image to repair.
+ * @param[in] map       Defect image of the same size; every pel that is not 0 marks a defect.
+ * @param[in] width     Width of the window, 0..PelCols.
+ * @param[in] height    Height of the window, 0..PelRows.
+ * @return 0; -2 image is null or invalid; -3 map is null or invalid; -4 their sizes differ; -5 width or
+ *         height out of range.
+ */
+TQ_API int32_t TQ_CALL tqFixDefects(TqImage* image, const TqImage* map, int32_t width, int32_t height);
+
+/**
+ * @brief Replaces every pel above a threshold by a multiple of the mean of the pels around it.
+ *
+ * Width and height below 2 mean 1; they are limited to the image, and an even one is reduced by one. At the
+ * border the window is moved inward and keeps its size. A pel above the threshold becomes factor times the
+ * mean of the window's pels at or below the threshold, truncated, 65535 at most; without such a pel it stays.
+ *
+ * @param[in,out] image Image to repair.
+ * @param[in] threshold Largest grey level of a healthy pel.
+ * @param[in] factor    Factor of the mean; below 0 means 0.
+ * @param[in] width     Width of the window, pels.
+ * @param[in] height    Height of the window, pels.
+ * @return 0; -2 image is null or invalid.
+ * @note The work is done in place, row by row from the left: pels already replaced count as healthy for
+ *       those that follow. Pels of 0 count as healthy.
+ * @note A product beyond 2147483647 gives 0, like every number that does not fit.
+ */
+TQ_API int32_t TQ_CALL tqReplaceHotPixels(TqImage* image, int32_t threshold, float factor, int32_t width,
+                                          int32_t height);
+
+/**
+ * @brief Fills a rectangle around every pel above a threshold with one value.
+ *
+ * The rectangle reaches width / 2 columns to each side of the pel and height / 2 rows above and below it
+ * (integer division), cut at the border.
+ *
+ * @param[in,out] image Image to edit.
+ * @param[in] threshold Largest grey level that is no spike.
+ * @param[in] value     Value to write, 65535 at most; below 0 the image's mean,
+ *                      TotalPelValue / (PelCols * PelRows), truncated.
+ * @param[in] width     Width of the rectangle, pels; below -1 nothing is filled.
+ * @param[in] height    Height of the rectangle, pels; below -1 nothing is filled.
+ * @return 0; -2 image is null or invalid.
+ * @note The work is done in place, row by row from the left. A value above the threshold spreads on purpose
+ *       through every pel that it reaches.
+ * @note The mean comes from the header as it is; it is not computed anew.
+ */
+TQ_API int32_t TQ_CALL tqEditSpikes(TqImage* image, int32_t threshold, int32_t value, int32_t width,
+                                    int32_t height);
 
 #ifdef __cplusplus
 } /* extern "C" */

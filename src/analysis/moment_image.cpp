@@ -5,6 +5,7 @@
 #include "core/guard.h"
 #include "core/image_block.h"
 #include "core/image_view.h"
+#include "core/window.h"
 #include "kernels/window_moments.h"
 #include "tqimage/moments.h"
 
@@ -17,12 +18,6 @@ constexpr std::int32_t kFailed = -1;
 
 /// The grey level of the largest moment.
 constexpr float kFullScale = 65000.0f;
-
-/// Windows have a middle: even sizes lose one.
-std::int32_t WindowSide(std::int32_t asked, std::int32_t pels) noexcept {
-    const std::int32_t side = std::min(std::max(asked, 1), pels);
-    return side % 2 == 0 ? side - 1 : side;
-}
 
 std::size_t Size(std::int32_t count) noexcept {
     return static_cast<std::size_t>(count);
@@ -106,8 +101,8 @@ std::int32_t TQ_CALL tqCalcMoment(TqImage** result, const TqImage* image, std::i
                                   std::int32_t windowCols, std::int32_t windowRows) {
     const ConstImageView view = LocateImage(image);
     if (result == nullptr || !view) return kInvalidImage;
-    const std::int32_t cols = WindowSide(windowCols, view.cols);
-    const std::int32_t rows = WindowSide(windowRows, view.rows);
+    const std::int32_t cols = OddWindow(windowCols, view.cols);
+    const std::int32_t rows = OddWindow(windowRows, view.rows);
     if (cols == 1 && rows == 1) return 0;
 
     OwnedImage moments;

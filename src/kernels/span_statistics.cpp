@@ -71,6 +71,22 @@ std::uint64_t SumPels(const std::uint16_t* pels, std::size_t count) {
     return sum;
 }
 
+std::uint64_t SumBytes(const std::uint8_t* bytes, std::size_t count) {
+    std::uint64_t sum = 0;
+    std::size_t i = 0;
+#if HWY_TARGET != HWY_SCALAR
+    const hn::ScalableTag<std::uint8_t> d;
+    const std::size_t lanes = hn::Lanes(d);
+    auto total = hn::Zero(U64());
+    for (; i + lanes <= count; i += lanes)
+        total = hn::Add(total, hn::SumsOf8(hn::LoadU(d, bytes + i)));
+    sum = Total(total);
+#endif
+    for (; i < count; ++i)
+        sum += bytes[i];
+    return sum;
+}
+
 Totals FindTotals(const std::uint16_t* pels, std::size_t count) {
     Totals result;
     std::size_t i = 0;
@@ -248,6 +264,7 @@ HWY_AFTER_NAMESPACE();
 namespace tq::kernels {
 
 HWY_EXPORT(SumPels);
+HWY_EXPORT(SumBytes);
 HWY_EXPORT(FindTotals);
 HWY_EXPORT(CountAtLeast);
 HWY_EXPORT(SumAtLeast);
@@ -257,6 +274,10 @@ HWY_EXPORT(FindSmallestNonZero);
 
 std::uint64_t SumPels(const std::uint16_t* pels, std::size_t count) {
     return HWY_DYNAMIC_DISPATCH(SumPels)(pels, count);
+}
+
+std::uint64_t SumBytes(const std::uint8_t* bytes, std::size_t count) {
+    return HWY_DYNAMIC_DISPATCH(SumBytes)(bytes, count);
 }
 
 Totals FindTotals(const std::uint16_t* pels, std::size_t count) {

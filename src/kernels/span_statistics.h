@@ -31,6 +31,8 @@ struct Totals {
 
 std::uint64_t SumPels(const std::uint16_t* pels, std::size_t count);
 
+std::uint64_t SumBytes(const std::uint8_t* bytes, std::size_t count);
+
 /// Of at most 2^32 pels: that many squares below 2^32 stay within 64 bits.
 Totals FindTotals(const std::uint16_t* pels, std::size_t count);
 

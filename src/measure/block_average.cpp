@@ -11,9 +11,9 @@ namespace tq {
 
 double BlockAverage(const ConstImageView& view, std::int32_t centerCol, std::int32_t centerRow,
                     std::int32_t width, std::int32_t height) {
-    const BlockReach cols =
+    const Reach cols =
         PlaceBlock(std::clamp(centerCol, 0, view.cols - 1), std::max(width, 1), view.cols);
-    const BlockReach rows =
+    const Reach rows =
         PlaceBlock(std::clamp(centerRow, 0, view.rows - 1), std::max(height, 1), view.rows);
     TotalAtLeast total(0);
     VisitRectangle({cols.first, rows.first, cols.last, rows.last}, OnPelsOf(view, total));

@@ -8,7 +8,7 @@
 
 namespace tq {
 
-BlockReach PlaceBlock(std::int32_t center, std::int32_t size, std::int32_t pels) noexcept {
+Reach PlaceBlock(std::int32_t center, std::int32_t size, std::int32_t pels) noexcept {
     const std::int32_t first = std::max(center - (size >> 1), 0);
     const std::int64_t last = std::min<std::int64_t>(std::int64_t{first} + size - 1, pels - 1);
     return {first, static_cast<std::int32_t>(last)};
@@ -92,14 +92,14 @@ class RectangleSweep final : public BlockSweep {
 
   private:
     double BlockSum(std::int32_t center) const noexcept {
-        const BlockReach reach = PlaceBlock(center, width_, view_.cols);
+        const Reach reach = PlaceBlock(center, width_, view_.cols);
         return prefix_[Size(reach.last + 1 - firstCol_)] - prefix_[Size(reach.first - firstCol_)];
     }
 
     const Pel* Entering(std::int32_t row) { return source_.Entering(row) + firstCol_; }
     const Pel* Leaving(std::int32_t row) { return source_.Leaving(row) + firstCol_; }
 
-    void SlideBand(BlockReach band) {
+    void SlideBand(Reach band) {
         if (band.first > last_ || band.last < first_) {  // nothing shared, as at the start
             std::fill(columns_.begin(), columns_.end(), 0U);
             first_ = band.first;
@@ -123,8 +123,7 @@ class RectangleSweep final : public BlockSweep {
         countedRows_ = last_ - first_ + 1;
         ++countsVersion_;
         for (std::size_t i = 0; i < counts_.size(); ++i) {
-            const BlockReach reach =
-                PlaceBlock(firstCenter_ + static_cast<std::int32_t>(i), width_, view_.cols);
+            const Reach reach = PlaceBlock(firstCenter_ + static_cast<std::int32_t>(i), width_, view_.cols);
             counts_[i] = static_cast<double>(reach.last - reach.first + 1) * countedRows_;
         }
     }
@@ -179,7 +178,7 @@ class EllipseSweep final : public BlockSweep {
         for (std::int32_t first = top; first <= bottom; first += slots_) {
             AddRows(row, first, std::min(first + slots_ - 1, bottom));
         }
-        const BlockReach covered{top - row, bottom - row};
+        const Reach covered{top - row, bottom - row};
         if (covered.first != counted_.first || covered.last != counted_.last) CountPels(covered);
     }
 
@@ -213,7 +212,7 @@ class EllipseSweep final : public BlockSweep {
         return start;
     }
 
-    void CountPels(BlockReach covered) {
+    void CountPels(Reach covered) {
         counted_ = covered;
         ++countsVersion_;
         std::fill(counts_.begin(), counts_.end(), 0.0);
@@ -239,7 +238,7 @@ class EllipseSweep final : public BlockSweep {
     std::vector<std::uint32_t> prefixes_;  ///< a ring of rows
     std::vector<std::int32_t> held_;       ///< the image row in each slot of the ring
     std::vector<kernels::BlockRow> blockRows_;
-    BlockReach counted_{1, 0};
+    Reach counted_{1, 0};
 };
 
 template <class Rows>

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/image_view.h"
+#include "core/window.h"
 
 namespace tq {
 
@@ -17,15 +18,9 @@ inline BlockShape BlockShapeOf(std::int32_t kind) noexcept {
     return kind == 0 ? BlockShape::kRectangle : BlockShape::kEllipse;
 }
 
-/// A block of pels around a centre pel, and what it covers along one axis.
-struct BlockReach {
-    std::int32_t first;
-    std::int32_t last;
-};
-
 /// The placement of rectangular blocks: at the left and top edge a block slides inward and keeps its size, at
 /// the right and bottom edge it is cut. Hosts compare block averages along edges, so the asymmetry stays.
-BlockReach PlaceBlock(std::int32_t center, std::int32_t size, std::int32_t pels) noexcept;
+Reach PlaceBlock(std::int32_t center, std::int32_t size, std::int32_t pels) noexcept;
 
 /// Sums of the blocks around every centre of a row, row by row. What a position costs does not depend on the
 /// area of the block: rectangles cost the same for every size, ellipses two reads for each of their rows.

@@ -6,6 +6,7 @@
 
 #include "core/numerics.h"
 #include "core/rectangle.h"
+#include "core/window.h"
 #include "kernels/neighbourhood.h"
 #include "measure/region_shapes.h"
 #include "measure/span_consumers.h"
@@ -16,14 +17,9 @@ namespace {
 /// What CenterPelValue says when the centre lies outside the image: hosts divide by the field.
 constexpr float kNoCenterPel = 1.0f;
 
-struct Stretch {
-    std::int32_t first;
-    std::int32_t last;
-};
-
 /// The pels of one axis that count as the centre: about a hundredth of the image, at least one. Near the far
 /// end of a small image rounding leads past the last pel; the stretch is then empty.
-Stretch CenterStretch(float center, std::int32_t pels) noexcept {
+Reach CenterReach(float center, std::int32_t pels) noexcept {
     const std::int32_t half = TruncToInt32((pels + 49) * 0.005);
     return {std::max(TruncToInt32(static_cast<double>(center) - half + 0.5), 0),
             std::min(TruncToInt32(static_cast<double>(center) + half + 0.5), pels - 1)};
@@ -34,8 +30,8 @@ float CenterPelValue(const ConstImageView& view) {
     const bool inside = header.CenterCol >= 0.0f && header.CenterCol < static_cast<float>(view.cols) &&
                         header.CenterRow >= 0.0f && header.CenterRow < static_cast<float>(view.rows);
     if (!inside) return kNoCenterPel;
-    const Stretch cols = CenterStretch(header.CenterCol, view.cols);
-    const Stretch rows = CenterStretch(header.CenterRow, view.rows);
+    const Reach cols = CenterReach(header.CenterCol, view.cols);
+    const Reach rows = CenterReach(header.CenterRow, view.rows);
     TotalAtLeast total(0);
     VisitRectangle({cols.first, rows.first, cols.last, rows.last}, OnPelsOf(view, total));
     return static_cast<float>(total.Mean());

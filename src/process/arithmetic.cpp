@@ -1,7 +1,11 @@
+#include <algorithm>
+
 #include "core/guard.h"
 #include "core/image_block.h"
 #include "core/image_view.h"
-#include "kernels/saturating.h"
+#include "kernels/grey_arithmetic.h"
+#include "kernels/pel_arithmetic.h"
+#include "process/pel_runs.h"
 #include "tqimage/point_operations.h"
 
 namespace tq {
@@ -48,13 +52,30 @@ OwnedImage Subtract(const ConstImageView& a, const ConstImageView& b, Offset off
     return result;
 }
 
+OwnedImage Multiply(const ConstImageView& a, const ConstImageView& b, Offset offset, std::int32_t divisor) {
+    OwnedImage result(a, NewPels::kUnwritten);
+    const ImageView out = result.View();
+    const std::int32_t shared = std::clamp(b.cols - offset.col, 0, a.cols);
+    for (std::int32_t row = 0; row < a.rows; ++row) {
+        const Pel* source = a.Row(row);
+        // Outside b there is nothing to multiply by: the pels are kept.
+        const std::int32_t multiplied = b.Contains(0, std::int64_t{row} + offset.row) ? shared : 0;
+        if (multiplied > 0) {
+            kernels::MultiplyGreys(source, b.Row(row + offset.row) + offset.col, static_cast<float>(divisor),
+                                   out.Row(row), static_cast<std::size_t>(multiplied));
+        }
+        std::copy(source + multiplied, source + a.cols, out.Row(row) + multiplied);
+    }
+    return result;
+}
+
 }  // namespace
 }  // namespace tq
 
 using namespace tq;
 
 std::int32_t TQ_CALL tqSubtractImage(TqImage** a, const TqImage* b) {
-    const ConstImageView minuend = a == nullptr ? ConstImageView{} : LocateImage(*a);
+    const ConstImageView minuend = LocateHeld(a);
     if (!minuend) return kInvalidImage;
     const ConstImageView subtrahend = LocateImage(b);
     if (!subtrahend) return kInvalidOperand;
@@ -68,6 +89,19 @@ std::int32_t TQ_CALL tqSubtractImage(TqImage** a, const TqImage* b) {
 
     return Guarded(kNoMemory, [&] {
         CommitImage(a, Subtract(minuend, subtrahend, offset));
+        return 0;
+    });
+}
+
+std::int32_t TQ_CALL tqMultiplyImages(TqImage** a, const TqImage* b, std::int32_t divisor) {
+    const ConstImageView multiplicand = LocateHeld(a);
+    if (!multiplicand) return kInvalidImage;
+    const ConstImageView multiplier = LocateImage(b);
+    if (!multiplier) return kInvalidOperand;
+    Offset offset = StatedOffset(multiplier);
+    if (const std::int32_t status = AcceptOffset(offset); status != 0) return status;
+    return Guarded(kNoMemory, [&] {
+        CommitImage(a, Multiply(multiplicand, multiplier, offset, divisor));
         return 0;
     });
 }

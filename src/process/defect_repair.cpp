@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "core/rectangle.h"
+#include "core/window.h"
 #include "kernels/span_statistics.h"
 #include "tqimage/defects.h"
 
@@ -23,19 +24,8 @@ std::uint64_t SumPels(const ImageView& image, const Rect& area) noexcept {
     return sum;
 }
 
-/// The neighbourhood of a pel along one axis, cut at the border. `extent` may be any number: the half of it
-/// is taken toward zero, so 0 and 1 give the pel alone and -2 gives none.
-struct Neighbours {
-    std::int32_t first;
-    std::int32_t last;
-
-    Neighbours(std::int32_t at, std::int32_t extent, std::int32_t size) noexcept
-        : first(std::max(0, at - extent / 2)), last(std::min(size - 1, at + extent / 2)) {}
-    std::int32_t Count() const noexcept { return last - first + 1; }
-};
-
 /// One line across a defect column or row: `stride` leads from neighbour to neighbour.
-Pel MeanAcross(const Pel* line, std::ptrdiff_t stride, const Neighbours& across, std::int32_t defect) {
+Pel MeanAcross(const Pel* line, std::ptrdiff_t stride, const Reach& across, std::int32_t defect) {
     // Three wide is the usual case and has its own rule. Where the border has cut a wider neighbourhood to
     // three, the defect is one of the two outer pels; hosts have been seeing that value and compare with it.
     if (across.Count() == 3) {
@@ -66,8 +56,8 @@ Rect CutBlock(const ImageView& image, std::int32_t col, std::int32_t row, std::i
 bool RepairPel(const ImageView& image, std::int32_t col, std::int32_t row, std::int32_t width,
                std::int32_t height) noexcept {
     if (!image.Contains(col, row)) return false;
-    const Neighbours cols(col, width, image.cols);
-    const Neighbours rows(row, height, image.rows);
+    const Reach cols = ClippedReach(col, width, image.cols);
+    const Reach rows = ClippedReach(row, height, image.rows);
     const Rect area{cols.first, rows.first, cols.last, rows.last};
     if (area.Area() < 2) return false;
     Pel& pel = image.At(col, row);
@@ -79,7 +69,7 @@ bool RepairPel(const ImageView& image, std::int32_t col, std::int32_t row, std::
 bool RepairCol(const ImageView& image, std::int32_t col, std::int32_t firstRow, std::int32_t lastRow,
                std::int32_t width) noexcept {
     if (!image.Contains(col, 0)) return false;
-    const Neighbours across(col, width, image.cols);
+    const Reach across = ClippedReach(col, width, image.cols);
     if (across.Count() < 2) return false;
     const std::int32_t last = std::min(lastRow, image.rows - 1);
     for (std::int32_t row = std::max(firstRow, 0); row <= last; ++row) {
@@ -91,7 +81,7 @@ bool RepairCol(const ImageView& image, std::int32_t col, std::int32_t firstRow, 
 bool RepairRow(const ImageView& image, std::int32_t row, std::int32_t firstCol, std::int32_t lastCol,
                std::int32_t height) noexcept {
     if (!image.Contains(0, row)) return false;
-    const Neighbours across(row, height, image.rows);
+    const Reach across = ClippedReach(row, height, image.rows);
     if (across.Count() < 2) return false;
     const std::int32_t last = std::min(lastCol, image.cols - 1);
     for (std::int32_t col = std::max(firstCol, 0); col <= last; ++col) {

@@ -1,0 +1,166 @@
+#include <cmath>
+#include <cstdio>
+#include <limits>
+
+#include "defect_csv.h"
+#include "failure.h"
+#include "files.h"
+#include "library.h"
+#include "options.h"
+#include "progress.h"
+#include "text.h"
+#include "tqimage/defect_detection.h"
+#include "tqimage/whole_image.h"
+
+namespace cli {
+namespace {
+
+constexpr std::int32_t kAnyNumber = std::numeric_limits<std::int32_t>::min();
+
+/// The library's code of a word, which is its place among the choices.
+template <std::size_t kCount>
+std::int32_t ParseChoice(const char* option, const std::string& word, const char* const (&choices)[kCount]) {
+    std::string known;
+    for (std::size_t code = 0; code < kCount; ++code) {
+        if (word == choices[code]) return static_cast<std::int32_t>(code);
+        known += std::string(code == 0 ? "" : code + 1 == kCount ? " or " : ", ") + choices[code];
+    }
+    FailUsage(std::string(option) + " is " + known + ", not " + word);
+}
+
+void CheckRanges(const DefectOptions& options) {
+    if (options.size < 2) FailUsage("--size is 2 at least");
+    if (!(options.percent >= 0.0) || !std::isfinite(options.percent)) FailUsage("--percent is not negative");
+    if (!(options.floorPercent >= 0.0)) FailUsage("--floor is not negative");
+    if (options.clearRadius < 0) FailUsage("--clear-radius is not negative");
+    if (options.clearRadius > 0 && options.floorPercent > 0.0) {
+        FailUsage("--clear-radius and --floor exclude each other");
+    }
+    if (!(options.lineShare >= 0.0)) FailUsage("--line-share is not negative");
+    if (!options.map.empty()) CheckImageName(options.map);
+}
+
+/// Leaves in `found` the values of the defects and 0 everywhere else.
+void Find(const DefectOptions& options, const HostImage& image, HostImage& found) {
+    const std::int32_t kind = ParseChoice("--kind", options.kind, {"dark", "bright", "both"});
+    const std::int32_t reference = ParseChoice("--reference", options.reference, {"mean", "median"});
+    const auto find = [&] {
+        if (options.clearRadius > 0) {
+            return tqFindPixelDefects2(found.Address(), image.Get(), kind, reference, options.size,
+                                       options.percent, options.clearRadius, nullptr, nullptr);
+        }
+        return tqFindPixelDefects3(found.Address(), image.Get(), kind, reference, options.size,
+                                   options.percent, options.floorPercent, nullptr, nullptr);
+    };
+    Require(find(), options.image, "the search for defects");
+}
+
+/// Which pels are defect, and what of it goes into the list.
+class DefectMarks {
+  public:
+    DefectMarks(const HostImage& found, const HostImage& image, bool zeros)
+        : cols_(image.Header().PelCols), rows_(image.Header().PelRows) {
+        for (std::int32_t row = 0; row < rows_; ++row) {
+            for (std::int32_t col = 0; col < cols_; ++col) {
+                marks_.push_back(found.Row(row)[col] != 0 || (zeros && image.Row(row)[col] == 0));
+            }
+        }
+    }
+
+    /// Columns and rows that are mostly defect, then the other pels. Columns come first: what repairs them
+    /// lies beside them, and the pels are repaired from what has been mended.
+    std::vector<Defect> List(double lineShare) const {
+        std::vector<bool> wholeCols, wholeRows;
+        for (std::int32_t col = 0; col < cols_; ++col) {
+            std::int64_t count = 0;
+            for (std::int32_t row = 0; row < rows_; ++row)
+                count += At(col, row) ? 1 : 0;
+            wholeCols.push_back(static_cast<double>(count) * 100.0 > lineShare * rows_);
+        }
+        for (std::int32_t row = 0; row < rows_; ++row) {
+            std::int64_t count = 0;
+            for (std::int32_t col = 0; col < cols_; ++col)
+                count += At(col, row) ? 1 : 0;
+            wholeRows.push_back(static_cast<double>(count) * 100.0 > lineShare * cols_);
+        }
+        std::vector<Defect> list;
+        for (std::int32_t col = 0; col < cols_; ++col) {
+            if (wholeCols[Index(col)]) list.push_back({kDefectColumn, col, 0, 0, 0});
+        }
+        for (std::int32_t row = 0; row < rows_; ++row) {
+            if (wholeRows[Index(row)]) list.push_back({kDefectRow, 0, row, 0, 0});
+        }
+        for (std::int32_t row = 0; row < rows_; ++row) {
+            for (std::int32_t col = 0; col < cols_; ++col) {
+                if (At(col, row) && !wholeCols[Index(col)] && !wholeRows[Index(row)]) {
+                    list.push_back({kDefectPel, col, row, 0, 0});
+                }
+            }
+        }
+        return list;
+    }
+
+  private:
+    static std::size_t Index(std::int32_t at) { return static_cast<std::size_t>(at); }
+    bool At(std::int32_t col, std::int32_t row) const {
+        return marks_[Index(row) * Index(cols_) + Index(col)];
+    }
+
+    std::int32_t cols_;
+    std::int32_t rows_;
+    std::vector<bool> marks_;
+};
+
+/// Lists are in sensor co-ordinates, so that they serve images of every binning and part of the sensor.
+void MoveToSensor(std::vector<Defect>& list, const DefectOptions& options, const TqImageHeader& header) {
+    std::array<std::int32_t, 2> origin{};
+    if (!options.origin.empty()) origin = ParsePair("--defect-origin", options.origin, kAnyNumber);
+    const std::array<std::int16_t, 2> bin{header.BinCols, header.BinRows};
+    for (Defect& defect : list) {
+        for (std::size_t axis = 0; axis < 2; ++axis) {
+            const std::int64_t sensor = origin[axis] + std::int64_t{defect[axis + 1]} * bin[axis];
+            if (sensor != static_cast<std::int32_t>(sensor)) {
+                FailUsage("--defect-origin " + options.origin + ": no sensor reaches that far");
+            }
+            defect[axis + 1] = static_cast<std::int32_t>(sensor);
+        }
+    }
+}
+
+GreyImage MapOf(const HostImage& found) {
+    const TqImageHeader header = found.Header();
+    GreyImage map{header.PelCols, header.PelRows, 16, {}};
+    map.pels.assign(found.Row(0), found.Row(header.PelRows));
+    return map;
+}
+
+}  // namespace
+
+void RunDefects(const DefectOptions& options) {
+    CheckRanges(options);
+    const Progress progress(options.progress);
+    const PhotometricHeader header = FindHeader(options.image, options.headerFile, options.header);
+    progress.Stage("reading " + options.image);
+    const GreyImage pels = ReadImage(options.image);
+    HostImage image(pels, MakeHeader(header, pels.cols, pels.rows));
+    Require(tqCalcImageValues(image.Get()), options.image, "the image's mean");
+
+    progress.Stage("looking for defects");
+    HostImage found(1, 1);
+    Find(options, image, found);
+    std::vector<Defect> list = DefectMarks(found, image, options.zeros).List(options.lineShare);
+    MoveToSensor(list, options, image.Header());
+
+    progress.Stage(Format("writing %zu defects", list.size()));
+    OutputFiles files;
+    if (!options.map.empty()) WriteImage(options.map, files.Add(options.map).WorkingPath(), MapOf(found));
+    const std::string text = FormatDefects(list);
+    if (!options.output.empty()) files.Add(options.output).Write(text);
+    files.Commit();
+    if (!options.output.empty()) return;
+    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0) {
+        FailFile("stdout", "cannot be written");
+    }
+}
+
+}  // namespace cli

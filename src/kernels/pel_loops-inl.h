@@ -1,0 +1,205 @@
+// The loops of the point operations, compiled once for each instruction set like the kernels that include
+// them. An operation hands in its arithmetic; loading, converting, storing and finishing a run are here.
+
+#if defined(TQIMAGE_KERNELS_PEL_LOOPS_INL_H) == defined(HWY_TARGET_TOGGLE)
+#ifdef TQIMAGE_KERNELS_PEL_LOOPS_INL_H
+#undef TQIMAGE_KERNELS_PEL_LOOPS_INL_H
+#else
+#define TQIMAGE_KERNELS_PEL_LOOPS_INL_H
+#endif
+
+#include <hwy/highway.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+
+#include "core/numerics.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace tq::kernels::HWY_NAMESPACE {
+namespace hn = hwy::HWY_NAMESPACE;
+
+/// out[i] = plain(in[i]...), where vector(d, lanes...) does the same to a vector of pels. `out` may be any of
+/// the inputs, here and below.
+template <class Vector, class Plain, class... In>
+HWY_INLINE void MapPels(Pel* out, std::size_t count, [[maybe_unused]] Vector vector, Plain plain,
+                        const In*... in) {
+    std::size_t i = 0;
+#if HWY_TARGET != HWY_SCALAR
+    const hn::ScalableTag<Pel> d;
+    const std::size_t lanes = hn::Lanes(d);
+    for (; i + lanes <= count; i += lanes)
+        hn::StoreU(vector(d, hn::LoadU(d, in + i)...), d, out + i);
+#endif
+    for (; i < count; ++i)
+        out[i] = plain(in[i]...);
+}
+
+// Formulas in floating point are written once, as formula(k, pels...), for vectors and for single numbers:
+// the operators exist for both, k(x) is the constant x, and the functions below stand for the rest.
+
+template <class T>
+struct PlainConstants {
+    HWY_INLINE T operator()(T value) const { return value; }
+};
+
+template <class D>
+struct LaneConstants {
+    HWY_INLINE hn::Vec<D> operator()(hn::TFromD<D> value) const { return hn::Set(D(), value); }
+};
+
+HWY_INLINE float SquareRoot(float value) {
+    return std::sqrt(value);
+}
+
+/// A double through single precision.
+HWY_INLINE double RoundToFloat(double value) {
+    return static_cast<double>(static_cast<float>(value));
+}
+
+/// `value`, or `instead` where `divisor` is 0.
+HWY_INLINE double UnlessZero(double divisor, double value, double instead) {
+    return divisor == 0.0 ? instead : value;
+}
+
+#if HWY_TARGET != HWY_SCALAR
+template <class V>
+HWY_INLINE V SquareRoot(V value) {
+    return hn::Sqrt(value);
+}
+
+template <class V>
+HWY_INLINE V RoundToFloat(V value) {
+    const hn::DFromV<V> d;
+    return hn::PromoteTo(d, hn::DemoteTo(hn::Rebind<float, decltype(d)>(), value));
+}
+
+template <class V>
+HWY_INLINE V UnlessZero(V divisor, V value, V instead) {
+    return hn::IfThenElse(hn::Eq(divisor, hn::Zero(hn::DFromV<V>())), instead, value);
+}
+#endif
+
+/// What becomes of a truncated result that is no pel: its low 16 bits; 65535 above that and else its low 16
+/// bits; the nearest pel. The ceiling differs from the cap in that it precedes the truncation, so that a
+/// number too large for an integer counts as large.
+enum class Excess { kWrap, kCap, kClamp, kCeiling };
+
+template <Excess kExcess, class T>
+HWY_INLINE Pel ToPel(T value) {
+    if (kExcess == Excess::kCeiling && value > T{kLargestPel}) return Pel{kLargestPel};
+    const std::int32_t whole = TruncToInt32(static_cast<double>(value));
+    if (kExcess == Excess::kCap) return WrapToPel(std::min(whole, kLargestPel));
+    return kExcess == Excess::kClamp ? ClampToPel(whole) : WrapToPel(whole);
+}
+
+#if HWY_TARGET != HWY_SCALAR
+HWY_INLINE hn::Vec<hn::ScalableTag<double>> LoadNumbers(hn::ScalableTag<double> d, const Pel* pels) {
+    const hn::Rebind<std::int32_t, decltype(d)> d32;
+    return hn::PromoteTo(d, hn::PromoteTo(d32, hn::LoadU(hn::Rebind<Pel, decltype(d)>(), pels)));
+}
+
+HWY_INLINE hn::Vec<hn::ScalableTag<float>> LoadNumbers(hn::ScalableTag<float> d, const Pel* pels) {
+    const hn::Rebind<std::int32_t, decltype(d)> d32;
+    return hn::ConvertTo(d, hn::PromoteTo(d32, hn::LoadU(hn::Rebind<Pel, decltype(d)>(), pels)));
+}
+
+HWY_INLINE auto TruncateLanes(hn::ScalableTag<double> d, hn::Vec<hn::ScalableTag<double>> values) {
+    return hn::DemoteTo(hn::Rebind<std::int32_t, decltype(d)>(), values);
+}
+
+HWY_INLINE auto TruncateLanes(hn::ScalableTag<float> d, hn::Vec<hn::ScalableTag<float>> values) {
+    return hn::ConvertTo(hn::RebindToSigned<decltype(d)>(), values);
+}
+
+/// ToPel for a vector. The conversions of the instruction sets differ outside the range of 32 bits, so
+/// nothing outside it reaches them.
+template <Excess kExcess, class D, class V>
+HWY_INLINE auto ToPels(D d, V values) {
+    using T = hn::TFromD<D>;
+    const hn::Rebind<std::int32_t, D> d32;
+    const auto ceiling = hn::Set(d, T{kLargestPel});
+    if (kExcess == Excess::kCeiling) values = hn::IfThenElse(hn::Gt(values, ceiling), ceiling, values);
+    const auto lowest = hn::Set(d, T{-2147483648.0});
+    const auto fits = hn::And(hn::Ge(values, lowest), hn::Lt(values, hn::Set(d, T{2147483648.0})));
+    auto whole = TruncateLanes(d, hn::IfThenElse(fits, values, lowest));
+    if (kExcess == Excess::kCap) whole = hn::Min(whole, hn::Set(d32, kLargestPel));
+    if (kExcess != Excess::kClamp) whole = hn::And(whole, hn::Set(d32, 0xFFFF));
+    return hn::DemoteTo(hn::Rebind<Pel, D>(), whole);  // saturates, which is the clamp
+}
+
+/// Lanes whose truncation a relative error of a few 2^-52 cannot change: below 2^20 it amounts to 1e-9. NaN
+/// is not among them.
+template <class D, class V>
+HWY_INLINE auto SurelyTruncated(D d, V values) {
+    const auto distance = hn::Abs(hn::Sub(values, hn::Round(values)));
+    return hn::And(hn::Gt(distance, hn::Set(d, 1e-7)), hn::Lt(hn::Abs(values), hn::Set(d, 1048576.0)));
+}
+#endif
+
+/// out[i] = formula(k, in[i]...) in precision T, truncated. Where `estimate` gives no sure truncation the
+/// formula, which divides more often, has the word.
+template <Excess kExcess, class T, class Formula, class Estimate, class... In>
+HWY_INLINE void ComputeEstimated(Pel* out, std::size_t count, Formula formula,
+                                 [[maybe_unused]] Estimate estimate, const In*... in) {
+    std::size_t i = 0;
+#if HWY_TARGET != HWY_SCALAR
+    const hn::ScalableTag<T> d;
+    const hn::Rebind<Pel, decltype(d)> d16;
+    const LaneConstants<decltype(d)> k;
+    const std::size_t lanes = hn::Lanes(d);
+    for (; i + lanes <= count; i += lanes) {
+        auto values = estimate(k, LoadNumbers(d, in + i)...);
+        if (!hn::AllTrue(d, SurelyTruncated(d, values))) values = formula(k, LoadNumbers(d, in + i)...);
+        hn::StoreU(ToPels<kExcess>(d, values), d16, out + i);
+    }
+#endif
+    for (; i < count; ++i)
+        out[i] = ToPel<kExcess>(formula(PlainConstants<T>(), static_cast<T>(in[i])...));
+}
+
+/// out[i] = formula(k, in[i]...) in precision T, truncated.
+template <Excess kExcess, class T, class Formula, class... In>
+HWY_INLINE void ComputePels(Pel* out, std::size_t count, Formula formula, const In*... in) {
+    std::size_t i = 0;
+#if HWY_TARGET != HWY_SCALAR
+    const hn::ScalableTag<T> d;
+    const hn::Rebind<Pel, decltype(d)> d16;
+    const std::size_t lanes = hn::Lanes(d);
+    for (; i + lanes <= count; i += lanes) {
+        const auto values = formula(LaneConstants<decltype(d)>(), LoadNumbers(d, in + i)...);
+        hn::StoreU(ToPels<kExcess>(d, values), d16, out + i);
+    }
+#endif
+    for (; i < count; ++i)
+        out[i] = ToPel<kExcess>(formula(PlainConstants<T>(), static_cast<T>(in[i])...));
+}
+
+/// The largest formula(k, in[i]...) in double that exceeds `start`, else `start`. NaN exceeds nothing.
+template <class Formula, class... In>
+HWY_INLINE double LargestResult(double start, std::size_t count, Formula formula, const In*... in) {
+    double largest = start;
+    std::size_t i = 0;
+#if HWY_TARGET != HWY_SCALAR
+    const hn::ScalableTag<double> d;
+    const std::size_t lanes = hn::Lanes(d);
+    auto best = hn::Set(d, start);
+    for (; i + lanes <= count; i += lanes) {
+        const auto values = formula(LaneConstants<decltype(d)>(), LoadNumbers(d, in + i)...);
+        best = hn::IfThenElse(hn::Gt(values, best), values, best);
+    }
+    largest = hn::GetLane(hn::MaxOfLanes(d, best));
+#endif
+    for (; i < count; ++i) {
+        const double value = formula(PlainConstants<double>(), static_cast<double>(in[i])...);
+        if (value > largest) largest = value;
+    }
+    return largest;
+}
+
+}  // namespace tq::kernels::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#endif  // per-target include guard

@@ -1,0 +1,174 @@
+#include "kernels/grey_arithmetic.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <tuple>
+#include <vector>
+
+#include "core/numerics.h"
+#include "simd_targets.h"
+
+namespace {
+
+namespace kernels = tq::kernels;
+using tq::Pel;
+using tq::TruncToInt32;
+using tq::WrapToPel;
+
+// Scales that cancel, that stand in simple proportions, so that quotients meet integers, and that are none.
+const float kScales[] = {1.0f,
+                         0.5f,
+                         3.0f,
+                         0.1f,
+                         7e-5f,
+                         -2.0f,
+                         0.0f,
+                         1e-38f,
+                         1e30f,
+                         std::numeric_limits<float>::infinity(),
+                         std::numeric_limits<float>::quiet_NaN()};
+
+class GreyArithmetic : public testing::Test {
+  protected:
+    /// Expects the kernel's pels to be plain(a, b) on every target.
+    template <class Kernel, class Plain>
+    void Check(Kernel&& kernel, Plain&& plain) {
+        std::vector<Pel> expected(a_.size());
+        for (std::size_t i = 0; i < expected.size(); ++i)
+            expected[i] = plain(a_[i], b_[i]);
+        tqtest::ForEachTarget([&] {
+            std::vector<Pel> out(a_.size());
+            kernel(a_.data(), b_.data(), out.data(), out.size());
+            ASSERT_EQ(out, expected);
+        });
+    }
+
+    std::vector<Pel> a_ = tqtest::HostilePels(611, 5);
+    std::vector<Pel> b_ = tqtest::HostilePels(611, 6);
+    std::vector<Pel> c_ = tqtest::HostilePels(611, 7);
+};
+
+TEST_F(GreyArithmetic, OneImageTimesANumber) {
+    // The ends of the fixed-point range and what lies just outside, factors with all their bits.
+    for (const float f : {0x1p-8f, 0x1.fffffep-9f, 0x1.fffffep-1f, 1.3333334f, 17.770001f, 32767.0f, 32768.0f,
+                          65536.0f, 0.1f, 7e-5f, -2.0f, 0.0f, 1e30f}) {
+        SCOPED_TRACE(f);
+        Check([=](auto a, auto, auto out, auto n) { kernels::ScaleGreys(a, f, out, n); },
+              [=](double a, double) {
+                  return WrapToPel(std::min(TruncToInt32(a * static_cast<double>(f) + 0.5), 65535));
+              });
+    }
+    for (const double f : kScales) {
+        SCOPED_TRACE(f);
+        Check([=](auto a, auto, auto out, auto n) { kernels::StretchGreys(a, 1234.25, f, out, n); },
+              [=](double a, double) { return WrapToPel(TruncToInt32((a - 1234.25) * f + 1234.25)); });
+        for (const double w : {1.0, 255.0, 65535.0}) {
+            Check([=](auto a, auto, auto out, auto n) { kernels::ScaleToMaximum(a, w, f, out, n); },
+                  [=](double a, double) { return WrapToPel(std::min(TruncToInt32(a * w / f), 65535)); });
+        }
+    }
+}
+
+TEST_F(GreyArithmetic, MeansOfTwoScales) {
+    for (const double sa : kScales) {
+        for (const double sb : kScales) {
+            for (const double n : {2.0, 3.0, 10.0, 4096.0, 4097.0, 2147483647.0}) {
+                SCOPED_TRACE(testing::Message() << sa << ", " << sb << ", " << n);
+                const double scale = std::max(sa, sb);
+                Check(
+                    [=](auto a, auto b, auto out, auto count) {
+                        kernels::FoldIntoMean(
+                            {static_cast<float>(sb), static_cast<float>(sa), n, static_cast<float>(scale)}, a,
+                            b, out, count);
+                    },
+                    [=](double a, double b) {
+                        return WrapToPel(TruncToInt32((a * sb + b * sa * (n - 1)) / n / scale));
+                    });
+            }
+        }
+    }
+}
+
+TEST_F(GreyArithmetic, SinglePrecisionSteps) {
+    for (const float x : {1.0f, 0.3f, -3.0f, 65535.0f, 0.0f, 2e9f, std::numeric_limits<float>::quiet_NaN()}) {
+        SCOPED_TRACE(x);
+        Check([=](auto a, auto b, auto out, auto n) { kernels::MultiplyGreys(a, b, x, out, n); },
+              [=](Pel a, Pel b) {
+                  const float v = static_cast<float>(a) * static_cast<float>(b) / x;
+                  return v > 65535.0f ? Pel{65535} : WrapToPel(TruncToInt32(static_cast<double>(v)));
+              });
+        Check([=](auto a, auto b, auto out, auto n) { kernels::RootSumSquare(a, b, x, 0.7f, out, n); },
+              [=](Pel a, Pel b) {
+                  const auto fa = static_cast<float>(a);
+                  const auto fb = static_cast<float>(b);
+                  const float squares = fa * fa * x + fb * fb * 0.7f;
+                  return WrapToPel(TruncToInt32(static_cast<double>(std::sqrt(squares))));
+              });
+    }
+}
+
+TEST_F(GreyArithmetic, QuotientsOfTwoImages) {
+    for (const double sa : kScales) {
+        Check([=](auto a, auto b, auto out, auto n) { kernels::DivideByFlatField(a, b, sa, out, n); },
+              [=](double a, double b) {
+                  const double fraction = b / sa;
+                  const double v = fraction == 0.0 ? 0.0 : a / fraction;
+                  return v > 65535.0 ? Pel{65535} : WrapToPel(TruncToInt32(v));
+              });
+        for (const double sb : kScales) {
+            SCOPED_TRACE(testing::Message() << sa << ", " << sb);
+            const kernels::LuminanceRatio ratio{sa, sb, 1.0};
+            const auto plain = [=](double a, double b) { return b * sb == 0.0 ? 1.0 : a * sa / (b * sb); };
+            double largest = -1.0;
+            for (std::size_t i = 0; i < a_.size(); ++i) {
+                const double r = plain(a_[i], b_[i]);
+                if (r > largest) largest = r;
+            }
+            tqtest::ForEachTarget([&] {
+                EXPECT_EQ(kernels::LargestRatio(-1.0, ratio, a_.data(), b_.data(), a_.size()), largest);
+            });
+            for (const double scale : {1.0, 0.25, largest / 65000.0, 0.0}) {
+                Check([=](auto a, auto b, auto out,
+                          auto n) { kernels::WriteRatios(ratio, a, b, scale, out, n); },
+                      [=](double a, double b) { return WrapToPel(TruncToInt32(plain(a, b) / scale + 0.5)); });
+            }
+            Check(
+                [=](auto a, auto b, auto out, auto n) { kernels::SubtractLuminances(a, b, sa, sb, out, n); },
+                [=](double a, double b) {
+                    return tq::ClampToPel(TruncToInt32((a * sa - b * sb) / sa + 0.5));
+                });
+        }
+    }
+}
+
+TEST_F(GreyArithmetic, SumsOfChannels) {
+    for (const double sa : kScales) {
+        for (const double sb : kScales) {
+            SCOPED_TRACE(testing::Message() << sa << ", " << sb);
+            const kernels::Channels channels{{a_.data(), b_.data(), c_.data()}, {sa, sb, 0.25}};
+            std::vector<double> sums(a_.size());
+            double largest = 0.0;
+            for (std::size_t i = 0; i < sums.size(); ++i) {
+                sums[i] = static_cast<double>(static_cast<float>(a_[i] * sa + b_[i] * sb + c_[i] * 0.25));
+                if (sums[i] > largest) largest = sums[i];
+            }
+            tqtest::ForEachTarget([&] {
+                ASSERT_EQ(kernels::LargestLuminance(channels, sums.size()), largest);
+                for (const auto& [full, over, rounding] :
+                     {std::tuple{255.0, largest, 0.0}, {1.0, 0.5, 0.5}, {1.0, largest / 65000.0, 0.5}}) {
+                    std::vector<Pel> out(sums.size());
+                    kernels::WriteLuminances(channels, {full, over, rounding}, out.data(), out.size());
+                    for (std::size_t i = 0; i < sums.size(); ++i)
+                        ASSERT_EQ(out[i], WrapToPel(TruncToInt32(sums[i] * full / over + rounding))) << i;
+                }
+            });
+        }
+    }
+}
+
+}  // namespace

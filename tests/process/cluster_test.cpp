@@ -1,0 +1,106 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <vector>
+
+#include "failing_allocator.h"
+#include "images.h"
+#include "tqimage/clustering.h"
+
+namespace {
+
+using namespace tqtest;
+
+struct Clusters {
+    Image labels;
+    std::int32_t count = 0;
+};
+
+/// Every seed is asked, in order.
+Clusters AskEverySeed(const Image& image, std::int32_t limit) {
+    std::vector<std::pair<std::int32_t, std::int32_t>> seeds;
+    Image labels = MakeImage(image.Cols(), image.Rows(), [&](std::int32_t col, std::int32_t row) {
+        if (image(col, row) == 0) return std::size_t{0};
+        for (std::size_t i = 0; i < seeds.size(); ++i) {
+            const auto dx = static_cast<float>(col - seeds[i].first);
+            const auto dy = static_cast<float>(row - seeds[i].second);
+            if (std::sqrt(dx * dx + dy * dy) <= static_cast<float>(limit))
+                return std::min<std::size_t>(i + 1, 65535);
+        }
+        seeds.emplace_back(col, row);
+        return std::min<std::size_t>(seeds.size(), 65535);
+    });
+    return {std::move(labels), static_cast<std::int32_t>(seeds.size())};
+}
+
+void ExpectClusters(const Image& image, std::int32_t limit) {
+    SCOPED_TRACE(testing::Message() << image.Cols() << " x " << image.Rows() << ", limit " << limit);
+    const Clusters expected = AskEverySeed(image, limit);
+    Image out;
+    std::int32_t count = -1;
+    ASSERT_EQ(tqClusterImage(out.Address(), image.Get(), limit, &count), 0);
+    EXPECT_EQ(count, expected.count);
+    EXPECT_TRUE(SamePels(expected.labels, out));
+    TqImageHeader header = image.Header();
+    header.TotalPelValue = expected.count;
+    header.MaxPelValue = static_cast<float>(expected.count);
+    EXPECT_TRUE(SameHeader(header, out.Header()));
+}
+
+TEST(ClusterImage, GivesTheFirstSeedThatIsNear) {
+    for (const std::int32_t limit : {INT32_MIN, -1, 0, 1, 2, 3, 5, 8, 13, 40, 200, 8000, INT32_MAX}) {
+        for (const std::uint32_t oneIn : {2U, 9U}) {
+            ExpectClusters(RandomImageWithHoles(67, 41, 51, oneIn), limit);
+            Image sparse = RandomImage(90, 60, 52, 0, 25);
+            for (std::size_t i = 0; i < sparse.Count(); ++i)
+                sparse.Pels()[i] = sparse.Pels()[i] == 3 ? 1 : 0;
+            ExpectClusters(sparse, limit);
+        }
+    }
+    ExpectClusters(Image(5, 5), 3);
+    ExpectClusters(RandomImage(1, 1, 1, 1), 3);
+}
+
+// Beyond 4096 pels squares do not fit a float: a pel one step too far is then near.
+TEST(ClusterImage, LongDistancesRoundAsSinglePrecisionDoes) {
+    Image image(8000, 60);
+    image(0, 0) = 1;
+    for (std::int32_t row = 0; row < 60; ++row) {
+        for (const std::int32_t col : {5000, 7000, 7999})
+            image(col, row) = 1;
+    }
+    for (const std::int32_t limit : {4999, 5000, 6999, 7000, 7998, 7999})
+        ExpectClusters(image, limit);
+}
+
+TEST(ClusterImage, LabelsStopAtTheLargestPelAndTheCountDoesNot) {
+    const Image image = MakeImage(300, 230, [](std::int32_t, std::int32_t) { return 7; });
+    Image out;
+    std::int32_t count = 0;
+    ASSERT_EQ(tqClusterImage(out.Address(), image.Get(), 0, &count), 0);
+    EXPECT_EQ(count, 69000);
+    EXPECT_EQ(out.Header().MaxPelValue, 69000.0f);
+    EXPECT_EQ(out(134, 218), 65535);
+    EXPECT_EQ(out(133, 218), 65534);
+    EXPECT_EQ(out(299, 229), 65535);
+}
+
+TEST(ClusterImage, RefusesInvalidImagesAndMayReplaceItsSource) {
+    Image image = RandomImageWithHoles(20, 20, 3);
+    Image out, nothing, tooTall(DefaultHeader(1, 8001));
+    std::int32_t count = 5;
+    EXPECT_EQ(tqClusterImage(nullptr, image, 3, &count), -2);
+    EXPECT_EQ(tqClusterImage(out.Address(), nothing, 3, &count), -2);
+    EXPECT_EQ(tqClusterImage(out.Address(), tooTall, 3, &count), -2);
+    EXPECT_EQ(count, 5);
+    EXPECT_EQ(tqClusterImage(out.Address(), image, 3, nullptr), 0);
+    Image same = image;
+    EXPECT_EQ(tqClusterImage(same.Address(), same, 3, &count), 0);
+    EXPECT_TRUE(SamePels(out, same));
+    if (!CanFailAllocations()) return;
+    EXPECT_GE(FailEachAllocation(-3, 0, [&] { return tqClusterImage(out.Address(), image, 3, &count); }), 3);
+}
+
+}  // namespace

@@ -1,0 +1,234 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <limits>
+#include <utility>
+
+#include "images.h"
+#include "tqimage/defects.h"
+
+namespace {
+
+using tqtest::DefaultHeader;
+using tqtest::Image;
+using tqtest::MakeImage;
+using tqtest::RandomImage;
+using tqtest::RandomImageWithHoles;
+using tqtest::SamePels;
+
+constexpr std::int32_t kMin = std::numeric_limits<std::int32_t>::min();
+constexpr std::int32_t kMax = std::numeric_limits<std::int32_t>::max();
+
+/// A window that is moved inward at the border.
+std::pair<std::int32_t, std::int32_t> Shifted(std::int32_t at, std::int32_t size, std::int32_t pels) {
+    std::int32_t first = std::max(0, at - size / 2);
+    if (first + size > pels) first = pels - size;
+    return {first, first + size - 1};
+}
+
+Image Fixed(Image image, const Image& map, std::int32_t width, std::int32_t height) {
+    for (std::int32_t row = 0; row < image.Rows(); ++row) {
+        for (std::int32_t col = 0; col < image.Cols(); ++col) {
+            if (map(col, row) == 0) continue;
+            const auto [left, right] = Shifted(col, width, image.Cols());
+            const auto [top, bottom] = Shifted(row, height, image.Rows());
+            std::int64_t sum = 0, count = 0;
+            for (std::int32_t y = top; y <= bottom; ++y) {
+                for (std::int32_t x = left; x <= right; ++x) {
+                    const bool core = std::abs(x - col) <= 1 && std::abs(y - row) <= 1;
+                    if (core || image(x, y) == 0 || map(x, y) != 0) continue;
+                    sum += image(x, y);
+                    ++count;
+                }
+            }
+            if (count != 0) image(col, row) = static_cast<std::uint16_t>(sum / count);
+        }
+    }
+    return image;
+}
+
+TEST(FixDefects, AgreesWithTheRuleForFewAndManyMarks) {
+    const Image image = RandomImageWithHoles(43, 31, 1, 6);
+    // One mark in 2 goes through sums of columns, one in 1500 pel by pel, from some window on.
+    for (const std::uint32_t oneIn : {1u, 2u, 9u, 200u, 1500u}) {
+        Image map = RandomImage(43, 31, 2, 0, oneIn - 1);
+        for (std::size_t i = 0; i < map.Count(); ++i)
+            map.Pels()[i] = map.Pels()[i] == 0 ? 1 : 0;
+        for (const std::int32_t width : {0, 1, 2, 3, 4, 5, 8, 43}) {
+            for (const std::int32_t height : {0, 1, 3, 6, 31}) {
+                Image repaired = image;
+                EXPECT_EQ(tqFixDefects(repaired, map, width, height), 0);
+                EXPECT_TRUE(SamePels(Fixed(image, map, width, height), repaired))
+                    << oneIn << " " << width << " x " << height;
+            }
+        }
+    }
+}
+
+TEST(FixDefects, ADefectSpillsOverAndMarksAreNoNeighbours) {
+    Image image = MakeImage(5, 5, [](std::int32_t, std::int32_t) { return 100; });
+    Image map(5, 5);
+    map(2, 2) = 65535;
+    for (std::int32_t row = 1; row < 4; ++row) {
+        for (std::int32_t col = 1; col < 4; ++col)
+            image(col, row) = 9000;
+    }
+    image(0, 0) = 200;
+    image(4, 4) = 7777;
+    map(4, 4) = 1;
+    image(4, 0) = 0;
+    Image repaired = image;
+    EXPECT_EQ(tqFixDefects(repaired, map, 5, 5), 0);
+    EXPECT_EQ(repaired(2, 2), (200 + 13 * 100) / 14);
+    // A map that is the image marks everything that has data.
+    repaired = image;
+    EXPECT_EQ(tqFixDefects(repaired, repaired, 5, 5), 0);
+    EXPECT_TRUE(SamePels(image, repaired));
+}
+
+TEST(FixDefects, CodesInTheirOrder) {
+    Image image = RandomImage(6, 4, 3);
+    const Image kept = image;
+    const Image map = RandomImage(6, 4, 4);
+    const Image turned = RandomImage(4, 6, 5);
+    Image tooWide(DefaultHeader(8001, 1));
+    EXPECT_EQ(tqFixDefects(nullptr, nullptr, -1, 0), -2);
+    EXPECT_EQ(tqFixDefects(tooWide, map, 3, 3), -2);
+    EXPECT_EQ(tqFixDefects(image, nullptr, -1, 0), -3);
+    EXPECT_EQ(tqFixDefects(image, tooWide, 3, 3), -3);
+    EXPECT_EQ(tqFixDefects(image, turned, -1, 0), -4);
+    for (const auto& [width, height] : {std::pair{-1, 3}, {7, 3}, {3, -1}, {3, 5}, {kMin, 0}, {0, kMax}})
+        EXPECT_EQ(tqFixDefects(image, map, width, height), -5);
+    EXPECT_TRUE(SamePels(kept, image));
+}
+
+Image WithoutHot(Image image, std::int32_t threshold, float factor, std::int32_t width, std::int32_t height) {
+    const auto odd = [](std::int32_t asked, std::int32_t pels) {
+        const std::int32_t size = asked < 2 ? 1 : std::min(asked, pels);
+        return size - (size % 2 == 0 ? 1 : 0);
+    };
+    for (std::int32_t row = 0; row < image.Rows(); ++row) {
+        for (std::int32_t col = 0; col < image.Cols(); ++col) {
+            if (image(col, row) <= threshold) continue;
+            const auto [left, right] = Shifted(col, odd(width, image.Cols()), image.Cols());
+            const auto [top, bottom] = Shifted(row, odd(height, image.Rows()), image.Rows());
+            double sum = 0, count = 0;
+            for (std::int32_t y = top; y <= bottom; ++y) {
+                for (std::int32_t x = left; x <= right; ++x) {
+                    if (image(x, y) > threshold) continue;
+                    sum += image(x, y);
+                    ++count;
+                }
+            }
+            if (count == 0) continue;
+            const double value = std::max(factor, 0.0f) * sum / count;
+            image(col, row) = static_cast<std::uint16_t>(std::min(value, 65535.0));
+        }
+    }
+    return image;
+}
+
+TEST(ReplaceHotPixels, ReplacedPelsServeTheNextOnes) {
+    const Image image = RandomImage(43, 31, 6);
+    for (const std::int32_t threshold : {0, 100, 20000, 65400, 65534}) {
+        for (const float factor : {-1.0f, 0.5f, 1.0f, 1.75f, 40.0f}) {
+            for (const auto& [width, height] : {std::pair{kMin, 3}, {3, 3}, {4, 6}, {15, 1}, {kMax, kMax}}) {
+                Image cooled = image;
+                EXPECT_EQ(tqReplaceHotPixels(cooled, threshold, factor, width, height), 0);
+                EXPECT_TRUE(SamePels(WithoutHot(image, threshold, factor, width, height), cooled))
+                    << threshold << " " << factor << " " << width << " x " << height;
+            }
+        }
+    }
+    // Left to right: the first 90 becomes 10, and the second takes it and the 40.
+    Image row = MakeImage(4, 1, {10, 90, 90, 40});
+    EXPECT_EQ(tqReplaceHotPixels(row, 50, 1.0f, 4, 1), 0);
+    EXPECT_TRUE(SamePels(MakeImage(4, 1, {10, 10, 25, 40}), row)) << "a width of 4 is 3";
+}
+
+TEST(ReplaceHotPixels, HostileNumbers) {
+    const Image image = RandomImage(9, 7, 7, 1, 65535);
+    for (const std::int32_t threshold : {kMin, -1, 65535, kMax}) {
+        Image same = image;
+        EXPECT_EQ(tqReplaceHotPixels(same, threshold, 1.0f, 3, 3), 0);
+        EXPECT_TRUE(SamePels(image, same)) << "nothing is healthy, or nothing hot";
+    }
+    for (const float factor : {std::numeric_limits<float>::quiet_NaN(), 3e38f}) {
+        Image row = MakeImage(3, 1, {10, 90, 10});
+        EXPECT_EQ(tqReplaceHotPixels(row, 50, factor, 3, 1), 0);
+        EXPECT_EQ(row(1, 0), 0);
+    }
+    Image tooWide(DefaultHeader(8001, 1));
+    EXPECT_EQ(tqReplaceHotPixels(nullptr, 1, 1.0f, 3, 3), -2);
+    EXPECT_EQ(tqReplaceHotPixels(tooWide, 1, 1.0f, 3, 3), -2);
+}
+
+Image Edited(Image image, std::int32_t threshold, std::int32_t value, std::int32_t width,
+             std::int32_t height) {
+    for (std::int32_t row = 0; row < image.Rows(); ++row) {
+        for (std::int32_t col = 0; col < image.Cols(); ++col) {
+            if (image(col, row) <= threshold) continue;
+            for (std::int64_t y = std::int64_t{row} - height / 2; y <= std::int64_t{row} + height / 2; ++y) {
+                if (y < 0 || y >= image.Rows()) continue;
+                for (std::int64_t x = std::int64_t{col} - width / 2; x <= std::int64_t{col} + width / 2;
+                     ++x) {
+                    if (x < 0 || x >= image.Cols()) continue;
+                    image(static_cast<std::int32_t>(x), static_cast<std::int32_t>(y)) =
+                        static_cast<std::uint16_t>(std::min(value, 65535));
+                }
+            }
+        }
+    }
+    return image;
+}
+
+TEST(EditSpikes, FillsAndSpreadsAsIfPelByPel) {
+    // Few spikes leave room between their rectangles, so that what spreads is told from what does not.
+    Image image = RandomImage(37, 29, 8, 0, 1000);
+    image(5, 3) = image(30, 9) = image(17, 20) = 40000;
+    image(18, 21) = 50000;
+    for (const std::int32_t threshold : {-1, 500, 990, 30000, 45000, 65534}) {
+        for (const std::int32_t value : {0, 700, 35000, 60000, kMax}) {
+            for (const auto& [width, height] :
+                 {std::pair{0, 0}, {1, 3}, {3, 1}, {3, 3}, {4, 6}, {9, 2}, {-1, 5}, {200, 200}}) {
+                Image edited = image;
+                EXPECT_EQ(tqEditSpikes(edited, threshold, value, width, height), 0);
+                EXPECT_TRUE(SamePels(Edited(image, threshold, value, width, height), edited))
+                    << threshold << " " << value << " " << width << " x " << height;
+            }
+        }
+    }
+}
+
+TEST(EditSpikes, ANegativeValueIsTheMeanOfTheHeader) {
+    const double totals[] = {4 * 12.9, 0, -4e9, 4e9, 1e300, std::numeric_limits<double>::quiet_NaN()};
+    const std::uint16_t means[] = {12, 0, 0, 65535, 0, 0};
+    for (std::size_t i = 0; i < std::size(totals); ++i) {
+        Image image = MakeImage(4, 1, {500, 1, 2, 3});
+        image.Header().TotalPelValue = totals[i];
+        EXPECT_EQ(tqEditSpikes(image, 499, -1, 1, 1), 0);
+        EXPECT_TRUE(SamePels(MakeImage(4, 1, {means[i], 1, 2, 3}), image)) << totals[i];
+    }
+}
+
+TEST(EditSpikes, HostileNumbers) {
+    const Image image = RandomImage(9, 7, 9, 1, 65535);
+    for (const auto& [threshold, width, height] :
+         {std::tuple{kMax, 3, 3}, {65535, 3, 3}, {0, -2, 3}, {0, 3, kMin}}) {
+        Image same = image;
+        EXPECT_EQ(tqEditSpikes(same, threshold, 5, width, height), 0);
+        EXPECT_TRUE(SamePels(image, same));
+    }
+    for (const std::int32_t threshold : {kMin, 0}) {
+        Image filled = image;
+        EXPECT_EQ(tqEditSpikes(filled, threshold, 5, kMax, kMax), 0);
+        EXPECT_TRUE(SamePels(MakeImage(9, 7, [](std::int32_t, std::int32_t) { return 5; }), filled));
+    }
+    Image tooWide(DefaultHeader(8001, 1));
+    EXPECT_EQ(tqEditSpikes(nullptr, 1, 1, 3, 3), -2);
+    EXPECT_EQ(tqEditSpikes(tooWide, 1, 1, 3, 3), -2);
+}
+
+}  // namespace

@@ -1,0 +1,169 @@
+#include "tqimage/masks.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+#include <numeric>
+
+#include "failing_allocator.h"
+#include "images.h"
+#include "pel_formula.h"
+
+namespace {
+
+using namespace tqtest;
+
+/// A mask with a few marks; one in `oneIn` pels is set.
+Image Marks(std::int32_t cols, std::int32_t rows, std::uint32_t oneIn) {
+    const Image noise = RandomImage(cols, rows, 40 + oneIn);
+    return MapImage(noise,
+                    [&](int pel) { return static_cast<std::uint32_t>(pel) % oneIn == 0 ? 1 + pel / 2 : 0; });
+}
+
+double SumOf(const Image& image) {
+    const auto pels = image.Values();
+    return std::accumulate(pels.begin(), pels.end(), 0.0);
+}
+
+TEST(Masks, KeepTheOverlapAndRaiseAKeptZero) {
+    for (const auto& [cols, rows] : {std::pair{61, 23}, {20, 40}, {100, 9}, {80, 30}}) {
+        SCOPED_TRACE(testing::Message() << cols << " x " << rows);
+        const Image source = Noise(11);
+        const Image mask = Marks(cols, rows, 3);
+        for (const bool inverted : {false, true}) {
+            Image image = source;
+            ASSERT_EQ((inverted ? tqInvMaskImage : tqMaskImage)(image.Address(), mask), 0);
+            const Image expected =
+                MakeImage(61, 23, [&, c = cols, r = rows](std::int32_t col, std::int32_t row) {
+                    const bool kept = col < c && row < r && (mask(col, row) != 0) != inverted;
+                    return kept ? std::max<int>(source(col, row), 1) : 0;
+                });
+            EXPECT_TRUE(SamePels(expected, image));
+            TqImageHeader header = source.Header();
+            if (inverted) {
+                // The bytes of the block from the header on, with the total that the source had.
+                Image block = expected;
+                block.Header() = header;
+                const auto* bytes = reinterpret_cast<const std::uint8_t*>(block.Get());
+                header.TotalPelValue = std::accumulate(bytes, bytes + 61 * 23, 0.0);
+            } else {
+                const auto pels = expected.Values();
+                header.TotalPelValue = SumOf(expected);
+                header.MaxPelValue = *std::max_element(pels.begin(), pels.end());
+            }
+            EXPECT_TRUE(SameHeader(header, image.Header()));
+        }
+    }
+}
+
+TEST(Masks, AMaskMeetsTheImageAtTheCentres) {
+    struct Case {
+        float col, row;
+        std::int32_t shiftCol, shiftRow;
+    };
+    constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
+    for (const Case& c : {Case{30, 11, 0, 0}, Case{35.9f, 10.1f, 5, 0}, Case{24.5f, 2, -5, -9},
+                          Case{1e30f, 11, 1000, 0}, Case{-1e30f, -1e30f, 1000, 0}, Case{kNan, 11, 1000, 0}}) {
+        SCOPED_TRACE(testing::Message() << c.col << ", " << c.row);
+        const Image source = Noise(12);  // centre 30, 11
+        Image mask = Marks(50, 31, 4);
+        mask.Header().CenterCol = c.col;
+        mask.Header().CenterRow = c.row;
+        Image image = source;
+        ASSERT_EQ(tqInvMaskImageOffset(image, mask), 0);
+        const Image expected = MakeImage(61, 23, [&](std::int32_t col, std::int32_t row) {
+            const std::int32_t x = col + c.shiftCol;
+            const std::int32_t y = row + c.shiftRow;
+            const bool masked = x >= 0 && x < 50 && y >= 0 && y < 31 && mask(x, y) != 0;
+            return masked ? 0 : source(col, row);
+        });
+        EXPECT_TRUE(SamePels(expected, image));
+        EXPECT_TRUE(SameHeader(source.Header(), image.Header()));
+    }
+}
+
+/// Block by block, as the function is told.
+Image Cleared(const Image& source, const Image& mask, std::int32_t width, std::int32_t height) {
+    const auto place = [](std::int32_t at, std::int32_t size, std::int32_t pels) {
+        const std::int32_t first = std::max(0, at - size / 2);
+        return first + size - 1 >= pels - 1 ? pels - size : first;
+    };
+    width = std::clamp(width, 0, source.Cols() - 1);
+    height = std::clamp(height, 0, source.Rows() - 1);
+    Image image = source;
+    for (std::int32_t y = 0; y < source.Rows(); ++y) {
+        for (std::int32_t x = 0; x < source.Cols(); ++x) {
+            if (mask(x, y) == 0) continue;
+            const std::int32_t left = place(x, width, source.Cols());
+            const std::int32_t top = place(y, height, source.Rows());
+            for (std::int32_t row = top; row < top + height; ++row)
+                for (std::int32_t col = left; col < left + width; ++col)
+                    image(col, row) = 0;
+        }
+    }
+    return image;
+}
+
+TEST(Masks, BlocksAreClearedAroundEveryMark) {
+    constexpr std::int32_t kHighest = std::numeric_limits<std::int32_t>::max();
+    const Image source = RandomImage(37, 23, 13, 1);
+    for (const std::uint32_t oneIn : {2U, 40U, 400U}) {
+        const Image mask = Marks(37, 23, oneIn);
+        for (const auto& [width, height] : {std::pair{1, 1},
+                                            {3, 3},
+                                            {4, 2},
+                                            {9, 1},
+                                            {1, 12},
+                                            {22, 22},
+                                            {36, 5},
+                                            {kHighest, 2},
+                                            {0, 5},
+                                            {5, 0},
+                                            {-4, 3}}) {
+            SCOPED_TRACE(testing::Message() << oneIn << ": " << width << " x " << height);
+            Image image = source;
+            ASSERT_EQ(tqInvMaskImage2(image, mask, width, height), 0);
+            EXPECT_TRUE(SamePels(Cleared(source, mask, width, height), image));
+            // The image as its own mask is read before it is cleared.
+            Image own = mask;
+            ASSERT_EQ(tqInvMaskImage2(own, own, width, height), 0);
+            EXPECT_TRUE(SamePels(Cleared(mask, mask, width, height), own));
+        }
+    }
+    Image pel = MakeImage(1, 1, {5});
+    EXPECT_EQ(tqInvMaskImage2(pel, pel, 1, 1), 0);
+    EXPECT_EQ(pel(0, 0), 5);  // there is no block below 2 columns
+}
+
+TEST(Masks, RefuseInvalidImagesAndOtherSizes) {
+    Image image = Noise(1);
+    const Image before = image;
+    Image nothing;
+    Image empty(DefaultHeader(0, 4));
+    for (Image* bad : {&nothing, &empty}) {
+        EXPECT_EQ(tqMaskImage(bad->Address(), nothing), -2);
+        EXPECT_EQ(tqInvMaskImage(bad->Address(), nothing), -2);
+        EXPECT_EQ(tqInvMaskImageOffset(*bad, nothing), -2);
+        EXPECT_EQ(tqInvMaskImage2(*bad, nothing, 1, 1), -2);
+        EXPECT_EQ(tqMaskImage(image.Address(), *bad), -3);
+        EXPECT_EQ(tqInvMaskImage(image.Address(), *bad), -3);
+        EXPECT_EQ(tqInvMaskImageOffset(image, *bad), -3);
+        EXPECT_EQ(tqInvMaskImage2(image, *bad, 1, 1), -3);
+    }
+    EXPECT_EQ(tqMaskImage(nullptr, image), -2);
+    EXPECT_EQ(tqInvMaskImage(nullptr, image), -2);
+    EXPECT_EQ(tqInvMaskImage2(image, Image(61, 22), 1, 1), -4);
+    EXPECT_TRUE(SamePels(before, image));
+    if (!CanFailAllocations()) return;
+    for (const auto function : {tqMaskImage, tqInvMaskImage}) {
+        Image kept = before;
+        const auto unchanged = [&] { EXPECT_TRUE(SamePels(before, kept)); };
+        EXPECT_GE(FailEachAllocation(
+                      -5, 0, [&] { return function(kept.Address(), image); }, unchanged),
+                  1);
+    }
+}
+
+}  // namespace

@@ -1,0 +1,199 @@
+#include "tqimage/offset_arithmetic.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <functional>
+#include <limits>
+#include <optional>
+
+#include "failing_allocator.h"
+#include "pel_formula.h"
+
+namespace {
+
+using namespace tqtest;
+
+struct Scene {
+    std::int32_t cols, rows;
+    float resolution, centerCol, centerRow, luxPerGrey;
+};
+
+Image Shot(const Scene& scene, std::uint32_t seed) {
+    Image image = RandomImageWithHoles(scene.cols, scene.rows, seed);
+    image.Header().PelsPerMeterX = image.Header().PelsPerMeterY = scene.resolution;
+    image.Header().CenterCol = scene.centerCol;
+    image.Header().CenterRow = scene.centerRow;
+    image.Header().LuxPerGrey = scene.luxPerGrey;
+    return image;
+}
+
+constexpr Scene kFirst{61, 23, 1000.0f, 30.25f, 11.0f, 0.5f};
+
+/// The other pel at the place of a pel, if there is one: the rule of all three functions.
+std::optional<int> Other(const Image& a, const Image& b, std::int32_t col, std::int32_t row, float x,
+                         float y) {
+    const TqImageHeader& ha = a.Header();
+    const TqImageHeader& hb = b.Header();
+    const double px = (col - double{ha.CenterCol}) * (double{hb.PelsPerMeterX} / double{ha.PelsPerMeterX}) +
+                      double{x} * double{hb.PelsPerMeterX} + double{hb.CenterCol} + 0.5;
+    const double py = (row - double{ha.CenterRow}) * (double{hb.PelsPerMeterY} / double{ha.PelsPerMeterY}) +
+                      double{y} * double{hb.PelsPerMeterY} + double{hb.CenterRow} + 0.5;
+    if (!(px >= 0 && px < b.Cols() && py >= 0 && py < b.Rows())) return {};
+    return b(static_cast<std::int32_t>(px), static_cast<std::int32_t>(py));
+}
+
+struct Case {
+    Scene second;
+    float x, y;
+};
+
+const Case kCases[] = {
+    {{61, 23, 1000.0f, 30.25f, 11.0f, 0.5f}, 0.0f, 0.0f},     // the same
+    {{61, 23, 1000.0f, 30.25f, 11.0f, 0.31f}, 0.005f, 0.0f},  // five pels to the right
+    {{40, 50, 1000.0f, 10.0f, 30.0f, 2.0f}, -0.003f, 0.004f},
+    {{80, 60, 2345.0f, 40.0f, 25.0f, 0.2f}, 0.001f, -0.002f},  // finer
+    {{30, 12, 333.0f, 14.0f, 6.5f, 0.7f}, 0.0f, 0.0f},         // coarser
+    {{61, 23, 1000.0f, 30.25f, 11.0f, 0.0f}, 0.0f, 0.0f},      // without luminance
+    {{61, 23, 1000.0f, 30.25f, 11.0f, -1.0f}, 0.0f, 0.0f},
+};
+// Places that meet nothing, or are none.
+const Case kApart[] = {
+    {kFirst, 1.0f, 0.0f},
+    {kFirst, 0.0f, -0.0225f},
+    {{61, 23, 0.0f, 30.0f, 11.0f, 1.0f}, 0.0f, 100.0f},
+    {kFirst, std::numeric_limits<float>::quiet_NaN(), 0.0f},
+    {{61, 23, 1000.0f, 1e30f, 11.0f, 1.0f}, 0.0f, 0.0f},
+};
+
+TEST(OffsetArithmetic, SubtractsLuminancesOfTheSamePlace) {
+    const auto check = [](const Case& c) {
+        SCOPED_TRACE(testing::Message() << c.second.resolution << " at " << c.x << ", " << c.y);
+        const Image a = Shot(kFirst, 51);
+        const Image b = Shot(c.second, 52);
+        const double sa = a.Header().LuxPerGrey;
+        const double sb = b.Header().LuxPerGrey;
+        Image out = a;
+        ASSERT_EQ(tqSubtractImageOffset(out.Address(), out, b, c.x, c.y), 0);
+        const Image expected = MakeImage(61, 23, [&](std::int32_t col, std::int32_t row) -> std::int64_t {
+            const auto other = Other(a, b, col, row, c.x, c.y);
+            if (!other) return a(col, row);
+            return std::clamp<std::int64_t>(Truncated((a(col, row) * sa - *other * sb) / sa + 0.5), 0, 65535);
+        });
+        EXPECT_TRUE(SamePels(expected, out));
+        EXPECT_TRUE(SameHeader(a.Header(), out.Header()));
+    };
+    std::for_each(std::begin(kCases), std::end(kCases), check);
+    std::for_each(std::begin(kApart), std::end(kApart), check);
+}
+
+TEST(OffsetArithmetic, AddsLuminancesAndMapsTheLargestTo65000) {
+    const auto check = [](const Case& c) {
+        SCOPED_TRACE(testing::Message() << c.second.resolution << " at " << c.x << ", " << c.y);
+        const Image a = Shot(kFirst, 53);
+        const Image b = Shot(c.second, 54);
+        const auto sum = [&](std::int32_t col, std::int32_t row) {
+            const double other = Other(a, b, col, row, c.x, c.y).value_or(0);
+            const double both =
+                a(col, row) * double{a.Header().LuxPerGrey} + other * double{b.Header().LuxPerGrey};
+            return double{static_cast<float>(both)};
+        };
+        double largest = 0.0;
+        for (std::int32_t row = 0; row < 23; ++row)
+            for (std::int32_t col = 0; col < 61; ++col)
+                largest = std::max(largest, sum(col, row));
+        const auto scale = static_cast<float>(largest / 65000.0);
+        Image out;
+        ASSERT_EQ(tqAddImageOffset(out.Address(), a, b, c.x, c.y), 0);
+        EXPECT_TRUE(SamePels(MakeImage(61, 23,
+                                       [&](std::int32_t col, std::int32_t row) {
+                                           return Truncated(sum(col, row) / double{scale} + 0.5);
+                                       }),
+                             out));
+        EXPECT_TRUE(SameHeader(
+            With(With(a.Header(), &TqImageHeader::LuxPerGrey, scale), &TqImageHeader::MaxPelValue, 65000),
+            out.Header()));
+    };
+    std::for_each(std::begin(kCases), std::end(kCases), check);
+    std::for_each(std::begin(kApart), std::end(kApart), check);
+    Image out;
+    ASSERT_EQ(tqAddImageOffset(out.Address(), Image(4, 3), Image(4, 3), 0, 0), 0);
+    EXPECT_EQ(out.Header().LuxPerGrey, static_cast<float>(1.0 / 65000.0));
+}
+
+TEST(OffsetArithmetic, DividesWhereBothImagesAre) {
+    for (const Case& c : kCases) {
+        SCOPED_TRACE(testing::Message() << c.second.resolution << " at " << c.x << ", " << c.y);
+        const Image a = Shot(kFirst, 55);
+        const Image b = Shot(c.second, 56);
+        Image out;
+        ASSERT_EQ(tqDivideImageOffset(out.Address(), a, b, c.x, c.y), 0);
+        // Which part of the numerator it is tells the centre.
+        const auto col0 = static_cast<std::int32_t>(kFirst.centerCol - out.Header().CenterCol);
+        const auto row0 = static_cast<std::int32_t>(kFirst.centerRow - out.Header().CenterRow);
+        const double reach = 1000.0 / double{c.second.resolution};
+        const double firstCol =
+            std::max(0.0, 30.25 - (double{c.second.centerCol} * reach) - double{c.x} * 1000);
+        const double firstRow =
+            std::max(0.0, 11.0 - (double{c.second.centerRow} * reach) - double{c.y} * 1000);
+        EXPECT_EQ(col0, std::ceil(firstCol - 1e-3));
+        EXPECT_EQ(row0, std::ceil(firstRow - 1e-3));
+        ASSERT_LE(col0 + out.Cols(), 61);
+        ASSERT_LE(row0 + out.Rows(), 23);
+        const double sb = b.Header().LuxPerGrey;
+        const auto ratio = [&](std::int32_t col, std::int32_t row) {
+            const auto other = Other(a, b, col + col0, row + row0, c.x, c.y);
+            if (!other) return -1.0;
+            const double under = *other * sb;
+            return under > 0.0 ? a(col + col0, row + row0) * double{a.Header().LuxPerGrey} / under : 1.0;
+        };
+        double largest = -1.0;
+        for (std::int32_t row = 0; row < out.Rows(); ++row)
+            for (std::int32_t col = 0; col < out.Cols(); ++col)
+                largest = std::max(largest, ratio(col, row));
+        const auto scale = static_cast<float>(largest / 65000.0);
+        EXPECT_EQ(out.Header().LuxPerGrey, scale);
+        EXPECT_EQ(out.Header().MaxPelValue, 65000.0f);
+        EXPECT_TRUE(SamePels(MakeImage(out.Cols(), out.Rows(),
+                                       [&](std::int32_t col, std::int32_t row) -> std::int64_t {
+                                           const double r = ratio(col, row);
+                                           return r < 0.0 ? 0 : Truncated(r / double{scale} + 0.5);
+                                       }),
+                             out));
+    }
+    for (const Case& c : kApart) {
+        SCOPED_TRACE(testing::Message() << c.second.resolution << " at " << c.x << ", " << c.y);
+        const Image a = Shot(kFirst, 55);
+        Image out = a;
+        EXPECT_EQ(tqDivideImageOffset(out.Address(), a, Shot(c.second, 56), c.x, c.y), -100);
+        EXPECT_TRUE(SamePels(a, out));
+    }
+}
+
+TEST(OffsetArithmetic, RefusesAndLeavesTheOutput) {
+    using Function = decltype(&tqAddImageOffset);
+    const Image image = Shot(kFirst, 57);
+    const Image empty(DefaultHeader(0, 4));
+    for (const auto& [function, noMemory] : {std::pair<Function, int>{tqSubtractImageOffset, -5},
+                                             {tqAddImageOffset, -4},
+                                             {tqDivideImageOffset, -4}}) {
+        Image out = image;
+        for (const TqImage* bad :
+             {static_cast<const TqImage*>(nullptr), static_cast<const TqImage*>(empty)}) {
+            EXPECT_EQ(function(out.Address(), bad, nullptr, 0, 0), -2);
+            EXPECT_EQ(function(out.Address(), image, bad, 0, 0), -3);
+        }
+        EXPECT_EQ(function(nullptr, image, image, 0, 0), -2);
+        const auto unchanged = [&] { EXPECT_TRUE(SamePels(image, out)); };
+        unchanged();
+        if (!CanFailAllocations()) continue;
+        EXPECT_GE(FailEachAllocation(
+                      noMemory, 0, [&, call = function] { return call(out.Address(), image, image, 0, 0); },
+                      unchanged),
+                  1);
+    }
+}
+
+}  // namespace
