@@ -6,6 +6,7 @@
 
 #include "core/image_view.h"
 #include "core/numerics.h"
+#include "kernels/bilinear.h"
 
 namespace tq {
 
@@ -41,14 +42,8 @@ class BilinearSampler {
     double Cell(std::int32_t i, std::int32_t j, double col, double row) const noexcept {
         i = std::min(i, lastCellCol_);
         j = std::min(j, lastCellRow_);
-        const double fx = col - i;
-        const double fy = row - j;
         const Pel* near = image_.Row(j) + i;
-        const Pel* far = near + below_;
-        double value = (1.0 - fy) * fx * near[next_] + (1.0 - fy) * (1.0 - fx) * near[0];
-        value += fx * fy * far[next_];
-        value += fy * (1.0 - fx) * far[0];
-        return value;
+        return kernels::Blend(near, near + below_, next_, col - i, row - j);
     }
 
     ConstImageView image_;

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstdint>
+#include <new>
+#include <utility>
+
+#include "core/guard.h"
+#include "core/image_block.h"
+#include "core/image_view.h"
+
+namespace tq {
+
+/// A new block of another size with a copy of the source's header but for the sizes. Sizes come in 64 bits;
+/// one that no valid image has counts as memory that cannot be had.
+inline OwnedImage MakeSized(const ConstImageView& source, std::int64_t cols, std::int64_t rows,
+                            NewPels fill) {
+    if (cols < 1 || cols > kMaxSide || rows < 1 || rows > kMaxSide) throw std::bad_alloc();
+    OwnedImage result(static_cast<std::int32_t>(cols), static_cast<std::int32_t>(rows), fill);
+    TqImageHeader& header = result.Header();
+    header = *source.header;
+    header.PelCols = static_cast<std::int32_t>(cols);
+    header.PelRows = static_cast<std::int32_t>(rows);
+    return result;
+}
+
+/// The frame of every function that replaces the host's image by one made from it: make(source) gives the
+/// new image, and until it does the host's stays as it is.
+template <class Make>
+std::int32_t ReplaceImage(TqImage** image, std::int32_t invalid, std::int32_t noMemory, Make&& make) {
+    const ConstImageView source = image == nullptr ? ConstImageView{} : LocateImage(*image);
+    if (!source) return invalid;
+    return Guarded(noMemory, [&] {
+        CommitImage(image, std::forward<Make>(make)(source));
+        return 0;
+    });
+}
+
+}  // namespace tq
