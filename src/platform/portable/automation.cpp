@@ -1,4 +1,5 @@
 #include "platform/automation.h"
+#include "platform/huge_pages.h"
 
 #include <algorithm>
 #include <atomic>
@@ -93,6 +94,7 @@ SAFEARRAY* TQ_CALL SafeArrayCreate(VARTYPE vt, UINT cDims, SAFEARRAYBOUND* rgsab
         ::operator delete(memory);
         return nullptr;
     }
+    tq::AdviseHugePages(data, static_cast<std::size_t>(dataBytes));
     std::memset(data, 0, static_cast<std::size_t>(dataBytes));
 
     const std::uint32_t type = vt;
