@@ -23,23 +23,36 @@ void AddRegions(CLI::App& command, std::vector<std::string>& regions) {
     command.add_option("--region", regions, kRegionHelp)->allow_extra_args(false);
 }
 
+void AddImage(CLI::App& command, std::string& image) {
+    command.add_option("IMAGE", image, "8-bit or 16-bit grey image; its values are taken as they are")
+        ->required();
+}
+
+void AddHeader(CLI::App& command, HeaderOptions& options, std::string& headerFile) {
+    const char* const group = "Header (else from --header, else from IMAGE.json when there is one)";
+    command.add_option("--pels-per-meter", options.pelsPerMeter, "X[,Y]: pels per metre on the target")
+        ->group(group);
+    command.add_option("--center", options.center, "C,R: where the axis meets the image (the middle)")
+        ->group(group);
+    command.add_option("--lux-per-grey", options.luxPerGrey, "Illuminance of a grey level")->group(group);
+    command.add_option("--distance", options.distance, "Source to target, metres")->group(group);
+    command.add_option("--bin", options.bin, "X[,Y]: sensor pels that one pel stands for (1)")->group(group);
+    command.add_option("--header", headerFile, "JSON file with the header")->group(group);
+}
+
+constexpr char kOutput[] = "Output (the table goes to stdout unless another form does)";
+
+void AddReports(CLI::App& command, std::string& json, std::string& csv, bool& progress) {
+    command.add_flag("--json{-}", json, "JSON to stdout, or to FILE with --json=FILE")->group(kOutput);
+    command.add_flag("--csv{-}", csv, "CSV to stdout, or to FILE with --csv=FILE")->group(kOutput);
+    command.add_flag("--progress", progress, "Tell the progress even when stderr is no terminal")
+        ->group(kOutput);
+}
+
 void AddMeasure(CLI::App& app, MeasureOptions& options) {
     CLI::App& command = *app.add_subcommand("measure", "Measure regions of a grey PNG, TIFF or PGM image");
-    command
-        .add_option("IMAGE", options.image, "8-bit or 16-bit grey image; its values are taken as they are")
-        ->required();
-    const char* const header = "Header (else from --header, else from IMAGE.json when there is one)";
-    command
-        .add_option("--pels-per-meter", options.header.pelsPerMeter, "X[,Y]: pels per metre on the target")
-        ->group(header);
-    command.add_option("--center", options.header.center, "C,R: where the axis meets the image (the middle)")
-        ->group(header);
-    command.add_option("--lux-per-grey", options.header.luxPerGrey, "Illuminance of a grey level")
-        ->group(header);
-    command.add_option("--distance", options.header.distance, "Source to target, metres")->group(header);
-    command.add_option("--bin", options.header.bin, "X[,Y]: sensor pels that one pel stands for (1)")
-        ->group(header);
-    command.add_option("--header", options.headerFile, "JSON file with the header")->group(header);
+    AddImage(command, options.image);
+    AddHeader(command, options.header, options.headerFile);
 
     const char* const corrections = "Corrections, in this order";
     command.add_option("--dark", options.correction.dark, "Image to subtract")->group(corrections);
@@ -63,13 +76,32 @@ void AddMeasure(CLI::App& app, MeasureOptions& options) {
     command.add_option("--expect", options.expect, "JSON file of figures to hold the measurement against")
         ->group(measuring);
 
-    const char* const output = "Output (the table goes to stdout unless another form does)";
-    command.add_flag("--json{-}", options.json, "JSON to stdout, or to FILE with --json=FILE")->group(output);
-    command.add_flag("--csv{-}", options.csv, "CSV to stdout, or to FILE with --csv=FILE")->group(output);
+    AddReports(command, options.json, options.csv, options.progress);
     command.add_option("--bitmap", options.bitmap, "BMP file of the corrected image in false colours")
-        ->group(output);
-    command.add_flag("--progress", options.progress, "Tell the progress even when stderr is no terminal")
-        ->group(output);
+        ->group(kOutput);
+}
+
+void AddUniformity(CLI::App& app, UniformityOptions& options) {
+    CLI::App& command = *app.add_subcommand(
+        "uniformity", "Rate the uniformity of a display or projector that shows a white field");
+    AddImage(command, options.image);
+    AddHeader(command, options.header, options.headerFile);
+    const char* const measuring = "Measuring";
+    command
+        .add_option("--spot", options.spot, "W[,H]: size of the thirteen spots (a twentieth of the image)")
+        ->group(measuring);
+    command.add_flag("--ellipses", options.ellipses, "Elliptical spots instead of rectangles")
+        ->group(measuring);
+    command
+        .add_option("--region", options.region,
+                    "rect:LEFT,TOP,RIGHT,BOTTOM: the active area, where mura is searched (the whole image)")
+        ->group(measuring);
+    command
+        .add_option("--mura-threshold", options.threshold,
+                    "Smallest deviation of a blemish from the mean, percent")
+        ->capture_default_str()
+        ->group(measuring);
+    AddReports(command, options.json, options.csv, options.progress);
 }
 
 void AddSimulate(CLI::App& app, SimulateOptions& options) {
@@ -140,8 +172,10 @@ int Run(int count, char** arguments) {
         "Exit codes: 0 done, 1 measurement impossible, 2 usage, 3 file, 4 outside the expectations of "
         "--expect.");
     MeasureOptions measure;
+    UniformityOptions uniformity;
     SimulateOptions simulate;
     AddMeasure(app, measure);
+    AddUniformity(app, uniformity);
     AddSimulate(app, simulate);
     try {
         app.parse(count, arguments);
@@ -152,6 +186,8 @@ int Run(int count, char** arguments) {
     }
     if (app.got_subcommand("measure")) {
         RunMeasure(measure);
+    } else if (app.got_subcommand("uniformity")) {
+        RunUniformity(uniformity);
     } else {
         RunSimulate(simulate);
     }

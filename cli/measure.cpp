@@ -1,9 +1,7 @@
-#include <unistd.h>
-
 #include <algorithm>
-#include <cstdio>
 #include <limits>
 
+#include "delivery.h"
 #include "expectation.h"
 #include "failure.h"
 #include "files.h"
@@ -32,14 +30,6 @@ CorrectionOptions ParseCorrection(const MeasureOptions& options) {
         correction.defectOrigin = ParsePair("--defect-origin", options.defectOrigin, kAnyNumber);
     }
     return correction;
-}
-
-PhotometricHeader FindHeader(const MeasureOptions& options) {
-    const PhotometricHeader typed = ParseHeaderOptions(options.header);
-    if (!options.headerFile.empty()) return Overlay(ReadSidecar(options.headerFile), typed);
-    const std::string sidecar = options.image + ".json";
-    if (access(sidecar.c_str(), F_OK) == 0) return Overlay(ReadSidecar(sidecar), typed);
-    return typed;
 }
 
 /// The regions as typed; those of the expectations when none were.
@@ -75,22 +65,14 @@ void RefreshHeader(HostImage& image) {
 }
 
 void CheckOutputs(const MeasureOptions& options) {
-    if (options.json == "-" && options.csv == "-") FailUsage("--json and --csv cannot both go to stdout");
+    CheckDestinations({options.json, options.csv});
     if (options.angleMode > 3) FailUsage("--angle-mode is 0, 1, 2 or 3");
 }
 
 void Deliver(const MeasureOptions& options, const Report& report, HostImage& image) {
     OutputFiles files;
-    std::string shown = FormatTable(report);
-    const auto place = [&](const std::string& destination, const std::string& text) {
-        if (destination == "-") {
-            shown = text;
-        } else if (!destination.empty()) {
-            files.Add(destination).Write(text);
-        }
-    };
-    place(options.json, FormatJson(report));
-    place(options.csv, FormatCsv(report));
+    const std::string shown = PlaceReport(
+        {options.json, options.csv}, {FormatTable(report), FormatJson(report), FormatCsv(report)}, files);
     if (!options.bitmap.empty()) {
         const OutputFile& file = files.Add(options.bitmap);
         if (tqImageToDiskBmp(file.WorkingPath().c_str(), image.Get(), kFalseColours) != 0) {
@@ -98,9 +80,7 @@ void Deliver(const MeasureOptions& options, const Report& report, HostImage& ima
         }
     }
     files.Commit();
-    if (std::fwrite(shown.data(), 1, shown.size(), stdout) != shown.size() || std::fflush(stdout) != 0) {
-        FailFile("stdout", "cannot be written");
-    }
+    Show(shown);
 }
 
 }  // namespace
@@ -112,7 +92,7 @@ void RunMeasure(const MeasureOptions& options) {
     Report report;
     if (!options.spot.empty()) report.options.spot = ParsePair("--spot", options.spot, 1);
     report.options.angleMode = options.angleMode;
-    report.header = FindHeader(options);
+    report.header = FindHeader(options.image, options.headerFile, options.header);
     std::vector<ExpectedRegion> expected;
     if (!options.expect.empty()) expected = ReadExpectations(options.expect);
     std::vector<Region> regions = ChooseRegions(options, expected);

@@ -26,6 +26,19 @@ struct MeasureOptions {
     bool progress = false;
 };
 
+/// `tqimage uniformity` as it was typed.
+struct UniformityOptions {
+    std::string image;
+    HeaderOptions header;
+    std::string headerFile;
+    std::string spot;
+    bool ellipses = false;
+    std::string region = "rect:0,0,0,0";
+    double threshold = 1.0;
+    std::string json, csv;  ///< "-" for stdout
+    bool progress = false;
+};
+
 /// `tqimage simulate` as it was typed.
 struct SimulateOptions {
     std::string output;
@@ -57,6 +70,7 @@ std::array<std::int32_t, 2> ParsePair(const char* option, const std::string& tex
 std::vector<Region> ParseRegions(const std::vector<std::string>& arguments);
 
 void RunMeasure(const MeasureOptions& options);
+void RunUniformity(const UniformityOptions& options);
 void RunSimulate(const SimulateOptions& options);
 
 }  // namespace cli

@@ -1,5 +1,7 @@
 #include "photometric_header.h"
 
+#include <unistd.h>
+
 #include <cmath>
 #include <functional>
 #include <limits>
@@ -126,6 +128,15 @@ PhotometricHeader Overlay(const PhotometricHeader& base, const PhotometricHeader
     if (winner.distance) result.distance = winner.distance;
     if (winner.bin) result.bin = winner.bin;
     return result;
+}
+
+PhotometricHeader FindHeader(const std::string& image, const std::string& headerFile,
+                             const HeaderOptions& options) {
+    const PhotometricHeader typed = ParseHeaderOptions(options);
+    if (!headerFile.empty()) return Overlay(ReadSidecar(headerFile), typed);
+    const std::string sidecar = image + ".json";
+    if (access(sidecar.c_str(), F_OK) == 0) return Overlay(ReadSidecar(sidecar), typed);
+    return typed;
 }
 
 TqImageHeader MakeHeader(const PhotometricHeader& header, std::int32_t cols, std::int32_t rows) {

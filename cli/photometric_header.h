@@ -39,6 +39,11 @@ std::string FormatSidecar(const PhotometricHeader& header);
 /// What is known from either; the winner's fields count where both know one.
 PhotometricHeader Overlay(const PhotometricHeader& base, const PhotometricHeader& winner);
 
+/// What is known of an image file: from the options as they were typed, else from the header file, else from
+/// IMAGE.json when there is one.
+PhotometricHeader FindHeader(const std::string& image, const std::string& headerFile,
+                             const HeaderOptions& options);
+
 /// The library's header. Unknown scales are 0, the centre is the image's middle and the binning 1 unless
 /// known.
 TqImageHeader MakeHeader(const PhotometricHeader& header, std::int32_t cols, std::int32_t rows);

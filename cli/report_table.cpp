@@ -2,38 +2,10 @@
 
 #include "report.h"
 #include "text.h"
+#include "text_table.h"
 
 namespace cli {
 namespace {
-
-/// Lines of cells, aligned by column: the first to the left, figures to the right.
-class Table {
-  public:
-    void AddLine(std::vector<std::string> cells) { lines_.push_back(std::move(cells)); }
-
-    std::string Text() const {
-        std::vector<std::size_t> widths;
-        for (const auto& line : lines_) {
-            widths.resize(std::max(widths.size(), line.size()));
-            for (std::size_t index = 0; index < line.size(); ++index) {
-                widths[index] = std::max(widths[index], line[index].size());
-            }
-        }
-        std::string text;
-        for (const auto& line : lines_) {
-            std::string aligned;
-            for (std::size_t index = 0; index < line.size(); ++index) {
-                const std::string blanks(widths[index] - line[index].size(), ' ');
-                aligned += index == 0 ? line[index] + blanks : "  " + blanks + line[index];
-            }
-            text += aligned.substr(0, aligned.find_last_not_of(' ') + 1) + "\n";
-        }
-        return text;
-    }
-
-  private:
-    std::vector<std::vector<std::string>> lines_;
-};
 
 /// The figures first … last of every region, but those that no region has.
 std::string FigureTable(const Report& report, const char* head, Quantity first, Quantity last) {
@@ -46,7 +18,7 @@ std::string FigureTable(const Report& report, const char* head, Quantity first, 
     });
     if (shown.empty()) return "";
 
-    Table table;
+    TextTable table;
     std::vector<std::string> titles{head};
     std::vector<std::string> units{""};
     for (const Quantity quantity : shown) {
@@ -94,7 +66,7 @@ std::string Head(const Report& report) {
 
 std::string ComparisonTable(const Report& report) {
     if (report.comparisons.empty()) return "";
-    Table table;
+    TextTable table;
     table.AddLine({"region", "figure", "measured", "expected", "difference %", "tolerance %", ""});
     for (const Comparison& comparison : report.comparisons) {
         const Expectation& expected = comparison.expected;

@@ -22,7 +22,7 @@ extern "C" {
  *  The old array is destroyed. The new one belongs to the host, which releases it with SafeArrayDestroy;
  * after -5 and -6, too.
  *  @par Memory
- *  The array, and up to 512 KiB of counters while it works.
+ *  The array, and up to 256 KiB of counters while it works.
  *  @note After -2 and -3 the pointer is as before. After -4 it is null, or as before when the counters could
  *        not be had.
  */
@@ -36,7 +36,7 @@ TQ_API int32_t TQ_CALL tqGetHistogram(const TqImage* image, SAFEARRAY** array);
  *  @param[in] path file to write; an existing one is replaced
  *  @return 0; -1 image null or invalid; -2 path null, the file cannot be written, or no memory
  *  @par Memory
- *  Up to 512 KiB of counters while it works.
+ *  Up to 256 KiB of counters while it works.
  *  @note A file that cannot be written completely, on a full disk, is removed.
  */
 TQ_API int32_t TQ_CALL tqWriteHistogram(const TqImage* image, const char* path);

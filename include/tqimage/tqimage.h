@@ -7,6 +7,7 @@
 #include "tqimage/automation.h"
 #include "tqimage/base.h"
 #include "tqimage/bitmap.h"
+#include "tqimage/border_light.h"
 #include "tqimage/defects.h"
 #include "tqimage/deviation.h"
 #include "tqimage/distortion.h"
@@ -21,6 +22,7 @@
 #include "tqimage/region_ellipse.h"
 #include "tqimage/region_polygon.h"
 #include "tqimage/region_rectangle.h"
+#include "tqimage/uniformity.h"
 #include "tqimage/whole_image.h"
 
 #endif

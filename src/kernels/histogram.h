@@ -6,15 +6,13 @@
 
 namespace tq::kernels {
 
-/// Tables that count side by side, so that equal pels in a row, as on flat areas, do not wait for each other.
-/// With many levels more than two tables would leave the second-level cache.
-constexpr std::size_t HistogramTables(std::size_t levels) noexcept {
-    return levels <= 8192 ? 4 : 2;
-}
+/// Counters that CountLevels needs for levels 0 .. levels - 1: as many as there are levels, or four tables of
+/// them when those fit into the first-level cache.
+std::size_t HistogramEntries(std::size_t levels) noexcept;
 
-/// tables[v] = number of pels of level v. `tables` has HistogramTables(levels) times `levels` entries, all 0;
-/// those behind the first table are working space. Every pel is below `levels`.
+/// table[v] = number of pels of level v, for v < levels. `table` has HistogramEntries(levels) entries, all 0;
+/// those behind the levels are working space. Every pel is below `levels`.
 void CountLevels(const std::uint16_t* pels, std::size_t count, std::size_t levels,
-                 std::span<std::uint32_t> tables);
+                 std::span<std::uint32_t> table);
 
 }  // namespace tq::kernels

@@ -174,6 +174,23 @@ std::size_t CountAtLeast(const double* values, const double* bounds, std::size_t
     return hits;
 }
 
+bool AnyOutside(const double* values, const double* scales, std::size_t count, double low, double high) {
+    const F64 d;
+    const std::size_t lanes = hn::Lanes(d);
+    std::size_t i = 0;
+    auto outside = hn::MaskFromVec(hn::Zero(d));
+    for (; i + lanes <= count; i += lanes) {
+        const auto v = hn::LoadU(d, values + i);
+        const auto scale = hn::LoadU(d, scales + i);
+        outside = hn::Or(outside, hn::Or(hn::Lt(v, hn::Mul(hn::Set(d, low), scale)),
+                                         hn::Gt(v, hn::Mul(hn::Set(d, high), scale))));
+    }
+    bool any = !hn::AllFalse(d, outside);
+    for (; i < count; ++i)
+        any = any || values[i] < low * scales[i] || values[i] > high * scales[i];
+    return any;
+}
+
 void Quotients(const double* values, const double* divisors, std::size_t count, double* out) {
     const F64 d;
     const std::size_t lanes = hn::Lanes(d);
@@ -220,6 +237,7 @@ HWY_EXPORT(PrefixSumsOfPels);
 HWY_EXPORT(Differences);
 HWY_EXPORT(AddBlockRows);
 HWY_EXPORT(CountAtLeast);
+HWY_EXPORT(AnyOutside);
 HWY_EXPORT(Quotients);
 HWY_EXPORT(FindRange);
 
@@ -259,6 +277,10 @@ void AddBlockRows(const BlockRow* rows, std::size_t rowCount, std::size_t rowsPe
 
 std::size_t CountAtLeast(const double* values, const double* bounds, std::size_t count) {
     return HWY_DYNAMIC_DISPATCH(CountAtLeast)(values, bounds, count);
+}
+
+bool AnyOutside(const double* values, const double* scales, std::size_t count, double low, double high) {
+    return HWY_DYNAMIC_DISPATCH(AnyOutside)(values, scales, count, low, high);
 }
 
 void Quotients(const double* values, const double* divisors, std::size_t count, double* out) {

@@ -38,6 +38,10 @@ void AddBlockRows(const BlockRow* rows, std::size_t rowCount, std::size_t rowsPe
 /// Number of i with values[i] >= bounds[i].
 std::size_t CountAtLeast(const double* values, const double* bounds, std::size_t count);
 
+/// True when values[i] < low * scales[i] or values[i] > high * scales[i] for any i; never for a product that
+/// is not a number.
+bool AnyOutside(const double* values, const double* scales, std::size_t count, double low, double high);
+
 /// out[i] = values[i] / divisors[i]
 void Quotients(const double* values, const double* divisors, std::size_t count, double* out);
 

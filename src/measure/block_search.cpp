@@ -16,10 +16,28 @@ namespace {
 constexpr std::int32_t kInvalidImage = -2;
 constexpr std::int32_t kNoPosition = -3;
 
+constexpr double kNever = std::numeric_limits<double>::infinity();
+
+/// Means are compared with the best ones through products, sum < best * count: a row that cannot win needs no
+/// division. The factor keeps a product that was rounded down from hiding a winner.
+constexpr double kSlack = 1e-14;
+
 BlockPosition PositionOf(double mean, const std::vector<double>& means, std::int32_t firstCol,
                          std::int32_t centerRow) {
     const auto at = std::find(means.begin(), means.end(), mean) - means.begin();
     return {mean, firstCol + static_cast<std::int32_t>(at), centerRow};
+}
+
+/// The means of a row of blocks when any of them may be below `least` or above `most`.
+template <class Sweep>
+bool MeansThatMayWin(const Sweep& sweep, double least, double most, std::vector<double>& means) {
+    const double* const sums = sweep.Sums().data();
+    const double* const counts = sweep.Counts().data();
+    const double low = least * (1.0 + kSlack);
+    const double high = most * (1.0 - kSlack);
+    if (!kernels::AnyOutside(sums, counts, means.size(), low, high)) return false;
+    kernels::Quotients(sums, counts, means.size(), means.data());
+    return true;
 }
 
 }  // namespace
@@ -36,27 +54,27 @@ BlockExtremes FindBlockExtremes(const ConstImageView& view, BlockShape shape, co
     std::vector<double> means(static_cast<std::size_t>(blocks.origins.Width()));
     BlockExtremes found;
     SweepBlocks(view, shape, blocks, [&](std::int32_t centerRow, const BlockSweep& sweep) {
-        kernels::Quotients(sweep.Sums().data(), sweep.Counts().data(), means.size(), means.data());
+        PumpMessages();
+        if (!MeansThatMayWin(sweep, found.least.mean, found.most.mean, means)) return;
         const kernels::DoubleRange range = kernels::FindRange(means.data(), means.size());
         const std::int32_t firstCol = blocks.FirstCenterCol();
         if (range.min < found.least.mean) found.least = PositionOf(range.min, means, firstCol, centerRow);
         if (range.max > found.most.mean) found.most = PositionOf(range.max, means, firstCol, centerRow);
-        PumpMessages();
     });
     return found;
 }
 
 BlockPosition FindLeastLitBlock(const ConstImageView& view, BlockShape shape, const FittingBlocks& blocks) {
     std::vector<double> means(static_cast<std::size_t>(blocks.origins.Width()));
-    constexpr double kNoMean = std::numeric_limits<double>::infinity();
-    BlockPosition least{kNoMean};
+    BlockPosition least{kNever};
     SweepLitBlocks(view, shape, blocks, [&](std::int32_t centerRow, const LitBlockSweep& sweep) {
-        kernels::Quotients(sweep.Sums().data(), sweep.Counts().data(), means.size(), means.data());
-        for (std::size_t i = 0; i < means.size(); ++i)
-            means[i] = sweep.Counts()[i] > 0.0 ? means[i] : kNoMean;
+        PumpMessages();
+        if (!MeansThatMayWin(sweep, least.mean, kNever, means)) return;
+        for (std::size_t i = 0; i < means.size(); ++i) {
+            if (sweep.Counts()[i] == 0.0) means[i] = kNever;
+        }
         const double smallest = kernels::FindRange(means.data(), means.size()).min;
         if (smallest < least.mean) least = PositionOf(smallest, means, blocks.FirstCenterCol(), centerRow);
-        PumpMessages();
     });
     return least;
 }

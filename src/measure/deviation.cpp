@@ -25,10 +25,6 @@ constexpr std::int32_t kInvalidImage = -2;
 constexpr std::int32_t kNotCreated = -3;
 constexpr std::int32_t kNothingLit = -99;
 
-/// The grey level of a mura image that means "as bright as the mean", and with it the scale of its
-/// deviations.
-constexpr double kMuraZero = 32000.0;
-
 /// From this pel on the square does not fit into a signed 32-bit integer.
 constexpr Pel kFirstWrappingPel = 46341;
 

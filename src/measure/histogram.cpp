@@ -15,10 +15,10 @@ namespace tq {
 
 std::vector<std::uint32_t> Histogram(const ConstImageView& view) {
     const std::size_t levels = std::size_t{kernels::FindMinMax(view.pels, view.Count()).max} + 1;
-    std::vector<std::uint32_t> tables(levels * kernels::HistogramTables(levels));
-    kernels::CountLevels(view.pels, view.Count(), levels, tables);
-    tables.resize(levels);
-    return tables;
+    std::vector<std::uint32_t> table(kernels::HistogramEntries(levels));
+    kernels::CountLevels(view.pels, view.Count(), levels, table);
+    table.resize(levels);
+    return table;
 }
 
 }  // namespace tq

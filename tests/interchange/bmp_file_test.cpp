@@ -10,13 +10,11 @@
 #include "bmp_reader.h"
 #include "failing_allocator.h"
 #include "images.h"
+#include "temp_file.h"
 #include "tqimage/bitmap.h"
 
 #if defined(__unix__)
-#include <sys/resource.h>
 #include <sys/stat.h>
-
-#include <csignal>
 #endif
 
 namespace {
@@ -27,19 +25,7 @@ using tqtest::DefaultHeader;
 using tqtest::Image;
 using tqtest::RandomImage;
 using tqtest::ReadBmp;
-
-/// A file name that is removed with the scope.
-class TempName {
-  public:
-    explicit TempName(const char* name) : name_(testing::TempDir() + name) {}
-    ~TempName() { std::remove(name_.c_str()); }
-    const char* c_str() const { return name_.c_str(); }
-    operator const std::string&() const { return name_; }
-    bool Exists() const { return std::ifstream(name_).good(); }
-
-  private:
-    std::string name_;
-};
+using tqtest::TempName;
 
 TEST(ImageToDiskBmp, HoldsTheBitmapOfTheSameImage) {
     const TempName name("tq_bitmap.bmp");
@@ -104,31 +90,12 @@ TEST(ImageToDiskBmp, ReportsFilesItCannotWrite) {
 }
 
 #if defined(__unix__)
-/// Lets this process write no file beyond `bytes`, as a full disk would.
-class FileSizeLimit {
-  public:
-    explicit FileSizeLimit(rlim_t bytes) {
-        getrlimit(RLIMIT_FSIZE, &before_);
-        handler_ = std::signal(SIGXFSZ, SIG_IGN);
-        const rlimit limit{bytes, before_.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FileSizeLimit() {
-        setrlimit(RLIMIT_FSIZE, &before_);
-        std::signal(SIGXFSZ, handler_);
-    }
-
-  private:
-    rlimit before_{};
-    void (*handler_)(int) = SIG_DFL;
-};
-
 TEST(ImageToDiskBmp, LeavesNoHalfWrittenFile) {
     const TempName name("tq_full_disk.bmp");
     Image image(200, 200);
     // In the middle of the headers, the colour table and the rows.
     for (const rlim_t room : {10u, 600u, 20000u}) {
-        const FileSizeLimit limit(room);
+        const tqtest::FileSizeLimit limit(room);
         EXPECT_EQ(tqImageToDiskBmp(name.c_str(), image, 6), -3) << room;
         EXPECT_FALSE(name.Exists()) << room;
     }

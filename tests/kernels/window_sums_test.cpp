@@ -1,6 +1,7 @@
 #include "kernels/window_sums.h"
 
 #include <cmath>
+#include <utility>
 
 #include "kernels/intensity.h"
 #include "simd_targets.h"
@@ -22,6 +23,8 @@ TEST(WindowSums, ColumnsAndPrefixesOfEveryLengthAreExactOnEveryTarget) {
             kernels::PrefixSums(columns.data(), count, prefix.data());
             std::vector<std::uint32_t> pelPrefix(count + 1);
             kernels::PrefixSums(b.data(), count, pelPrefix.data());
+            std::vector<std::uint16_t> marks(count, 9);
+            kernels::MarkNonZero(a.data(), count, marks.data());
             double sum = 0;
             std::uint32_t pelSum = 0;
             for (std::size_t i = 0; i <= count; ++i) {
@@ -29,6 +32,7 @@ TEST(WindowSums, ColumnsAndPrefixesOfEveryLengthAreExactOnEveryTarget) {
                 ASSERT_EQ(pelPrefix[i], pelSum) << i << " of " << count;
                 if (i == count) break;
                 ASSERT_EQ(columns[i], 8000U * 65535U - 65535U + b[i]) << i << " of " << count;
+                ASSERT_EQ(marks[i], a[i] != 0 ? 1 : 0) << i << " of " << count;
                 sum += columns[i];
                 pelSum += b[i];
             }
@@ -80,6 +84,13 @@ TEST(WindowSums, ComparisonsQuotientsAndRangesAgreeWithThePlainLoop) {
             for (std::size_t i = 0; i < count; ++i) {
                 const double quotient = values[i] / bounds[i];
                 ASSERT_TRUE(out[i] == quotient || (std::isnan(out[i]) && std::isnan(quotient))) << i;
+            }
+            for (const auto& [low, high] :
+                 {std::pair{1.0, 2.0}, {0.5, 1.0}, {0.0, HUGE_VAL}, {HUGE_VAL, 1.0}}) {
+                bool any = false;
+                for (std::size_t i = 0; i < count; ++i)
+                    any = any || values[i] < low * bounds[i] || values[i] > high * bounds[i];
+                ASSERT_EQ(kernels::AnyOutside(values.data(), bounds.data(), count, low, high), any) << count;
             }
             const auto range = kernels::FindRange(values.data(), count);
             ASSERT_EQ(range.min, *std::min_element(values.begin(), values.end()));
