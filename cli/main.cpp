@@ -164,6 +164,16 @@ void AddSimulate(CLI::App& app, SimulateOptions& options) {
     command.add_flag("--progress", options.progress, "Tell the progress even when stderr is no terminal");
 }
 
+void AddMtf(CLI::App& app, MtfOptions& options) {
+    CLI::App& command = *app.add_subcommand(
+        "mtf", "Modulation transfer from the slanted edge in each region of an image (rectangles only)");
+    command.add_option("IMAGE", options.image, "8-bit or 16-bit grey PNG, TIFF or PGM image")->required();
+    AddRegions(command, options.regions);
+    command.add_option("--points", options.points, "Points of the curve from 0 to 0.5 cycles a pel")
+        ->capture_default_str();
+    command.add_flag("--json{-}", options.json, "JSON to stdout, or to FILE with --json=FILE");
+}
+
 int Run(int count, char** arguments) {
     CLI::App app("Photometric measurements in images of an imaging photometer.", "tqimage");
     app.set_version_flag("--version", TQIMAGE_VERSION);
@@ -177,6 +187,8 @@ int Run(int count, char** arguments) {
     AddMeasure(app, measure);
     AddUniformity(app, uniformity);
     AddSimulate(app, simulate);
+    MtfOptions mtf;
+    AddMtf(app, mtf);
     try {
         app.parse(count, arguments);
     } catch (const CLI::Success& shown) {
@@ -188,6 +200,8 @@ int Run(int count, char** arguments) {
         RunMeasure(measure);
     } else if (app.got_subcommand("uniformity")) {
         RunUniformity(uniformity);
+    } else if (app.got_subcommand("mtf")) {
+        RunMtf(mtf);
     } else {
         RunSimulate(simulate);
     }

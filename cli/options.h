@@ -63,6 +63,14 @@ struct SimulateOptions {
     bool progress = false;
 };
 
+/// `tqimage mtf` as it was typed.
+struct MtfOptions {
+    std::string image;
+    std::vector<std::string> regions;
+    std::int32_t points = 51;
+    std::string json;  ///< "-" for stdout
+};
+
 /// One or two whole numbers, the one standing for both, none below least; anything else is a usage error.
 std::array<std::int32_t, 2> ParsePair(const char* option, const std::string& text, std::int32_t least);
 
@@ -72,5 +80,6 @@ std::vector<Region> ParseRegions(const std::vector<std::string>& arguments);
 void RunMeasure(const MeasureOptions& options);
 void RunUniformity(const UniformityOptions& options);
 void RunSimulate(const SimulateOptions& options);
+void RunMtf(const MtfOptions& options);
 
 }  // namespace cli

@@ -46,7 +46,10 @@ void FillContrastMap(const ConstImageView& source, const ImageView& out) {
     const kernels::MinMax range = kernels::FindMinMax(source.pels, source.Count());
     // Without contrast there is nothing to scale to. The rounded mean of equal pels may differ from them, so
     // they are told by their range.
-    if (range.min == range.max) return;
+    if (range.min == range.max) {
+        std::fill_n(out.pels, source.Count(), Pel{0});
+        return;
+    }
     const std::vector<Pel> table = ContrastTable(SinglePrecisionMean(source), range);
     std::transform(source.pels, source.pels + source.Count(), out.pels,
                    [&table, &range](Pel pel) { return table[static_cast<std::size_t>(pel - range.min)]; });
@@ -58,8 +61,8 @@ std::int32_t TQ_CALL tqCalcAbsContrast(TqImage** out, const TqImage* source) {
     const ConstImageView view = LocateImage(source);
     if (!view || out == nullptr) return kInvalidImage;
     return Guarded(kNoMemory, [&] {
-        OwnedImage map(view, NewPels::kZero);
         const bool hasScale = PhotometricFrame(*view.header).HasScale();
+        OwnedImage map(view, hasScale ? NewPels::kUnwritten : NewPels::kZero);
         if (hasScale) FillContrastMap(view, map.View());
         CommitImage(out, std::move(map));
         // Hosts without a scale still get the image it was meant for.

@@ -94,6 +94,7 @@ std::int32_t TQ_CALL tqCalcLampClipRange(const TqImage* image, std::int32_t thre
     if (!view) return kInvalidImage;
     // Cells that begin in the last column wrap to the next row, but a field that begins there is none: hosts
     // get the same middle whether they are lit or not, so they are not looked at.
+    // A column of cells with a lit one has that one in some row, so a field has columns and rows or neither.
     const LitCells lit = FindLitCells({view, threshold});
     if (lit.lastRow < 0) {
         *left = view.cols / 2 - 1;

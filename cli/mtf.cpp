@@ -1,0 +1,117 @@
+#include "tqimage/mtf.h"
+
+#include <cstdio>
+#include <vector>
+
+#include "failure.h"
+#include "files.h"
+#include "image_file.h"
+#include "json_file.h"
+#include "library.h"
+#include "options.h"
+#include "text.h"
+
+namespace cli {
+namespace {
+
+/// What one edge tells.
+struct Curve {
+    Region region;
+    std::vector<double> modulation;
+    double mtf50 = 0.0;
+    double angle = 0.0;
+};
+
+/// Cycles a pel of entry k of a curve.
+double Frequency(std::size_t k, std::size_t count) {
+    return 0.5 * static_cast<double>(k) / static_cast<double>(count - 1);
+}
+
+const char* ReasonOf(std::int32_t status) {
+    switch (status) {
+        case -3:
+            return "too small, or the edge is too close to its border";
+        case -4:
+            return "no edge";
+        case -5:
+            return "the edge is not between 1 and 44 degrees from the columns or rows";
+        default:
+            return "the library refuses it";
+    }
+}
+
+Curve MeasureCurve(const HostImage& image, const Region& region, std::int32_t count) {
+    Curve curve{region, std::vector<double>(static_cast<std::size_t>(count)), 0.0, 0.0};
+    const auto& [left, top, right, bottom] = region.box;
+    const std::int32_t status = tqCalcMTF(image.Get(), left, top, right, bottom, count,
+                                          curve.modulation.data(), &curve.mtf50, &curve.angle);
+    if (status != 0) FailMeasurement("region " + region.name, ReasonOf(status));
+    return curve;
+}
+
+std::string FormatCurves(const std::string& file, const std::vector<Curve>& curves) {
+    std::string text = file + "\n";
+    for (const Curve& curve : curves) {
+        text += "\n" + curve.region.name + "\n";
+        text += Format("edge angle  %.3f degrees\n", curve.angle);
+        text += curve.mtf50 > 0.0 ? Format("mtf50       %.4f cycles/pel\n", curve.mtf50)
+                                  : std::string("mtf50       above 0.5 cycles/pel\n");
+        text += "cycles/pel  modulation\n";
+        for (std::size_t k = 0; k < curve.modulation.size(); ++k) {
+            text += Format("%10.4f  %10.4f\n", Frequency(k, curve.modulation.size()), curve.modulation[k]);
+        }
+    }
+    return text;
+}
+
+std::string FormatCurvesJson(const std::string& file, const std::vector<Curve>& curves) {
+    Json json{{"file", file}, {"regions", Json::array()}};
+    for (const Curve& curve : curves) {
+        Json entry{
+            {"name", curve.region.name},   {"region", curve.region.text},
+            {"angleDegrees", curve.angle}, {"mtf50", curve.mtf50 > 0.0 ? Json(curve.mtf50) : Json(nullptr)},
+            {"frequency", Json::array()},  {"modulation", curve.modulation}};
+        for (std::size_t k = 0; k < curve.modulation.size(); ++k)
+            entry["frequency"].push_back(Frequency(k, curve.modulation.size()));
+        json["regions"].push_back(entry);
+    }
+    return json.dump(2) + "\n";
+}
+
+void Show(const std::string& text) {
+    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0) {
+        FailFile("stdout", "cannot be written");
+    }
+}
+
+}  // namespace
+
+void RunMtf(const MtfOptions& options) {
+    constexpr std::int32_t kMostPoints = 10'000;
+    if (options.points < 2 || options.points > kMostPoints) {
+        FailUsage(Format("--points is 2 to %d", kMostPoints));
+    }
+    std::vector<Region> regions = ParseRegions(options.regions);
+    for (const Region& region : regions) {
+        if (region.shape != Shape::kRectangle)
+            FailUsage("region " + region.text + ": an edge takes a rectangle");
+    }
+    const GreyImage pels = ReadImage(options.image);
+    const HostImage image(pels, MakeHeader({}, pels.cols, pels.rows));
+    std::vector<Curve> curves;
+    for (Region& region : regions) {
+        FitRegion(region, pels.cols, pels.rows);
+        curves.push_back(MeasureCurve(image, region, options.points));
+    }
+
+    if (options.json == "-") {
+        Show(FormatCurvesJson(options.image, curves));
+        return;
+    }
+    OutputFiles files;
+    if (!options.json.empty()) files.Add(options.json).Write(FormatCurvesJson(options.image, curves));
+    files.Commit();
+    Show(FormatCurves(options.image, curves));
+}
+
+}  // namespace cli
