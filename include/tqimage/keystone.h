@@ -1,0 +1,91 @@
+/** @file keystone.h
+ *  Keystone maps: distortion maps of exactly an image's size, that make the picture on a screen which was
+ * seen obliquely rectangular again. They turn together with the image they belong to.
+ */
+#ifndef TQIMAGE_KEYSTONE_H
+#define TQIMAGE_KEYSTONE_H
+
+#include "tqimage/base.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/**
+ * @brief Resamples an image, bilinearly, through a map of exactly its size.
+ *
+ * Unlike tqCorrectLensDistortion it regards neither binning nor offsets, and a dark pel stays 0. A pel whose
+ * entry has a negative column or row, a column above PelCols or a row of PelRows or more has no source and
+ * becomes 0. Grey levels are truncated; the last pel before the border is extrapolated from the last two.
+ *
+ * @param[in,out] image Address of the pointer to the image; the result, with the image's whole header,
+ *                      replaces it. Untouched when the function fails.
+ * @param[in] map       Map of the image's columns and rows.
+ * @return 0; -1 image is null or invalid; -2 map is null or of another size; -3 no memory. -5 stands for a
+ *         failed sample, which does not occur.
+ * @par Ownership
+ * The block that image held is freed and replaced; the host frees the new one with tqImageFree.
+ * @par Memory
+ * The result.
+ * @note The bound of columns is one looser than that of rows, and extrapolated values keep their low 16 bits.
+ *       Entries that are not a number count as pels without a source.
+ */
+TQ_API int32_t TQ_CALL tqRemoveKeystone(TqImage** image, const TqDistortionMap* map);
+
+/**
+ * @brief Mirrors a map left to right, as tqMirrorImage mirrors its image.
+ *
+ * Entries change places and point to where their source has gone: a source column 0 .. Cols - 1 becomes
+ * (Cols - 1) - column; every other one stays, so that pels without a source remain so.
+ *
+ * @param[in,out] map Address of the host's map pointer; the new map replaces the one it holds. Untouched when
+ *                    the function fails.
+ * @return 0; -2 there is no map, or no memory.
+ * @par Ownership
+ * The map that was held is freed; the new one belongs to the host.
+ * @par Memory
+ * The result.
+ */
+TQ_API int32_t TQ_CALL tqMirrorKeystone(TqDistortionMap** map);
+
+/**
+ * @brief Turns a map as tqTransposeImage turns its image.
+ *
+ * Sources are turned with their places and reversed where the turn reverses an axis, by the rule of
+ * tqMirrorKeystone: a place outside the new map's columns or rows stays as it is.
+ *
+ * @param[in,out] map Address of the host's map pointer; the new map replaces the one it holds. Untouched when
+ *                    the function fails.
+ * @param[in] mode    1: 90 degrees counter-clockwise; 2: 90 degrees clockwise; 3: rows in reverse order;
+ * every other value does nothing.
+ * @return 0; -2 there is no map to turn, or no memory.
+ * @par Ownership
+ * The map that was held is freed; the new one belongs to the host.
+ * @par Memory
+ * The result.
+ * @note A mode that does nothing returns 0 without a look at the map.
+ */
+TQ_API int32_t TQ_CALL tqTransposeKeystone(TqDistortionMap** map, int32_t mode);
+
+/**
+ * @brief Mirrors a map left to right and turns it, as tqMirrorTransposeImage does with its image, in one
+ * step.
+ *
+ * @param[in,out] map Address of the host's map pointer; the new map replaces the one it holds. Untouched when
+ *                    the function fails.
+ * @param[in] mirror  0: as tqTransposeKeystone; other values mirror first.
+ * @param[in] mode    With mirror: 0 tqMirrorKeystone; 1 columns and rows exchanged; 2 the same about the
+ * other diagonal; 3 half a turn; every other value does nothing.
+ * @return 0; -2 there is no map to turn, or no memory.
+ * @par Ownership
+ * The map that was held is freed; the new one belongs to the host.
+ * @par Memory
+ * The result.
+ */
+TQ_API int32_t TQ_CALL tqMirrorTransposeKeystone(TqDistortionMap** map, int32_t mirror, int32_t mode);
+
+#ifdef __cplusplus
+} /* extern "C" */
+#endif
+
+#endif
