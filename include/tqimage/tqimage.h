@@ -19,6 +19,7 @@
 #include "tqimage/histogram.h"
 #include "tqimage/image.h"
 #include "tqimage/keystone.h"
+#include "tqimage/lens_model.h"
 #include "tqimage/line_detection.h"
 #include "tqimage/moments.h"
 #include "tqimage/mtf.h"
@@ -32,6 +33,7 @@
 #include "tqimage/region_rectangle.h"
 #include "tqimage/stray_light.h"
 #include "tqimage/sub_pixel.h"
+#include "tqimage/transform.h"
 #include "tqimage/uniformity.h"
 #include "tqimage/whole_image.h"
 
