@@ -84,6 +84,41 @@ TQ_API int32_t TQ_CALL tqTransposeKeystone(TqDistortionMap** map, int32_t mode);
  */
 TQ_API int32_t TQ_CALL tqMirrorTransposeKeystone(TqDistortionMap** map, int32_t mirror, int32_t mode);
 
+/**
+ * @brief Measures the keystone of a bright flat screen and makes the map that removes it.
+ *
+ * The screen becomes an upright rectangle of the mean lengths of its opposite sides, in the middle of the
+ * screen, where its diagonals cross; every entry of the map, of the image's size and for tqRemoveKeystone, is
+ * the place of its pel under the homography of the four corners. Places outside the image are (-1, -1).
+ *
+ * Corners that are not given are found: the rows and columns of the image are searched for the places
+ * half-way between the mean of the pels above the threshold and that of the others, between the pels; a line
+ * is fitted to those of each border, and the lines are intersected. The screen may be turned by less than 45
+ * degrees.
+ *
+ * @param[in,out] map       Address of the host's map pointer; the new map replaces the one it holds.
+ * Untouched when the function fails.
+ * @param[in] image         Image of the screen.
+ * @param[in] threshold     Pels above it show the screen, grey levels, any value; unused when corners are
+ * given.
+ * @param[in,out] corners   Column and row of the top left, top right, bottom right and bottom left corner,
+ * eight doubles, pels; corners[0] negative: find them and store them here.
+ * @param[out] horizontal   100 (left - right) / (left + right) of the lengths of these sides, percent; may be
+ * null.
+ * @param[out] vertical     100 (top - bottom) / (top + bottom), percent; may be null.
+ * @return 0; -1 image is invalid, or map, image or corners is null; -99 no pel above the threshold; -2 a
+ * border was not found; -3 the corners are not those of a convex quadrilateral, clockwise; -4 no memory.
+ * @par Ownership
+ * The map that was held is freed; the new one belongs to the host.
+ * @par Memory
+ * The result, and while corners are looked for a few numbers a row and a column.
+ * @par Source
+ * R. I. Hartley, In defense of the eight-point algorithm, 1997 (normalisation of the equations).
+ * @note The outputs are untouched when the function fails.
+ */
+TQ_API int32_t TQ_CALL tqCalcKeyStone(TqDistortionMap** map, const TqImage* image, int32_t threshold,
+                                      double* corners, double* horizontal, double* vertical);
+
 #ifdef __cplusplus
 } /* extern "C" */
 #endif
