@@ -119,6 +119,38 @@ TQ_API int32_t TQ_CALL tqMirrorTransposeKeystone(TqDistortionMap** map, int32_t 
 TQ_API int32_t TQ_CALL tqCalcKeyStone(TqDistortionMap** map, const TqImage* image, int32_t threshold,
                                       double* corners, double* horizontal, double* vertical);
 
+/**
+ * @brief Makes the map that unrolls a cylindrical screen, bulging or hollow, with an upright axis.
+ *
+ * The camera is computed from six marks of the screen, by the direct linear transformation and the steps of
+ * Gauss and Newton on the distances between marks and their computed places. Columns of the result are then
+ * uniform in the angle about the axis, rows in the height, both at the same length along the screen; the
+ * screen's top and bottom edges keep their mean length, and its middle stays where it is seen. Places outside
+ * the image, and those that turn away from the camera, are (-1, -1).
+ *
+ * @param[in,out] map          Address of the host's map pointer; the new map, of the image's size and for
+ *                             tqRemoveKeystone, replaces the one it holds. Untouched when the function fails.
+ * @param[in] image            Image of the screen; only its size is used.
+ * @param[in] points           Column and row of the top left, top middle, top right, bottom right, bottom
+ * middle and bottom left mark, twelve doubles, pels.
+ * @param[in] halfAngle        Angle about the axis from the middle to either side, radians, 0 < a < pi / 2.
+ * @param[in] heightOverRadius Height of the screen divided by the radius of the cylinder, > 0.
+ * @param[out] rms             Root mean square of the distances left, pels; may be null; untouched when the
+ *                             function fails.
+ * @return 0; -1 image is invalid, or map or points is null; -2 halfAngle outside (0, pi / 2) or
+ * heightOverRadius not positive; -3 the marks do not determine a camera that has them before it; -4 no
+ * memory.
+ * @par Ownership
+ * The map that was held is freed; the new one belongs to the host.
+ * @par Memory
+ * The result.
+ * @par Source
+ * R. Hartley and A. Zisserman, Multiple View Geometry in Computer Vision, 2003, chapter 7.
+ */
+TQ_API int32_t TQ_CALL tqCalcCylinderKeyStone(TqDistortionMap** map, const TqImage* image,
+                                              const double* points, double halfAngle, double heightOverRadius,
+                                              double* rms);
+
 #ifdef __cplusplus
 } /* extern "C" */
 #endif
