@@ -56,8 +56,8 @@ TEST(TransformImage, KernelsBetweenThePels) {
         int grey;
     };
     // Of 10, 20, 60, 30 around 0.25 beyond the second pel: nearest 20; 20 + 0.25 x 40; by Keys' kernel
-    // -0.0703125 x 10 + 0.8671875 x 20 + 0.2265625 x 60 - 0.0234375 x 30 = 29.53. Halves round to even:
-    // 0.125 of 40 and 0.375 of 40 below 20 + ... are 25 and 35, 1/80 is a half.
+    // -0.0703125 x 10 + 0.8671875 x 20 + 0.2265625 x 60 - 0.0234375 x 30 = 29.53. 0.0125 x 40 is a half,
+    // rounded to even.
     for (const Case& c : {Case{0, 1.25, 20}, Case{0, 1.75, 60}, Case{1, 1.25, 30}, Case{2, 1.25, 30},
                           Case{1, 1.0125, 20}, Case{1, 1.0375, 22}, Case{0, -0.5, 10}, Case{1, -0.4, 10},
                           Case{2, 3.4, 30}, Case{1, -0.51, 5}, Case{1, 3.5, 5}}) {
