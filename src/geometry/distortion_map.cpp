@@ -29,6 +29,20 @@ ConstMapView LocateMap(const TqDistortionMap* map) noexcept {
     return Locate<ConstMapView, const TqDistortionMap, const MapEntry>(map);
 }
 
+OwnedMap::OwnedMap(std::int32_t cols, std::int32_t rows)
+    : block_(new std::uint8_t[GridBytes(sizeof(TqDistortionMap), sizeof(MapEntry), cols, rows)]) {
+    auto& head = *reinterpret_cast<TqDistortionMap*>(block_.get());
+    head.Cols = static_cast<std::uint16_t>(cols);
+    head.Rows = static_cast<std::uint16_t>(rows);
+    head.CenterCol = Middle(head.Cols);
+    head.CenterRow = Middle(head.Rows);
+}
+
+void CommitMap(TqDistortionMap** host, OwnedMap map) noexcept {
+    FreeHostBlock(host);
+    *host = map.Release();
+}
+
 }  // namespace tq
 
 using namespace tq;
@@ -39,13 +53,7 @@ std::int32_t TQ_CALL tqCreateDistortionImage(TqDistortionMap** map, const TqImag
         const std::int32_t cols = info->PelCols;
         const std::int32_t rows = info->PelRows;
         FreeHostBlock(map);
-        const std::size_t bytes = GridBytes(sizeof(TqDistortionMap), sizeof(MapEntry), cols, rows);
-        auto* head = reinterpret_cast<TqDistortionMap*>(new std::uint8_t[bytes]);
-        head->Cols = static_cast<std::uint16_t>(cols);
-        head->Rows = static_cast<std::uint16_t>(rows);
-        head->CenterCol = Middle(head->Cols);
-        head->CenterRow = Middle(head->Rows);
-        *map = head;
+        *map = OwnedMap(cols, rows).Release();
         return 0;
     });
 }

@@ -1,10 +1,12 @@
 #include <algorithm>
 #include <cstdint>
+#include <optional>
 
 #include "core/guard.h"
 #include "core/image_block.h"
 #include "core/image_view.h"
 #include "core/numerics.h"
+#include "core/sensor_offset.h"
 #include "geometry/bilinear.h"
 #include "geometry/distortion_map.h"
 #include "tqimage/distortion.h"
@@ -26,14 +28,13 @@ struct AxisPlace {
     std::int32_t covered = 0;
 };
 
-/// False when the axis cannot be placed. An offset of -1 counts as 0: centres of cut images are rounded, and
-/// their difference may fall just short of the first entry.
+/// False when the axis cannot be placed.
 bool PlaceAxis(float mapCenter, float imageCenter, std::int16_t bin, std::int32_t mapSize,
                std::int32_t imageSize, AxisPlace& place) noexcept {
     if (bin < 1) return false;
-    const std::int32_t offset = TruncToInt32(static_cast<double>(mapCenter) / bin - imageCenter);
-    if (offset < -1) return false;
-    place.offset = std::max(offset, 0);
+    const std::optional<std::int32_t> offset = SensorOffset(mapCenter, imageCenter, bin);
+    if (!offset) return false;
+    place.offset = *offset;
     place.step = bin;
     const std::int32_t behind = mapSize - 1 - place.offset;
     place.covered = behind < 0 ? 0 : std::min(imageSize, behind / bin + 1);

@@ -72,6 +72,12 @@ inline bool HasInt16Elements(const SAFEARRAY* array) noexcept {
     return type == VT_EMPTY || type == VT_I2 || type == VT_UI2;
 }
 
+inline bool HasDoubleElements(const SAFEARRAY* array) noexcept {
+    if (array == nullptr || array->cbElements != 8 || HoldsReferences(*array)) return false;
+    const VARTYPE type = CarriedType(*array);
+    return type == VT_EMPTY || type == VT_R8;
+}
+
 /// Number of elements of a dimension, counted as the descriptor stores them: 0 is the one declared last.
 inline std::uint32_t StoredCount(const SAFEARRAY& array, unsigned stored) noexcept {
     return array.rgsabound[stored].cElements;

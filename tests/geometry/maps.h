@@ -12,6 +12,8 @@ namespace tqtest {
 /// A host's distortion map, filled through the library and released with the scope.
 class Map {
   public:
+    /// No map yet.
+    Map() = default;
     Map(std::int32_t cols, std::int32_t rows) : info_(DefaultHeader(cols, rows)) {
         if (tqCreateDistortionImage(&map_, &info_) != 0) throw std::runtime_error("no memory for a test map");
     }
@@ -24,6 +26,8 @@ class Map {
     }
 
     operator const TqDistortionMap*() const noexcept { return map_; }
+    /// For functions that replace the map; its size may be another one afterwards.
+    TqDistortionMap** Address() noexcept { return &map_; }
     TqDistortionMap& Head() const noexcept { return *map_; }
     void Put(std::int32_t col, std::int32_t row, float sourceCol, float sourceRow) {
         if (tqPutDistortionPel(map_, &info_, col, row, sourceCol, sourceRow) != 0) {
@@ -43,11 +47,11 @@ class Map {
     }
     const float* Entry(std::int32_t col, std::int32_t row) const noexcept {
         const auto* entries = reinterpret_cast<const float*>(map_ + 1);
-        return entries + 2 * (static_cast<std::ptrdiff_t>(row) * info_.PelCols + col);
+        return entries + 2 * (static_cast<std::ptrdiff_t>(row) * map_->Cols + col);
     }
 
   private:
-    TqImageHeader info_;
+    TqImageHeader info_{};
     TqDistortionMap* map_ = nullptr;
 };
 

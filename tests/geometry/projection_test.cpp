@@ -1,0 +1,193 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <utility>
+
+#include "failing_allocator.h"
+#include "images.h"
+#include "maps.h"
+#include "tqimage/projection.h"
+
+namespace {
+
+using tqtest::Image;
+using tqtest::MakeImage;
+using tqtest::Map;
+using tqtest::SamePels;
+
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+
+/// Straight in front of the target, one pel of the image a pel of the result.
+TqProjection Straight(double cols, double rows) {
+    TqProjection p{};
+    p.CameraZ = 2.0;
+    p.FocalLength = 2000.0;
+    p.PelsPerMeterX = p.PelsPerMeterY = 1000.0;
+    p.Cols = cols;
+    p.Rows = rows;
+    p.PrincipalCol = p.CenterCol = (cols - 1) / 2;
+    p.PrincipalRow = p.CenterRow = (rows - 1) / 2;
+    p.Radius = 0.5;
+    return p;
+}
+
+/// The place of the brightness of a dot around (col, row).
+std::pair<double, double> DotAt(const Image& image, int col, int row) {
+    double sum = 0, cols = 0, rows = 0;
+    for (int r = row - 9; r <= row + 9; ++r) {
+        for (int c = col - 9; c <= col + 9; ++c) {
+            const double grey = image(c, r) > 200 ? image(c, r) : 0;
+            sum += grey;
+            cols += grey * c;
+            rows += grey * r;
+        }
+    }
+    return {cols / sum, rows / sum};
+}
+
+TEST(ProjectImage, StraightAheadIsTheImage) {
+    const Image source = tqtest::RandomImage(41, 31, 5, 1);
+    Image image = source;
+    image.Header().BinCols = 3;
+    const TqProjection p = Straight(41, 31);
+    Map map(41, 31);
+    map.Fill([](std::int32_t col, std::int32_t row) {
+        return std::pair{static_cast<float>(col), static_cast<float>(row)};
+    });
+    ASSERT_EQ(tqProjectImage(image.Address(), &p, nullptr), 0);
+    EXPECT_TRUE(SamePels(source, image));
+    EXPECT_EQ(image.Header().BinCols, 1);
+    EXPECT_EQ(image.Header().CenterCol, 20.0f);
+    ASSERT_EQ(tqProjectImage(image.Address(), &p, map), 0);
+    EXPECT_TRUE(SamePels(source, image));
+
+    // Entries one column on; the last column has no source, and a black pel that is seen is 1.
+    map.Fill([](std::int32_t col, std::int32_t row) {
+        return std::pair{col < 40 ? static_cast<float>(col + 1) : -1.0f, static_cast<float>(row)};
+    });
+    image(1, 0) = 0;
+    ASSERT_EQ(tqProjectImage(image.Address(), &p, map), 0);
+    EXPECT_EQ(image(0, 0), 1);
+    EXPECT_EQ(image(5, 7), source(6, 7));
+    EXPECT_EQ(image(40, 7), 0);
+}
+
+/// The camera's picture of a dot grid on a surface, by the textbook: rotation matrices written out.
+struct Scene {
+    TqProjection p;
+
+    std::pair<double, double> Seen(double u, double v) const {
+        double x = u, y = v, z = 0;
+        if (p.Surface > 0) {
+            const double a = u / p.Radius, b = p.Surface > 1 ? v / p.Radius : 0;
+            x = p.Radius * std::sin(a) * std::cos(b);
+            y = p.Surface > 1 ? p.Radius * std::sin(b) : v;
+            z = p.Radius * std::cos(a) * std::cos(b) - p.Radius;
+        }
+        const double rad = std::acos(-1.0) / 180;
+        const double cy = std::cos(p.Yaw * rad), sy = std::sin(p.Yaw * rad);
+        const double cp = std::cos(p.Pitch * rad), sp = std::sin(p.Pitch * rad);
+        const double cr = std::cos(p.Roll * rad), sr = std::sin(p.Roll * rad);
+        x -= p.CameraX, y -= p.CameraY, z -= p.CameraZ;
+        const double x1 = cy * x + sy * z, depth1 = sy * x - cy * z;  // the yaw undone
+        const double y2 = cp * y - sp * depth1, depth = sp * y + cp * depth1;
+        const double right = cr * x1 - sr * y2, up = sr * x1 + cr * y2;
+        return {p.PrincipalCol + p.FocalLength * right / depth, p.PrincipalRow - p.FocalLength * up / depth};
+    }
+};
+
+TEST(ProjectImage, ADotGridComesOutSquare) {
+    for (const double surface : {0.0, 1.0, 2.0}) {
+        TqProjection p = Straight(401, 301);
+        p.CameraX = 0.3;
+        p.CameraY = -0.2;
+        p.CameraZ = 1.5;
+        p.Yaw = -11.0;
+        p.Pitch = 7.0;
+        p.Roll = 5.0;
+        p.FocalLength = 1900.0;
+        p.PrincipalCol = 310;
+        p.PrincipalRow = 240;
+        p.Surface = surface;
+        const Scene scene{p};
+        Image image(640, 480);
+        for (int i = -2; i <= 2; ++i) {
+            for (int j = -1; j <= 1; ++j) {
+                const auto [col, row] = scene.Seen(0.05 * i, 0.05 * j);
+                for (int r = static_cast<int>(row) - 12; r <= row + 12; ++r) {
+                    for (int c = static_cast<int>(col) - 12; c <= col + 12; ++c) {
+                        const double q = (c - col) * (c - col) + (r - row) * (r - row);
+                        if (c < 0 || r < 0 || c >= 640 || r >= 480) continue;
+                        image(c, r) = static_cast<std::uint16_t>(60000 * std::exp(-q / 8) + 1);
+                    }
+                }
+            }
+        }
+        ASSERT_EQ(tqProjectImage(image.Address(), &p, nullptr), 0);
+        for (int i = -2; i <= 2; ++i) {
+            for (int j = -1; j <= 1; ++j) {
+                const auto [col, row] = DotAt(image, 200 + 50 * i, 150 - 50 * j);
+                // A thousandth of the grid.
+                EXPECT_NEAR(col, 200 + 50 * i, 0.2) << surface << ": " << i << ", " << j;
+                EXPECT_NEAR(row, 150 - 50 * j, 0.2) << surface << ": " << i << ", " << j;
+            }
+        }
+    }
+}
+
+TEST(ProjectImage, WhatTurnsAwayIsNotSeen) {
+    // Around a cylinder of 50 pels the camera at 4 radii from its axis sees up to acos(1 / 5).
+    Image image = MakeImage(400, 40, [](int, int) { return 500; });
+    TqProjection p = Straight(401, 21);
+    p.Surface = 1;
+    p.Radius = 0.05;
+    p.CameraZ = 0.2;
+    p.FocalLength = 400;
+    ASSERT_EQ(tqProjectImage(image.Address(), &p, nullptr), 0);
+    const int seen = static_cast<int>(50 * std::acos(0.2));
+    for (int col = 0; col < 401; ++col)
+        ASSERT_EQ(image(col, 10), std::abs(col - 200) <= seen ? 500 : 0) << col;
+}
+
+TEST(ProjectImage, RefusesWhatNoCameraSees) {
+    const Image source = tqtest::RandomImage(41, 31, 5, 1);
+    Image image = source;
+    const auto status = [&](double TqProjection::*field, double value) {
+        TqProjection p = Straight(41, 31);
+        p.Surface = field == &TqProjection::Radius ? 2.0 : 0.0;
+        p.*field = value;
+        return tqProjectImage(image.Address(), &p, nullptr);
+    };
+    struct Case {
+        double TqProjection::*field;
+        double value;
+        std::int32_t status;
+    };
+    using P = TqProjection;
+    for (const Case& c :
+         {Case{&P::PelsPerMeterX, 0, -2}, Case{&P::PelsPerMeterY, -1, -2}, Case{&P::FocalLength, kNan, -2},
+          Case{&P::Radius, 0, -2}, Case{&P::Surface, 3, -2}, Case{&P::Surface, kNan, -2},
+          Case{&P::Cols, 0.9, -3}, Case{&P::Cols, 8001, -3}, Case{&P::Rows, kNan, -3},
+          Case{&P::Rows, 1e300, -3}, Case{&P::CameraZ, -1, -4}, Case{&P::CameraX, kNan, -4},
+          Case{&P::Yaw, 90, -4}, Case{&P::Pitch, 1e300 * 1e300, -4}, Case{&P::CenterCol, 1e300, -4}}) {
+        EXPECT_EQ(status(c.field, c.value), c.status) << c.value;
+        EXPECT_TRUE(SamePels(source, image));
+    }
+    const TqProjection p = Straight(41, 31);
+    const Map empty(0, 5);
+    Image nothing;
+    EXPECT_EQ(tqProjectImage(nullptr, &p, nullptr), -1);
+    EXPECT_EQ(tqProjectImage(nothing.Address(), nullptr, nullptr), -1);
+    EXPECT_EQ(tqProjectImage(image.Address(), nullptr, nullptr), -2);
+    EXPECT_EQ(tqProjectImage(image.Address(), &p, empty), -4);
+    if (!tqtest::CanFailAllocations()) return;
+    EXPECT_GE(tqtest::FailEachAllocation(
+                  -3, 0, [&] { return tqProjectImage(image.Address(), &p, nullptr); },
+                  [&] { EXPECT_TRUE(SamePels(source, image)); }),
+              3);
+}
+
+}  // namespace
