@@ -9,6 +9,8 @@
 #include "tqimage/bitmap.h"
 #include "tqimage/border_light.h"
 #include "tqimage/centroid.h"
+#include "tqimage/colour_averages.h"
+#include "tqimage/colour_transforms.h"
 #include "tqimage/comparison.h"
 #include "tqimage/defects.h"
 #include "tqimage/deviation.h"

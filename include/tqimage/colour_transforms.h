@@ -1,0 +1,129 @@
+/** @file colour_transforms.h
+ *  Transforms of three channels by a matrix, and images of chromaticities.
+ *
+ *  Channels and matrices are those of colour_averages.h. Every transform finds the largest values first and
+ *  writes the pels in a second pass, so no plane of intermediate values is held: three results of 8000 x 8000
+ *  pels take 366 MiB besides the inputs. Output pointers may hold the inputs.
+ */
+#ifndef TQIMAGE_COLOUR_TRANSFORMS_H
+#define TQIMAGE_COLOUR_TRANSFORMS_H
+
+#include "tqimage/base.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/** @brief X, Y and Z images of three filter images, with the scales of their pels returned to the host.
+ *
+ *  Values are the matrix times the pels, times LuxPerGrey of the green image. The largest value of each image
+ *  becomes grey level 64000; pels are rounded half up, negative values are 0.
+ *  @param[out] outX address of the host's image pointer; receives the first image. Untouched after a failure
+ *  @param[out] outY the same for the second image
+ *  @param[out] outZ the same for the third image
+ *  @param[out] scaleX X of one grey level: largest X / 64000; 0 before any check, so after every failure; may be
+ *              null
+ *  @param[out] scaleY Y of one grey level, likewise
+ *  @param[out] scaleZ Z of one grey level, likewise
+ *  @param[in] red first channel
+ *  @param[in] green second channel
+ *  @param[in] blue third channel
+ *  @param[in] m0 matrix, row 1 (X), first channel
+ *  @param[in] m1 row 1, second channel
+ *  @param[in] m2 row 1, third channel
+ *  @param[in] m3 row 2 (Y), first channel
+ *  @param[in] m4 row 2, second channel
+ *  @param[in] m5 row 2, third channel
+ *  @param[in] m6 row 3 (Z), first channel
+ *  @param[in] m7 row 3, second channel
+ *  @param[in] m8 row 3, third channel
+ *  @return 0; -2 a channel or an output address is null; -3 a channel is invalid; -5 sizes differ; -4 no memory
+ *  @par Ownership
+ *  The blocks that the pointers held are freed; the host frees the new ones with tqImageFree.
+ *  @par Memory
+ *  The three results.
+ *  @note An image whose values are all 0 or negative is dark, with scale 0. Each result has the header of the
+ *        channel in its position: the host applies the scales, LuxPerGrey is only copied.
+ */
+TQ_API int32_t TQ_CALL tqTransformRGBToXYZ(TqImage** outX, TqImage** outY, TqImage** outZ, double* scaleX,
+                                           double* scaleY, double* scaleZ, const TqImage* red,
+                                           const TqImage* green, const TqImage* blue, float m0, float m1,
+                                           float m2, float m3, float m4, float m5, float m6, float m7,
+                                           float m8);
+
+/** @brief X, Y and Z images of three filter images, with the scales of their pels in LuxPerGrey.
+ *
+ *  Values are the matrix times the pels, each pel multiplied by LuxPerGrey of its own image first. The
+ * largest value of each image becomes grey level 65000 and pel * LuxPerGrey is the value; pels are rounded
+ * half up, negative values are 0.
+ *  @param[out] outX address of the host's image pointer; receives the first image. Untouched after a failure
+ *  @param[out] outY the same for the second image
+ *  @param[out] outZ the same for the third image
+ *  @param[in] red first channel
+ *  @param[in] green second channel
+ *  @param[in] blue third channel
+ *  @param[in] m0 matrix, row 1 (X), first channel
+ *  @param[in] m1 row 1, second channel
+ *  @param[in] m2 row 1, third channel
+ *  @param[in] m3 row 2 (Y), first channel
+ *  @param[in] m4 row 2, second channel
+ *  @param[in] m5 row 2, third channel
+ *  @param[in] m6 row 3 (Z), first channel
+ *  @param[in] m7 row 3, second channel
+ *  @param[in] m8 row 3, third channel
+ *  @return 0; -2 a channel or an output address is null; -3 a channel is invalid; -5 sizes differ; -4 no memory
+ *  @par Ownership
+ *  The blocks that the pointers held are freed; the host frees the new ones with tqImageFree.
+ *  @par Memory
+ *  The three results.
+ *  @note The full scale differs from that of tqTransformRGBToXYZ; hosts rely on both. An image whose values are
+ *        all 0 or negative is dark, with LuxPerGrey 0. Header fields but for LuxPerGrey are those of the
+ *        channel in the same position.
+ */
+TQ_API int32_t TQ_CALL tqTransformRGBToXYZ2(TqImage** outX, TqImage** outY, TqImage** outZ,
+                                            const TqImage* red, const TqImage* green, const TqImage* blue,
+                                            float m0, float m1, float m2, float m3, float m4, float m5,
+                                            float m6, float m7, float m8);
+
+/** @brief Three filter images from X, Y and Z images: the way back, with coefficients of double precision.
+ *
+ *  Values are the matrix times the scaled pels, divided by LuxPerGrey of the Y image (by 1 when that is 0).
+ *  Negative values are 0. When the largest value of all three images is below 65536, pels are the rounded
+ *  values and LuxPerGrey stays as copied. Otherwise f = largest / 65000: pels are value / f and each
+ * LuxPerGrey is multiplied by f. One factor for the three keeps their ratios. Pels are rounded half up, at
+ * most 65535.
+ *  @param[out] outRed address of the host's image pointer; receives the first image. Untouched after a failure
+ *  @param[out] outGreen the same for the second image
+ *  @param[out] outBlue the same for the third image
+ *  @param[in] x first channel
+ *  @param[in] y second channel
+ *  @param[in] z third channel
+ *  @param[in] scaleX X of one grey level of x, as tqTransformRGBToXYZ returns it
+ *  @param[in] scaleY Y of one grey level of y
+ *  @param[in] scaleZ Z of one grey level of z
+ *  @param[in] m0 matrix, row 1 (red), coefficient of X
+ *  @param[in] m1 row 1, coefficient of Y
+ *  @param[in] m2 row 1, coefficient of Z
+ *  @param[in] m3 row 2 (green), coefficient of X
+ *  @param[in] m4 row 2, coefficient of Y
+ *  @param[in] m5 row 2, coefficient of Z
+ *  @param[in] m6 row 3 (blue), coefficient of X
+ *  @param[in] m7 row 3, coefficient of Y
+ *  @param[in] m8 row 3, coefficient of Z
+ *  @return 0; -2 a channel or an output address is null; -3 a channel is invalid; -5 sizes differ; -4 no memory
+ *  @par Ownership
+ *  The blocks that the pointers held are freed; the host frees the new ones with tqImageFree.
+ *  @par Memory
+ *  The three results.
+ */
+TQ_API int32_t TQ_CALL tqTransformXYZToRGB3(TqImage** outRed, TqImage** outGreen, TqImage** outBlue,
+                                            const TqImage* x, const TqImage* y, const TqImage* z,
+                                            double scaleX, double scaleY, double scaleZ, double m0, double m1,
+                                            double m2, double m3, double m4, double m5, double m6, double m7,
+                                            double m8);
+
+#ifdef __cplusplus
+} /* extern "C" */
+#endif
+
+#endif
