@@ -122,6 +122,46 @@ TQ_API int32_t TQ_CALL tqTransformXYZToRGB3(TqImage** outRed, TqImage** outGreen
                                             double m2, double m3, double m4, double m5, double m6, double m7,
                                             double m8);
 
+/** @brief An image of a chromaticity or of a quotient of tristimulus values.
+ *
+ *  X, Y and Z are the matrix times the channels. quantity 0: x = X / (X + Y + Z); 1: y = Y / (X + Y + Z);
+ *  2: u' = 4 X / (X + 15 Y + 3 Z); 3: v' = 9 Y / (X + 15 Y + 3 Z); 4: 100 X / Y; 5: 100 Z / Y. Quantities 0
+ * to 3 are 0 where their denominator is. A pel is (quantity - low) * gain, truncated and clamped, with gain =
+ * fullScale / (high - low) in single precision; what is not finite is 0.
+ *  @param[out] out address of the host's image pointer; receives the image, with the header of the second channel
+ *              but for LuxPerGrey. Untouched after a failure; may hold a channel
+ *  @param[in] first first channel
+ *  @param[in] second second channel
+ *  @param[in] third third channel
+ *  @param[in] quantity 0 to 5 as above; other values give an image of zeros
+ *  @param[in] fullScale grey level of a quantity of `high`, any value
+ *  @param[in] low quantity that becomes grey level 0
+ *  @param[in] high quantity that becomes grey level fullScale
+ *  @param[in] blockCols width of the block around each pel whose tqGetPelBlockAvg is taken, pels, any value
+ *  @param[in] blockRows its height, pels, any value (both below 2: the pel itself)
+ *  @param[in] m0 matrix, row 1 (X), first channel
+ *  @param[in] m1 row 1, second channel
+ *  @param[in] m2 row 1, third channel
+ *  @param[in] m3 row 2 (Y), first channel
+ *  @param[in] m4 row 2, second channel
+ *  @param[in] m5 row 2, third channel
+ *  @param[in] m6 row 3 (Z), first channel
+ *  @param[in] m7 row 3, second channel
+ *  @param[in] m8 row 3, third channel
+ *  @return 0; -2 a channel or out is null; -3 first, -4 second, -5 third channel invalid; -7 sizes differ; -6 no
+ *          memory
+ *  @par Ownership
+ *  A block that out held is freed; the host frees the new one with tqImageFree.
+ *  @par Memory
+ *  The result and working rows, with blocks a few for each channel: 122 MiB for 8000 x 8000 pels.
+ *  @note LuxPerGrey of the result is high / fullScale whatever low is; hosts rely on it.
+ */
+TQ_API int32_t TQ_CALL tqTransformToColorSpace(TqImage** out, const TqImage* first, const TqImage* second,
+                                               const TqImage* third, int32_t quantity, int32_t fullScale,
+                                               float low, float high, int32_t blockCols, int32_t blockRows,
+                                               float m0, float m1, float m2, float m3, float m4, float m5,
+                                               float m6, float m7, float m8);
+
 #ifdef __cplusplus
 } /* extern "C" */
 #endif

@@ -10,6 +10,7 @@
 #include "tqimage/border_light.h"
 #include "tqimage/centroid.h"
 #include "tqimage/colour_averages.h"
+#include "tqimage/colour_difference.h"
 #include "tqimage/colour_transforms.h"
 #include "tqimage/comparison.h"
 #include "tqimage/defects.h"
