@@ -162,6 +162,38 @@ TQ_API int32_t TQ_CALL tqTransformToColorSpace(TqImage** out, const TqImage* fir
                                                float m0, float m1, float m2, float m3, float m4, float m5,
                                                float m6, float m7, float m8);
 
+/** @brief Gives the pels of a rectangle one colour: the grey levels that the channels would show of it.
+ *  @param[in,out] first first channel, changed in place; null leaves it out
+ *  @param[in,out] second second channel, likewise
+ *  @param[in,out] third third channel, likewise
+ *  @param[in] left first column, pels, any value (clamped)
+ *  @param[in] top first row, pels, any value (clamped)
+ *  @param[in] right last column, pels, any value (clamped; 0 is the last column of the image)
+ *  @param[in] bottom last row, pels, any value (clamped; 0 is the last row of the image)
+ *  @param[in] x X of the colour
+ *  @param[in] y Y of the colour
+ *  @param[in] z Z of the colour
+ *  @param[in] m0 matrix from X, Y, Z to the channels: first channel, coefficient of X
+ *  @param[in] m1 first channel, coefficient of Y
+ *  @param[in] m2 first channel, coefficient of Z
+ *  @param[in] m3 second channel, coefficient of X
+ *  @param[in] m4 second channel, coefficient of Y
+ *  @param[in] m5 second channel, coefficient of Z
+ *  @param[in] m6 third channel, coefficient of X
+ *  @param[in] m7 third channel, coefficient of Y
+ *  @param[in] m8 third channel, coefficient of Z
+ *  @return 0; -2 all three null; -3 first, -4 second, -5 third channel invalid; -6 sizes differ. After a failure
+ *          nothing has changed
+ *  @par Memory
+ *  None.
+ *  @note A grey level is value / LuxPerGrey of its channel, rounded half up and clamped; 0 with a LuxPerGrey of 0.
+ *        Header fields that follow from the pels are not refreshed.
+ */
+TQ_API int32_t TQ_CALL tqSetColorGraysInRegion(TqImage* first, TqImage* second, TqImage* third, int32_t left,
+                                               int32_t top, int32_t right, int32_t bottom, float x, float y,
+                                               float z, float m0, float m1, float m2, float m3, float m4,
+                                               float m5, float m6, float m7, float m8);
+
 #ifdef __cplusplus
 } /* extern "C" */
 #endif
