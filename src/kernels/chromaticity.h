@@ -1,0 +1,70 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+/// Chromaticities of rows of three channels, and how far they lie from a reference. Channels come as doubles,
+/// so that pels and block averages take the same way.
+namespace tq::kernels {
+
+struct ChannelRows {
+    const double* first;
+    const double* second;
+    const double* third;
+    std::size_t count;
+};
+
+/// A quotient of tristimulus values, X, Y and Z being the matrix times the channels:
+/// factor * numerator / (X + y * Y + z * Z), or / Y alone.
+struct ChromaticRatio {
+    double matrix[9];
+    int numerator;  ///< 0 X, 1 Y, 2 Z
+    double factor;
+    double y;
+    double z;
+    bool overLuminance;  ///< the denominator is Y, and not guarded against 0
+};
+
+/// out[i] = (ratio - low) * gain, truncated and clamped to a pel; a guarded denominator of 0 has the ratio 0,
+/// and what is not finite becomes 0.
+void StoreRatios(const ChannelRows& rows, const ChromaticRatio& ratio, double low, double gain,
+                 std::uint16_t* out);
+
+struct ColourReference {
+    double u;
+    double v;
+    double luminance;
+};
+
+struct ColourWeights {
+    double matrix[9];
+    double luxPerGrey;  ///< of the second channel
+    double chromaticity;
+    double luminance;
+};
+
+/// out[i] = sqrt(((v' - v)^2 + (u' - u)^2) * chromaticity + dL^2 * luminance), rounded to float, with
+/// dL = (second * luxPerGrey - L) / L.
+void ColourDifferences(const ChannelRows& rows, const ColourWeights& weights, const ColourReference& from,
+                       float* out);
+
+struct ToleranceEllipse {
+    double matrix[9];
+    float u;
+    float v;
+    double uu;  ///< coefficient of du^2
+    double uv;
+    double vv;
+};
+
+/// out[i] = sqrt(vv * dv^2 + 2 uv * du * dv + uu * du^2), rounded to float as are du, dv, X, Y, Z and
+/// X + 15 Y + 3 Z.
+void EllipseDistances(const ChannelRows& rows, const ToleranceEllipse& ellipse, float* out);
+
+/// The largest of the values and `largest`; what is not a number is not larger.
+float LargestOf(const float* values, std::size_t count, float largest);
+
+/// out[i] = values[i] * scale in single precision, truncated and clamped to a pel.
+void StoreScaled(const float* values, std::size_t count, float scale, std::uint16_t* out);
+
+}  // namespace tq::kernels
