@@ -65,21 +65,12 @@ TEST(CompareImages, EveryPelByTheRule) {
 }
 
 TEST(CompareImages, LevelsNextToAHalfTruncateAsHostsKnowThem) {
-    // One difference sets the scale to 1/64000; the others are k + 0.5 and k + 0.5002 of its levels.
-    Image reference(4, 1), test(4, 1);
-    std::fill_n(reference.Pels(), 4, std::uint16_t{64000});
-    reference.Header().LuxPerGrey = 1.0f;
+    // The first difference sets the scale to 1/64000; the second is |32766.5 - 64000| = 31233.5 of its
+    // levels.
+    Image reference = MakeImage(2, 1, {64000, 64000}), test = MakeImage(2, 1, {0, 65533});
     test.Header().LuxPerGrey = 0.5f;
-    test(0, 0) = 0;
-    test(1, 0) = 65533;  // |32766.5 - 64000| = 31233.5
-    test(2, 0) = 65535;  // 31232.5
-    test(3, 0) = 65534;
-    const Image result = Compared(reference, test);
-    EXPECT_EQ(result.Header().LuxPerGrey, 1.0f / 64000.0f);
-    EXPECT_EQ(result(0, 0), 64000);
-    EXPECT_EQ(result(1, 0), 31233) << "0.4999 and not a half";
-    EXPECT_EQ(result(2, 0), 31232);
-    EXPECT_EQ(result(3, 0), 31233);
+    EXPECT_EQ(Compared(reference, test).Values(), (std::vector<std::uint16_t>{64000, 31233}))
+        << "0.4999 and not a half";
 }
 
 TEST(CompareImages, ItselfDoubledAndDarkReferences) {

@@ -120,7 +120,7 @@ TEST(Candela, AutomaticBlockIsNineTenthsOfAnInchAndAtMostATenthOfTheImage) {
         std::int32_t width, height;
     };
     for (const Case& it : {Case{1000, 950, 3937, 3937, 90, 90}, Case{600, 40, 3937, 3937, 60, 4},
-                           Case{1000, 950, 2000, 100, 45, 2}, Case{1000, 15, 80, 3937, 1, 1}}) {
+                           Case{1000, 15, 80, 3937, 1, 1}}) {
         Image image = RandomImage(it.cols, it.rows, 41);
         image.Header().PelsPerMeterX = it.perMeterX;
         image.Header().PelsPerMeterY = it.perMeterY;
@@ -130,7 +130,6 @@ TEST(Candela, AutomaticBlockIsNineTenthsOfAnInchAndAtMostATenthOfTheImage) {
             return reading;
         };
         EXPECT_EQ(at(0, 0), at(it.width, it.height)) << it.width << " x " << it.height;
-        EXPECT_EQ(at(0, it.height), at(it.width, 0)) << it.width << " x " << it.height;
         EXPECT_NE(at(0, 0), at(it.width + 1, it.height)) << "the spots must be told apart by this image";
         EXPECT_EQ(at(kHighest, kHighest), at(it.cols, it.rows)) << "no spot is larger than the image";
     }

@@ -66,13 +66,20 @@ std::string Describe(const Polygon& polygon) {
     return text;
 }
 
-/// Many vertices on few rows: shared vertices, horizontal edges, retraced lines, coincident crossings.
-TEST(Polygon, CrowdedPolygonsVisitThePelsOfTheWalk) {
+/// Many vertices on few rows: shared vertices, horizontal edges, retraced lines, coincident crossings; every
+/// seventh polygon has its vertices at the ends of their range.
+TEST(Polygon, CrowdedAndHugePolygonsVisitThePelsOfTheWalk) {
+    const std::vector<std::int32_t> ends = {kLowest, kLowest + 1, -100000, -1,           0,       5,
+                                            9,       12,          100000,  kHighest - 1, kHighest};
     const Image image = MakeImage(12, 10, [](auto col, auto row) { return 1 + col * 131 + row * 2503; });
     std::mt19937 engine(21);
-    for (int i = 0; i < 20000; ++i) {
-        const auto span = static_cast<std::uint32_t>(3 + i % 13);
-        const Polygon polygon = RandomPolygon(engine, 1 + engine() % 9, -2, span);
+    for (int i = 0; i < 21000; ++i) {
+        Polygon polygon = RandomPolygon(engine, 1 + engine() % 9, -2, static_cast<std::uint32_t>(3 + i % 13));
+        for (Position& at : polygon) {
+            if (i % 7 != 0) break;
+            at.col = ends[engine() % ends.size()];
+            at.row = ends[engine() % ends.size()];
+        }
         HostArray vertices = VerticesOf(polygon);
         const Visited visited = PolygonReference(image, polygon);
         std::int32_t count = -9;
@@ -93,26 +100,6 @@ TEST(Polygon, StatisticsOfEveryPolygon) {
             ExpectStatistics(OfPolygon(image, vertices.Address()), ValuesAt(image, visited));
             EXPECT_EQ(tqGetPelBlockAvgPoly(image, vertices.Address()), MeanOf(image, visited));
         }
-    }
-}
-
-TEST(Polygon, VerticesAtTheEndsOfTheirRange) {
-    const std::vector<std::int32_t> extremes = {kLowest, kLowest + 1, -100000, -1,           0,       5,
-                                                12,      13,          100000,  kHighest - 1, kHighest};
-    const Image image = RandomImage(17, 13, 23);
-    std::mt19937 engine(24);
-    for (int i = 0; i < 3000; ++i) {
-        Polygon polygon;
-        for (std::size_t k = 0; k < 1 + static_cast<std::size_t>(i % 5); ++k) {
-            const std::int32_t col = extremes[engine() % extremes.size()];
-            polygon.push_back({col, extremes[engine() % extremes.size()]});
-        }
-        HostArray vertices = VerticesOf(polygon);
-        const Visited visited = PolygonReference(image, polygon);
-        ASSERT_EQ(tqCalcAreaInPoly(image, vertices.Address()), static_cast<double>(visited.size()))
-            << Describe(polygon);
-        ASSERT_EQ(tqGetPelBlockAvgPoly(image, vertices.Address()), MeanOf(image, visited))
-            << Describe(polygon);
     }
 }
 

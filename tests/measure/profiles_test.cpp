@@ -111,11 +111,8 @@ TEST(CrossSection, EndsAnywhereAndInvalidImages) {
     for (const Case& it :
          {Case{kLowest, 2, kHighest, 2, 0, {21, 28}}, Case{3, kHighest, 3, kLowest, 0, {4, 54}},
           Case{kLowest, kLowest, kHighest, kHighest, 0, {1, 56}},
-          // Row -1 - col, once with the ends exchanged: just misses the corner.
-          Case{kLowest, kHighest, kHighest, kLowest, -99, {}},
-          Case{kHighest, kLowest, kLowest, kHighest, -99, {}},
-          Case{kLowest, kHighest, kHighest, kHighest, -99, {}}, Case{kHighest, 0, kHighest, 0, -99, {}},
-          Case{7, 5, 7, 5, 0, {58, 58}}}) {
+          // Row -1 - col just misses the corner.
+          Case{kLowest, kHighest, kHighest, kLowest, -99, {}}, Case{kHighest, 0, kHighest, 0, -99, {}}}) {
         Range found;
         EXPECT_EQ(tqGetXSectionMinMax(image, it.col1, it.row1, it.col2, it.row2, &found.min, &found.max),
                   it.status);
