@@ -73,25 +73,16 @@ TEST(CompareImages, LevelsNextToAHalfTruncateAsHostsKnowThem) {
         << "0.4999 and not a half";
 }
 
-TEST(CompareImages, ItselfDoubledAndDarkReferences) {
-    const Image image = RandomImage(50, 20, 3, 1, 32767);
+TEST(CompareImages, ItselfAndDarkReferences) {
+    Image image = RandomImage(50, 20, 3, 1);
     const Image same = Compared(image, image);
     EXPECT_TRUE(SamePels(Image(50, 20), same));
     EXPECT_EQ(same.Header().LuxPerGrey, 1.0f);
-    EXPECT_EQ(same.Header().MaxPelValue, 64000.0f);
-    const Image doubled = MakeImage(50, 20, [&](auto col, auto row) { return 2 * image(col, row); });
-    const Image full = Compared(image, doubled);
-    EXPECT_EQ(full.Header().LuxPerGrey, 1.0f / 64000.0f);
-    EXPECT_EQ(full.Values(), std::vector<std::uint16_t>(1000, 64000));
-    Image dark = image;
-    dark(3, 3) = 0;
-    const Image infinite = Compared(dark, doubled);
-    EXPECT_EQ(infinite.Header().LuxPerGrey, kInfinity);
-    EXPECT_TRUE(SamePels(Image(50, 20), infinite));
-    // In place of an input.
-    Image result = image;
-    EXPECT_EQ(tqCompareImages(result.Address(), result, doubled), 0);
-    EXPECT_TRUE(SamePels(full, result));
+    const Image bright = image;
+    image(3, 3) = 0;
+    EXPECT_EQ(tqCompareImages(image.Address(), image, bright), 0) << "in place of an input";
+    EXPECT_EQ(image.Header().LuxPerGrey, kInfinity);
+    EXPECT_TRUE(SamePels(Image(50, 20), image));
 }
 
 /// One window by the rule, every step in single precision.
