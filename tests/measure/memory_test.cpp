@@ -1,8 +1,17 @@
+#include <cstdio>
 #include <functional>
 
 #include "failing_allocator.h"
 #include "photometry_reference.h"
+#include "temp_file.h"
+#include "tqimage/border_light.h"
+#include "tqimage/deviation.h"
+#include "tqimage/gray_search.h"
+#include "tqimage/histogram.h"
 #include "tqimage/pel_block.h"
+#include "tqimage/profiles.h"
+#include "tqimage/uniformity.h"
+#include "tqimage/whole_image.h"
 
 namespace tqtest {
 namespace {
@@ -17,6 +26,13 @@ TEST(Measure, WithoutMemory) {
     Reading it;
     std::uint32_t count = 7;
     std::int32_t at[4] = {-9, -9, -9, -9};
+    Image own = image;
+    HostArray made;
+    const TempName file("tq_measure_memory.txt");
+    const auto removeLight = [&](std::int32_t mode) {
+        return tqRemoveBorderLight(own.Address(), 3, 3, 6, 6, 0, 1, 0, nullptr, nullptr, nullptr, nullptr,
+                                   nullptr, nullptr, nullptr, nullptr, mode, 1.0);
+    };
     struct Case {
         double failure;
         std::function<double()> call;
@@ -37,6 +53,20 @@ TEST(Measure, WithoutMemory) {
              return tqFindMinMaxInRegion(image, &it.first, &it.second, &at[0], &at[1], &at[2], &at[3], 0, 0,
                                          0, 0, 0, 3, 3);
          }},
+        {-5, [&] { return removeLight(0); }},
+        {-5, [&] { return removeLight(1); }},
+        {-5, [&] { return removeLight(2); }},
+        {-3, [&] { return tqCalcImageDevInRegion(own.Address(), image, 0, 0, 0, 0); }},
+        {-5, [&] { return tqCalcAbsContrast(own.Address(), image); }},
+        {-2, [&] { return tqColAverage(own); }},
+        {-2, [&] { return tqFindMaxGray(image, &at[0], &at[1], 0, 3, 3); }},
+        {-2, [&] { return tqFindMinGray(image, &at[0], &at[1], 1, 3, 3); }},
+        {-2, [&] { return tqFindMinGray0(image, &at[0], &at[1], 1, 3, 3); }},
+        {-4, [&] { return tqGetHistogram(image, made.Address()); }},
+        {-4, [&] { return tqGetColAvg(image, 0, 0, 0, 0, made.Address()); }},
+        {-4, [&] { return tqGetRowAvg(image, 0, 0, 0, 0, made.Address()); }},
+        {-2, [&] { return tqWriteHistogram(image, file.c_str()); }},
+        {-2, [&] { return tqCalcSemu(image, 500, nullptr, nullptr); }},
         {-2, [&] { return tqCountAllPelBlocks(image, &count, 1.0, 5, 3); }},
         {-2, [&] { return tqCountAllPelBlocksEllipseLess(image, &count, 1.0, 5, 3); }},
     };
@@ -45,12 +75,18 @@ TEST(Measure, WithoutMemory) {
         const double success = test.call();
         EXPECT_GE(success, 0.0);
         const auto untouched = [&] {
+            EXPECT_TRUE(SamePels(image, own));
+            EXPECT_EQ(made.Get(), nullptr);
+            EXPECT_FALSE(file.Exists());
             EXPECT_EQ(it, Reading{});
             EXPECT_EQ(count, 7u);
             for (const std::int32_t position : at)
                 EXPECT_LT(position, 0) << "-1 where the function says so";
         };
-        const auto forget = [&] { it = {}, count = 7, std::fill_n(at, 4, -9); };
+        const auto forget = [&] {
+            it = {}, own = image, made = HostArray(), count = 7, std::fill_n(at, 4, -9);
+            std::remove(file.c_str());
+        };
         forget();
         EXPECT_GT(FailEachAllocation(test.failure, success, test.call, untouched), 0);
         forget();

@@ -2,7 +2,6 @@
 
 #include <cmath>
 
-#include "failing_allocator.h"
 #include "statistics.h"
 
 namespace tqtest {
@@ -25,9 +24,9 @@ TEST(LineMeans, OfEveryColumnAndRowOfARectangle) {
         std::int32_t first, upper, last, lower;  // as measured
     };
     for (const Case& it :
-         {Case{0, 0, 0, 0, 0, 0, 16, 12}, Case{3, 2, 9, 11, 3, 2, 9, 11}, Case{-5, -5, 99, 99, 0, 0, 16, 12},
-          Case{4, 5, 4, 5, 4, 5, 4, 5}, Case{7, 0, 6, 0, 7, 0, 6, 12}, Case{0, 7, 0, 6, 0, 7, 16, 6},
-          Case{9, 9, 1, 1, 9, 9, 8, 8}, Case{kLowest, kLowest, kHighest, kHighest, 0, 0, 16, 12}}) {
+         {Case{0, 0, 0, 0, 0, 0, 16, 12}, Case{3, 2, 9, 11, 3, 2, 9, 11}, Case{7, 0, 6, 0, 7, 0, 6, 12},
+          Case{0, 7, 0, 6, 0, 7, 16, 6}, Case{9, 9, 1, 1, 9, 9, 8, 8},
+          Case{kLowest, kLowest, kHighest, kHighest, 0, 0, 16, 12}}) {
         SCOPED_TRACE(testing::Message()
                      << it.left << ", " << it.top << ", " << it.right << ", " << it.bottom);
         const Image image = RandomImageWithHoles(17, 13, 31);
@@ -51,7 +50,7 @@ TEST(LineMeans, OfEveryColumnAndRowOfARectangle) {
     EXPECT_EQ(ValuesOf(array), std::vector<double>{65535});
 }
 
-TEST(LineMeans, StatusesAndNoMemory) {
+TEST(LineMeans, Statuses) {
     const Image invalid(0, 1), image = RandomImage(17, 13, 32);
     for (const auto function : {tqGetColAvg, tqGetRowAvg}) {
         HostArray array(VT_R8, {{2}});
@@ -62,12 +61,6 @@ TEST(LineMeans, StatusesAndNoMemory) {
         ASSERT_EQ(SafeArrayLock(before), S_OK);
         EXPECT_EQ(function(image, 0, 0, 0, 0, array.Address()), -3);
         EXPECT_EQ(array.Get(), before);
-        if (!CanFailAllocations()) continue;
-        HostArray made;
-        EXPECT_GT(FailEachAllocation(
-                      -4, 0, [&] { return function(image, 0, 0, 0, 0, made.Address()); },
-                      [&] { EXPECT_EQ(made.Get(), nullptr); }),
-                  2);
     }
 }
 
@@ -118,11 +111,8 @@ TEST(CrossSection, EndsAnywhereAndInvalidImages) {
     for (const Case& it :
          {Case{kLowest, 2, kHighest, 2, 0, {21, 28}}, Case{3, kHighest, 3, kLowest, 0, {4, 54}},
           Case{kLowest, kLowest, kHighest, kHighest, 0, {1, 56}},
-          // Row -1 - col, once with the ends exchanged: just misses the corner.
-          Case{kLowest, kHighest, kHighest, kLowest, -99, {}},
-          Case{kHighest, kLowest, kLowest, kHighest, -99, {}},
-          Case{kLowest, kHighest, kHighest, kHighest, -99, {}}, Case{kHighest, 0, kHighest, 0, -99, {}},
-          Case{7, 5, 7, 5, 0, {58, 58}}}) {
+          // Row -1 - col just misses the corner.
+          Case{kLowest, kHighest, kHighest, kLowest, -99, {}}, Case{kHighest, 0, kHighest, 0, -99, {}}}) {
         Range found;
         EXPECT_EQ(tqGetXSectionMinMax(image, it.col1, it.row1, it.col2, it.row2, &found.min, &found.max),
                   it.status);

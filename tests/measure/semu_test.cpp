@@ -3,7 +3,6 @@
 #include <limits>
 #include <utility>
 
-#include "failing_allocator.h"
 #include "reference.h"
 #include "tqimage/uniformity.h"
 
@@ -67,20 +66,6 @@ TEST(Semu, RatesContrastAgainstTheJustNoticeable) {
     }
 }
 
-TEST(Semu, BlemishesTouchAtCornersAndKeepTheirSigns) {
-    Image image = Level(12, 9);
-    for (std::int32_t i = 0; i < 9; ++i) {
-        image(i, i) = 32300;
-        image(i + 1, i) = 31500;  // a dark diagonal beside it, joined to it nowhere
-    }
-    EXPECT_NEAR(SemuOf(image, 200).area, 9.0, 1e-9);
-    EXPECT_NEAR(SemuOf(image, 200).contrast, -5.0, 1e-5);
-    EXPECT_NEAR(SemuOf(image, 500).contrast, -5.0, 1e-5) << "the threshold itself belongs";
-    EXPECT_EQ(SemuOf(image, 501).value, 0.0);
-    image(5, 4) = 0;
-    EXPECT_NEAR(SemuOf(image, 200).area, 4.0, 1e-9) << "a pel without data parts the dark diagonal";
-}
-
 TEST(Semu, NothingToRate) {
     Image image = Level(8, 8);
     for (const std::int32_t threshold : {kLowest, 0, 1, 40000, kHighest}) {
@@ -91,8 +76,6 @@ TEST(Semu, NothingToRate) {
     }
     EXPECT_EQ(SemuOf(Image(8, 8), 1).value, 0.0) << "pels of 0 hold no data";
     Fill(image, 2, 2, 3, 3, 33535);
-    EXPECT_GT(SemuOf(image, 33535).value, 0.0);
-    EXPECT_EQ(SemuOf(image, 33536).value, 0.0);
     image.Header().LuxPerGrey = 0.0f;
     EXPECT_EQ(SemuOf(image, 1).area, 0.0) << "no difference a grey, no blemish";
 
@@ -171,23 +154,6 @@ TEST(Semu, AgreesWithAFloodFill) {
             ASSERT_NEAR(found.area, expected.area, 1e-9);
         }
     }
-    Image comb = Level(601, 40);
-    for (std::int32_t col = 0; col < 601; col += 2)
-        Fill(comb, col, 0, col, 39, 100);
-    EXPECT_NEAR(SemuOf(comb, 1).area, 40, 1e-9);
-    Fill(comb, 0, 39, 600, 39, 100);
-    EXPECT_NEAR(SemuOf(comb, 1).area, 301 * 40 + 300, 1e-9) << "all teeth meet in the last row";
-}
-
-TEST(Semu, WithoutMemoryGivesTheCodeOfAnInvalidImage) {
-    if (!CanFailAllocations()) GTEST_SKIP() << "a DLL allocates for itself";
-    const Image image = RandomImage(40, 30, 62, 31000, 33000);
-    double contrast = 7, area = 7;
-    const double semu = tqCalcSemu(image, 500, nullptr, nullptr);
-    EXPECT_GT(FailEachAllocation(
-                  -2.0, semu, [&] { return tqCalcSemu(image, 500, &contrast, &area); },
-                  [&] { EXPECT_EQ(contrast + area, 0.0); }),
-              3);
 }
 
 }  // namespace
