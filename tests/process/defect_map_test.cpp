@@ -58,6 +58,8 @@ TEST(FixDefects, CodesInTheirOrder) {
     EXPECT_EQ(tqFixDefects(image, turned, -1, 0), -4);
     for (const auto& [width, height] : {std::pair{-1, 3}, {7, 3}, {3, -1}, {3, 5}, {kMin, 0}, {0, kMax}})
         EXPECT_EQ(tqFixDefects(image, map, width, height), -5);
+    // An image that is its own map has no healthy neighbour left.
+    EXPECT_EQ(tqFixDefects(image, image, 5, 3), 0);
     EXPECT_TRUE(SamePels(kept, image));
 }
 

@@ -46,8 +46,7 @@ TEST(HistoEqualize, SpreadsTheLevelsAndRefreshesBothHeaders) {
         ASSERT_EQ(tqHistoEqualize(out.Address(), source, levels), 0);
         EXPECT_TRUE(SamePels(pels, source));
         const auto values = pels.Values();
-        EXPECT_EQ(source.Header().MaxPelValue,
-                  static_cast<float>(*std::max_element(values.begin(), values.end())));
+        EXPECT_EQ(source.Header().MaxPelValue, LargestOf(source));
         EXPECT_TRUE(SamePels(MakeImage(53, 31, Equalised(values, levels)), out));
         ExpectRefreshed(out);
     }
@@ -141,12 +140,12 @@ TEST(Equalisations, RefuseAndLeaveNothingBehind) {
         TqImage* both = black.Release();
         EXPECT_EQ(call(&both, both), -4);
         EXPECT_EQ(both, nullptr);
-        if (!tqtest::CanFailAllocations()) continue;
+        if (!CanFailAllocations()) continue;
         Image source = RandomImage(12, 12, 4, 1);
         for (int nth = 1, status = -1; status != 0; ++nth) {
             ASSERT_LT(nth, 100);
             {
-                const tqtest::AllocationFailure failing(nth);
+                const AllocationFailure failing(nth);
                 status = call(out.Address(), source);
             }
             EXPECT_EQ(out.Get() == nullptr, status != 0);

@@ -53,7 +53,7 @@ const Case kApart[] = {
     {kFirst, 1.0f, 0.0f},
     {kFirst, 0.0f, -0.0225f},
     {{61, 23, 0.0f, 30.0f, 11.0f, 1.0f}, 0.0f, 100.0f},
-    {kFirst, std::numeric_limits<float>::quiet_NaN(), 0.0f},
+    {kFirst, kNan, 0.0f},
     {{61, 23, 1000.0f, 1e30f, 11.0f, 1.0f}, 0.0f, 0.0f},
 };
 
