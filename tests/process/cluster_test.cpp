@@ -1,12 +1,4 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <cstdint>
-#include <vector>
-
-#include "failing_allocator.h"
-#include "images.h"
+#include "process_tests.h"
 #include "tqimage/clustering.h"
 
 namespace {
@@ -50,7 +42,7 @@ void ExpectClusters(const Image& image, std::int32_t limit) {
 }
 
 TEST(ClusterImage, GivesTheFirstSeedThatIsNear) {
-    for (const std::int32_t limit : {INT32_MIN, -1, 0, 1, 2, 3, 5, 8, 13, 40, 200, 8000, INT32_MAX}) {
+    for (const std::int32_t limit : {kMin, -1, 0, 1, 2, 3, 5, 8, 13, 40, 200, 8000, kMax}) {
         for (const std::uint32_t oneIn : {2U, 9U}) {
             ExpectClusters(RandomImageWithHoles(67, 41, 51, oneIn), limit);
             Image sparse = RandomImage(90, 60, 52, 0, 25);
@@ -85,22 +77,6 @@ TEST(ClusterImage, LabelsStopAtTheLargestPelAndTheCountDoesNot) {
     EXPECT_EQ(out(134, 218), 65535);
     EXPECT_EQ(out(133, 218), 65534);
     EXPECT_EQ(out(299, 229), 65535);
-}
-
-TEST(ClusterImage, RefusesInvalidImagesAndMayReplaceItsSource) {
-    Image image = RandomImageWithHoles(20, 20, 3);
-    Image out, nothing, tooTall(DefaultHeader(1, 8001));
-    std::int32_t count = 5;
-    EXPECT_EQ(tqClusterImage(nullptr, image, 3, &count), -2);
-    EXPECT_EQ(tqClusterImage(out.Address(), nothing, 3, &count), -2);
-    EXPECT_EQ(tqClusterImage(out.Address(), tooTall, 3, &count), -2);
-    EXPECT_EQ(count, 5);
-    EXPECT_EQ(tqClusterImage(out.Address(), image, 3, nullptr), 0);
-    Image same = image;
-    EXPECT_EQ(tqClusterImage(same.Address(), same, 3, &count), 0);
-    EXPECT_TRUE(SamePels(out, same));
-    if (!CanFailAllocations()) return;
-    EXPECT_GE(FailEachAllocation(-3, 0, [&] { return tqClusterImage(out.Address(), image, 3, &count); }), 3);
 }
 
 }  // namespace

@@ -1,24 +1,11 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <climits>
-#include <cmath>
 #include <cstddef>
-#include <cstdint>
-#include <functional>
-#include <vector>
 
-#include "failing_allocator.h"
-#include "images.h"
+#include "process_tests.h"
 #include "tqimage/equalisation.h"
 
 namespace {
 
-using tqtest::Image;
-using tqtest::MakeImage;
-using tqtest::RandomImage;
-using tqtest::RandomImageWithHoles;
-using tqtest::SamePels;
+using namespace tqtest;
 
 std::int64_t Bin(std::int64_t pel, std::int32_t levels, std::int64_t largest) {
     return static_cast<std::int64_t>(static_cast<double>(pel * (levels - 1)) / static_cast<double>(largest) +
@@ -44,13 +31,8 @@ std::vector<int> Equalised(const std::vector<std::uint16_t>& pels, std::int32_t 
 }
 
 void ExpectRefreshed(const Image& image) {
-    const auto values = image.Values();
-    EXPECT_EQ(image.Header().MaxPelValue,
-              static_cast<float>(*std::max_element(values.begin(), values.end())));
-    double total = 0.0;
-    for (const std::uint16_t pel : values)
-        total += pel;
-    EXPECT_EQ(image.Header().TotalPelValue, total);
+    EXPECT_EQ(image.Header().MaxPelValue, LargestOf(image));
+    EXPECT_EQ(image.Header().TotalPelValue, SumOf(image));
 }
 
 TEST(HistoEqualize, SpreadsTheLevelsAndRefreshesBothHeaders) {
@@ -64,8 +46,7 @@ TEST(HistoEqualize, SpreadsTheLevelsAndRefreshesBothHeaders) {
         ASSERT_EQ(tqHistoEqualize(out.Address(), source, levels), 0);
         EXPECT_TRUE(SamePels(pels, source));
         const auto values = pels.Values();
-        EXPECT_EQ(source.Header().MaxPelValue,
-                  static_cast<float>(*std::max_element(values.begin(), values.end())));
+        EXPECT_EQ(source.Header().MaxPelValue, LargestOf(source));
         EXPECT_TRUE(SamePels(MakeImage(53, 31, Equalised(values, levels)), out));
         ExpectRefreshed(out);
     }
@@ -77,10 +58,9 @@ TEST(HistoEqualize, EqualPelsBecomeTheLastLevelAndTheHeaderTellsHowMany) {
         float stated;
         int level;
     };
-    for (const Case& c :
-         {Case{256, 9.0f, 255}, Case{1, 9.0f, 0}, Case{INT_MAX, 9.0f, 65535}, Case{0, 99.9f, 99},
-          Case{-4, 16382.5f, 16382}, Case{0, 16384.0f, 16383}, Case{0, 2147483520.0f, 16383},
-          Case{INT_MIN, -50.0f, 0}, Case{0, NAN, 0}, Case{0, 1e30f, 0}}) {
+    for (const Case& c : {Case{256, 9.0f, 255}, Case{1, 9.0f, 0}, Case{kMax, 9.0f, 65535}, Case{0, 99.9f, 99},
+                          Case{-4, 16382.5f, 16382}, Case{0, 16384.0f, 16383}, Case{0, 2147483520.0f, 16383},
+                          Case{kMin, -50.0f, 0}, Case{0, kNan, 0}, Case{0, 1e30f, 0}}) {
         SCOPED_TRACE(testing::Message() << c.levels << ", header " << c.stated);
         Image source = MakeImage(7, 5, [](auto, auto) { return 1234; });
         source.Header().MaxPelValue = c.stated;
@@ -117,9 +97,8 @@ TEST(LocalHistoEqualize, RanksEachPelInItsNeighbourhood) {
     struct Case {
         std::int32_t levels, width, height, oddWidth, oddHeight;
     };
-    for (const Case& c :
-         {Case{256, 3, 3, 3, 3}, Case{65536, 6, 7, 5, 7}, Case{7, 1, 9, 1, 9}, Case{1, 3, 3, 3, 3},
-          Case{256, INT_MIN, 2, 1, 1}, Case{2, INT_MAX, INT_MAX, 33, 17}}) {
+    for (const Case& c : {Case{256, 3, 3, 3, 3}, Case{65536, 6, 7, 5, 7}, Case{7, 1, 9, 1, 9},
+                          Case{1, 3, 3, 3, 3}, Case{256, kMin, 2, 1, 1}, Case{2, kMax, kMax, 33, 17}}) {
         SCOPED_TRACE(testing::Message() << c.levels << " levels, " << c.width << " x " << c.height);
         Image source = RandomImageWithHoles(33, 18, 21);
         const auto values = source.Values();
@@ -161,12 +140,12 @@ TEST(Equalisations, RefuseAndLeaveNothingBehind) {
         TqImage* both = black.Release();
         EXPECT_EQ(call(&both, both), -4);
         EXPECT_EQ(both, nullptr);
-        if (!tqtest::CanFailAllocations()) continue;
+        if (!CanFailAllocations()) continue;
         Image source = RandomImage(12, 12, 4, 1);
         for (int nth = 1, status = -1; status != 0; ++nth) {
             ASSERT_LT(nth, 100);
             {
-                const tqtest::AllocationFailure failing(nth);
+                const AllocationFailure failing(nth);
                 status = call(out.Address(), source);
             }
             EXPECT_EQ(out.Get() == nullptr, status != 0);

@@ -1,12 +1,6 @@
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <cstdint>
 #include <cstdlib>
-#include <vector>
 
-#include "failing_allocator.h"
-#include "images.h"
+#include "process_tests.h"
 #include "tqimage/gradients.h"
 
 namespace {
@@ -142,39 +136,26 @@ TEST(GradientsInRuns, TakeAPelOfZeroForTheBorder) {
             Image out;
             ASSERT_EQ(tqCalcGradX0(out.Address(), image.Get(), method), 0);
             ExpectSame(
-                GradientImage(image, [&](std::int32_t x,
-                                         std::int32_t y) { return GradientInRun(image, method, x, y); }),
+                GradientImage(image, [&](auto x, auto y) { return GradientInRun(image, method, x, y); }),
                 out);
             ASSERT_EQ(tqCalcGradY0(out.Address(), image.Get(), method), 0);
-            EXPECT_TRUE(SamePels(Transposed(GradientImage(turned,
-                                                          [&](std::int32_t x, std::int32_t y) {
-                                                              return GradientInRun(turned, method, x, y);
-                                                          })),
-                                 out));
+            const Image vertical =
+                GradientImage(turned, [&](auto x, auto y) { return GradientInRun(turned, method, x, y); });
+            EXPECT_TRUE(SamePels(Transposed(vertical), out));
         }
     }
 }
 
-TEST(Gradients, RefuseMethodsAndImagesAndReplaceTheirOwnSource) {
-    Image image = RandomImage(9, 7, 1);
-    Image out, nothing, tooWide(DefaultHeader(8001, 1));
-    for (const std::int32_t method : {-1, 1, 4, 6, INT32_MAX, INT32_MIN}) {
+TEST(Gradients, RefuseOtherMethods) {
+    Image image = RandomImage(9, 7, 1), out;
+    for (const std::int32_t method : {-1, 1, 4, 6, kMax, kMin}) {
         EXPECT_EQ(tqCalcGradient(out.Address(), image, method), -3);
         for (const auto gradient : {tqCalcGradient0, tqCalcGradX0, tqCalcGradY0})
             EXPECT_EQ(gradient(out.Address(), image, method), 1);
     }
     EXPECT_EQ(out.Get(), nullptr);
     for (const auto gradient : {tqCalcGradient, tqCalcGradient0, tqCalcGradX0, tqCalcGradY0}) {
-        EXPECT_EQ(gradient(nullptr, image, 0), -2);
-        EXPECT_EQ(gradient(out.Address(), nullptr, 9), -2);
-        EXPECT_EQ(gradient(out.Address(), tooWide, 0), -2);
-        ASSERT_EQ(gradient(out.Address(), image, 2), 0);
-        Image same = image;
-        ASSERT_EQ(gradient(same.Address(), same, 2), 0);
-        EXPECT_TRUE(SamePels(out, same));
-        if (!CanFailAllocations()) continue;
-        const std::int32_t noMemory = gradient == tqCalcGradient ? -5 : -3;
-        EXPECT_GE(FailEachAllocation(noMemory, 0, [&] { return gradient(out.Address(), image, 0); }), 1);
+        EXPECT_EQ(gradient(out.Address(), nullptr, 9), -2) << "the image speaks first";
     }
 }
 
@@ -211,16 +192,11 @@ TEST(CombineGradients, ScalesTheWeightedRootToItsLargestValue) {
 
 TEST(CombineGradients, RefusesInTheOrderOfItsImages) {
     Image image(4, 4), other(4, 5), nothing, out;
-    EXPECT_EQ(tqCombineGradients(nullptr, image, image, image, 1, 1), -2);
     EXPECT_EQ(tqCombineGradients(out.Address(), nothing, nothing, nothing, 1, 1), -2);
     EXPECT_EQ(tqCombineGradients(out.Address(), image, nothing, nothing, 1, 1), -3);
     EXPECT_EQ(tqCombineGradients(out.Address(), image, other, nothing, 1, 1), -4);
     EXPECT_EQ(tqCombineGradients(out.Address(), image, other, image, 1, 1), -5);
     EXPECT_EQ(tqCombineGradients(out.Address(), image, image, other, 1, 1), -5);
-    if (!CanFailAllocations()) return;
-    EXPECT_GE(FailEachAllocation(
-                  -6, 0, [&] { return tqCombineGradients(out.Address(), image, image, image, 1, 1); }),
-              1);
 }
 
 }  // namespace

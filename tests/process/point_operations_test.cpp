@@ -1,22 +1,9 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cstdint>
-#include <functional>
-#include <limits>
-#include <vector>
-
-#include "failing_allocator.h"
-#include "images.h"
-#include "pel_formula.h"
 #include "tqimage/point_operations.h"
+#include "process_tests.h"
 
 namespace {
 
 using namespace tqtest;
-
-constexpr std::int32_t kLowest = std::numeric_limits<std::int32_t>::min();
-constexpr std::int32_t kHighest = std::numeric_limits<std::int32_t>::max();
 
 std::vector<std::uint16_t> SomeTable() {
     std::vector<std::uint16_t> table(65536);
@@ -26,7 +13,7 @@ std::vector<std::uint16_t> SomeTable() {
 }
 
 TEST(PointOperations, ConstantsStopAtTheEndsOfTheRange) {
-    for (const std::int32_t value : {0, 1, -1, 300, -300, 65535, -65535, 65536, kHighest, kLowest}) {
+    for (const std::int32_t value : {0, 1, -1, 300, -300, 65535, -65535, 65536, kMax, kMin}) {
         SCOPED_TRACE(value);
         const Image source = Noise(3);
         Image added = source;
@@ -58,7 +45,7 @@ TEST(PointOperations, DarkPelsAreReplacedOrRemovedUpToTheThreshold) {
     };
     for (const Case& c : {Case{99, 7, {0, 7, 7, 100, 101}, 2, {0, 0, 0, 100, 101}},
                           Case{100, 70000, {0, 65535, 65535, 65535, 101}, 1, {0, 0, 0, 0, 101}},
-                          Case{kHighest, -3, {0, 0, 0, 0, 0}, 0, {0, 0, 0, 0, 0}},
+                          Case{kMax, -3, {0, 0, 0, 0, 0}, 0, {0, 0, 0, 0, 0}},
                           Case{0, 7, {0, 1, 99, 100, 101}, 4, {0, 1, 99, 100, 101}},
                           // Even a 0 is greater than a negative threshold.
                           Case{-1, 7, {0, 1, 99, 100, 101}, 5, {0, 1, 99, 100, 101}}}) {
@@ -72,12 +59,6 @@ TEST(PointOperations, DarkPelsAreReplacedOrRemovedUpToTheThreshold) {
         EXPECT_EQ(count, c.count);
         EXPECT_TRUE(SamePels(MakeImage(5, 1, c.kept), image));
     }
-    Image large = RandomImage(130, 70, 5);
-    const auto pels = large.Values();
-    std::int32_t count = 0;
-    ASSERT_EQ(tqRemoveDarkPels(large, &count, 30000), 0);
-    EXPECT_EQ(count, std::count_if(pels.begin(), pels.end(), [](int pel) { return pel > 30000; }));
-    EXPECT_EQ(tqRemoveDarkPels(large, nullptr, 30000), 0);
 }
 
 TEST(PointOperations, TablesActInsideTheRectangle) {
@@ -87,66 +68,39 @@ TEST(PointOperations, TablesActInsideTheRectangle) {
     ASSERT_EQ(tqCorrectLinearity(whole, table.data()), 0);
     EXPECT_TRUE(
         SamePels(MapImage(source, [&](int pel) { return table[static_cast<std::size_t>(pel)]; }), whole));
-    struct Case {
-        std::int32_t left, top, right, bottom;
-        std::int32_t firstCol, firstRow, lastCol, lastRow;
-    };
-    for (const Case& c : {Case{0, 0, 0, 0, 0, 0, 60, 22}, Case{5, 3, 31, 9, 5, 3, 31, 9},
-                          Case{kLowest, -1, kHighest, 4, 0, 0, 60, 4}, Case{20, 0, 10, 0, 1, 1, 0, 0},
-                          Case{0, 21, 0, 20, 1, 1, 0, 0}, Case{-9, -9, -3, -3, 0, 0, 60, 22}}) {
+    for (const Rectangle& c : kRectangles) {
         SCOPED_TRACE(testing::Message() << c.left << ", " << c.top << ", " << c.right << ", " << c.bottom);
         Image image = source;
         ASSERT_EQ(tqApplyLUTInRegion(image, table.data(), c.left, c.top, c.right, c.bottom), 0);
-        const auto inside = [&](std::int32_t col, std::int32_t row) {
-            return col >= c.firstCol && col <= c.lastCol && row >= c.firstRow && row <= c.lastRow;
-        };
-        const Image expected = MakeImage(61, 23, [&](std::int32_t col, std::int32_t row) {
-            return inside(col, row) ? table[source(col, row)] : source(col, row);
-        });
+        const Image expected =
+            Within(source, c, [&](std::int32_t col, std::int32_t row) { return table[source(col, row)]; });
         EXPECT_TRUE(SamePels(expected, image));
         EXPECT_TRUE(SameHeader(source.Header(), image.Header()));
 
         // The corrections share the rectangle; what lies outside it is not carried over.
         Image brighter = source;
         ASSERT_EQ(tqBrightnessCorrectionInRegion(brighter.Address(), 3, c.left, c.top, c.right, c.bottom), 0);
-        const Image wrapped = MakeImage(61, 23, [&](std::int32_t col, std::int32_t row) {
-            return inside(col, row) ? source(col, row) + 3 : 0;
-        });
+        const Image wrapped = Within(
+            Image(61, 23), c, [&](std::int32_t col, std::int32_t row) { return source(col, row) + 3; });
         EXPECT_TRUE(SamePels(wrapped, brighter));
-        const auto pels = wrapped.Values();
-        EXPECT_TRUE(SameHeader(
-            With(source.Header(), &TqImageHeader::MaxPelValue, *std::max_element(pels.begin(), pels.end())),
-            brighter.Header()));
+        EXPECT_TRUE(SameHeader(With(source.Header(), &TqImageHeader::MaxPelValue, LargestOf(wrapped)),
+                               brighter.Header()));
     }
 }
 
-TEST(PointOperations, BrightnessWrapsAndItsNegativeUndoesIt) {
-    Image image = MakeImage(3, 1, {65535, 0, 7});
-    ASSERT_EQ(tqBrightnessCorrectionInRegion(image.Address(), 65537, 0, 0, 0, 0), 0);
-    EXPECT_TRUE(SamePels(MakeImage(3, 1, {0, 1, 8}), image));
-    ASSERT_EQ(tqBrightnessCorrectionInRegion(image.Address(), -65537, 0, 0, 0, 0), 0);
-    EXPECT_TRUE(SamePels(MakeImage(3, 1, {65535, 0, 7}), image));
-}
-
 TEST(PointOperations, ContrastStretchesAboutTheMeanOfTheRectangle) {
-    constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
     for (const float factor : {1.0f, 1.7f, -2.5f, 0.0f, 40000.0f, 1e9f, kNan}) {
         SCOPED_TRACE(factor);
         const Image source = Noise(6);
-        double sum = 0;
-        for (std::int32_t row = 2; row <= 8; ++row)
-            for (std::int32_t col = 3; col <= 52; ++col)
-                sum += source(col, row);
-        const double mean = sum / (7 * 50);
+        const double mean = static_cast<double>(AllOf(WindowPels(source, {3, 52}, {2, 8})).sum) / (7 * 50);
         Image image = source;
         ASSERT_EQ(tqContrastCorrectionInRegion(image.Address(), factor, 3, 2, 52, 8), 0);
         const Image expected = MakeImage(61, 23, [&](std::int32_t col, std::int32_t row) {
-            const bool inside = col >= 3 && col <= 52 && row >= 2 && row <= 8;
-            return inside ? Truncated((source(col, row) - mean) * double{factor} + mean) & 0xFFFF : 0;
+            if (!Inside(col, row, 3, 2, 52, 8)) return std::int64_t{0};
+            return Truncated((source(col, row) - mean) * double{factor} + mean) & 0xFFFF;
         });
         EXPECT_TRUE(SamePels(expected, image));
-        const auto pels = expected.Values();
-        EXPECT_EQ(image.Header().MaxPelValue, *std::max_element(pels.begin(), pels.end()));
+        EXPECT_EQ(image.Header().MaxPelValue, LargestOf(expected));
     }
     Image image = Noise(6);
     ASSERT_EQ(tqContrastCorrectionInRegion(image.Address(), 2.0f, 9, 0, 8, 0), 0);
@@ -159,10 +113,11 @@ TEST(PointOperations, InvertingReversesTheRangeThatIsThere) {
     ASSERT_EQ(tqInvertImage(image), 0);
     EXPECT_TRUE(SamePels(MakeImage(5, 1, {60000, 59999, 59510, 10, 59990}), image));
     EXPECT_EQ(image.Header().MaxPelValue, 60000.0f);
+    EXPECT_EQ(tqInvertImage(nullptr), -2);
+    EXPECT_EQ(tqInvertImage(Image(0, 4)), -9);
 }
 
 TEST(PointOperations, ScalingStopsAbove65535AndWrapsBelowZero) {
-    constexpr float kInfinity = std::numeric_limits<float>::infinity();
     for (const float factor : {0.3f, 1.0f, 1.5f, 0.0f, -1.0f, -0.37f, 32768.0f, 65537.0f, 1e9f, kInfinity}) {
         SCOPED_TRACE(factor);
         const Image source = Noise(7);
@@ -179,16 +134,14 @@ TEST(PointOperations, ScalingStopsAbove65535AndWrapsBelowZero) {
 }
 
 TEST(PointOperations, TheBrightestNeighbourhoodGetsTheNewMaximum) {
-    for (const std::int32_t wanted : {-7, 0, 1, 255, 30000, 65535, 65536, kHighest}) {
+    for (const std::int32_t wanted : {-7, 0, 1, 255, 30000, 65535, 65536, kMax}) {
         SCOPED_TRACE(wanted);
         const Image source = Noise(8);
         double largest = 0;
         for (std::int32_t row = 1; row < 22; ++row) {
             for (std::int32_t col = 1; col < 60; ++col) {
-                double sum = 0;
-                for (int k = 0; k < 9; ++k)
-                    sum += source(col - 1 + k % 3, row - 1 + k / 3);
-                largest = std::max(largest, sum);
+                const auto sum = AllOf(ShiftedPels(source, col, row, 3, 3)).sum;
+                largest = std::max(largest, static_cast<double>(sum));
             }
         }
         const double old = static_cast<float>(largest / 9.0);
@@ -246,63 +199,7 @@ TEST(MultiplyImages, MultipliesWhereBothAreAndKeepsTheRest) {
         EXPECT_EQ(tqMultiplyImages(image.Address(), b, 1), status);
         EXPECT_TRUE(SamePels(before, image));
     }
-    Image image(4, 4);
-    EXPECT_EQ(tqMultiplyImages(nullptr, image, 1), -2);
-    EXPECT_EQ(tqMultiplyImages(image.Address(), nullptr, 1), -3);
-}
-
-TEST(PointOperations, RefuseInvalidImages) {
-    const auto table = SomeTable();
-    std::int32_t count = 123;
-    Image nothing;
-    Image empty(DefaultHeader(0, 4));
-    Image wide(DefaultHeader(8001, 1));
-    for (Image* image : {&nothing, &empty, &wide}) {
-        EXPECT_EQ(tqSubtractValue(image->Address(), 1), -2);
-        EXPECT_EQ(tqCorrectLinearity(*image, table.data()), -2);
-        EXPECT_EQ(tqApplyLUTInRegion(*image, table.data(), 0, 0, 0, 0), -2);
-        EXPECT_EQ(tqReplaceDarkPels0(*image, 1, 1), -2);
-        EXPECT_EQ(tqRemoveDarkPels(*image, &count, 1), -2);
-        EXPECT_EQ(tqInvertImage(*image), image == &nothing ? -2 : -9);
-        EXPECT_EQ(tqScaleImage2(*image, 1.0f), -2);
-        EXPECT_EQ(tqSetMaxGrayValue(*image, 1), -2);
-        EXPECT_EQ(tqBrightnessCorrectionInRegion(image->Address(), 1, 0, 0, 0, 0), -2);
-        EXPECT_EQ(tqContrastCorrectionInRegion(image->Address(), 1.0f, 0, 0, 0, 0), -2);
-    }
-    EXPECT_EQ(count, 123);
-    EXPECT_EQ(tqAddConstant(empty, 1), -1);
-    EXPECT_EQ(tqSubtractValue(nullptr, 1), -2);
-    EXPECT_EQ(tqBrightnessCorrectionInRegion(nullptr, 1, 0, 0, 0, 0), -2);
-    EXPECT_EQ(tqContrastCorrectionInRegion(nullptr, 1, 0, 0, 0, 0), -2);
-    Image image(3, 3);
-    EXPECT_EQ(tqCorrectLinearity(image, nullptr), -2);
-    EXPECT_EQ(tqApplyLUTInRegion(image, nullptr, 0, 0, 0, 0), -2);
-}
-
-TEST(PointOperations, NoMemoryLeavesTheImage) {
-    if (!CanFailAllocations()) GTEST_SKIP() << "the library allocates for itself here";
-    const Image before = Noise(2);
-    Image other = Noise(1);
-    other.Header().CenterCol = other.Header().CenterRow = 0.0f;
-    struct Case {
-        std::int32_t failure;
-        std::function<std::int32_t(TqImage**)> call;
-    };
-    for (const Case& c : {
-             Case{-5, [](TqImage** i) { return tqSubtractValue(i, 1); }},
-             Case{-3, [](TqImage** i) { return tqBrightnessCorrectionInRegion(i, 1, 0, 0, 0, 0); }},
-             Case{-3, [](TqImage** i) { return tqContrastCorrectionInRegion(i, 1.0f, 0, 0, 0, 0); }},
-             Case{-5, [&](TqImage** i) { return tqMultiplyImages(i, other, 1); }},
-         }) {
-        Image image = before;
-        EXPECT_GE(FailEachAllocation(
-                      c.failure, 0, [&] { return c.call(image.Address()); },
-                      [&] {
-                          EXPECT_TRUE(SamePels(before, image));
-                          EXPECT_TRUE(SameHeader(before.Header(), image.Header()));
-                      }),
-                  1);
-    }
+    EXPECT_EQ(tqMultiplyImages(Image(4, 4).Address(), nullptr, 1), -3);
 }
 
 }  // namespace
