@@ -109,13 +109,6 @@ TEST(Rotate, EveryPelAndTheHeaderFollow) {
     }
 }
 
-TEST(Rotate, ByNothingLosesAColumnAndARow) {
-    const Image before = RandomImage(100, 50, 1);
-    Image image = before;
-    ASSERT_EQ(tqRotateImage(image.Address(), 0.0f, 33.0f, 44.0f), 0);
-    EXPECT_TRUE(SamePels(MakeImage(99, 49, [&](int c, int r) { return before(c, r); }), image));
-}
-
 TEST(Rotate, AnglesAndPlacesThatAreNoNumbersAndSizesTooLargeLeaveTheImage) {
     constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
     constexpr float kInfinity = std::numeric_limits<float>::infinity();
