@@ -297,9 +297,8 @@ TEST(UnBin, RefusesCoarserFactorsAndSizesThatNoImageHas) {
         std::int16_t oldCols, oldRows;
         std::int32_t binCols, binRows, status;
     };
-    for (const Case& c :
-         {Case{2, 3, 3, 1, -3}, Case{2, 3, 1, 4, -3}, Case{2, 3, kMax, 1, -3}, Case{0, 3, 0, 1, -3},
-          Case{2, -1, 1, -5, -3}, Case{32767, 1, 1, 1, -4}, Case{1, 8000, 1, 1, -4}}) {
+    for (const Case& c : {Case{2, 3, 1, 4, -3}, Case{2, 3, kMax, 1, -3}, Case{0, 3, 0, 1, -3},
+                          Case{2, -1, 1, -5, -3}, Case{32767, 1, 1, 1, -4}, Case{1, 8000, 1, 1, -4}}) {
         Image image = Noise(11, 7);
         image.Header().BinCols = c.oldCols;
         image.Header().BinRows = c.oldRows;
