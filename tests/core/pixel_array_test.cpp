@@ -60,51 +60,21 @@ void ExpectAverages(SAFEARRAY* array, const Image& image, bool ellipse, std::int
 
 TEST(PixelArray, HoldsTheBlockAverageOfEveryPosition) {
     const Image image = tqtest::RandomImage(13, 9, 11);
-    for (const auto& [width, height] : {std::pair{1, 1}, {3, 3}, {2, 5}, {1, 4}, {13, 9}, {40, 40}, {8, 1}}) {
+    constexpr std::int32_t kLow = std::numeric_limits<std::int32_t>::min();
+    constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
+    for (const auto& [width, height] :
+         {std::pair{1, 1}, {3, 3}, {2, 5}, {13, 9}, {40, 40}, {8, 1}, {0, 2}, {-1, kLow}, {kMost, kMost}}) {
         for (const bool ellipse : {false, true}) {
             HostArray array;
             ASSERT_EQ(tqGetPixelArray(image, ellipse ? -1 : 0, width, height, array.Address()), 0);
-            ExpectAverages(array.Get(), image, ellipse, width, height);
+            ExpectAverages(array.Get(), image, ellipse, std::max(width, 1), std::max(height, 1));
 
             HostVariant result;
             ASSERT_EQ(tqGetPelArray(image, ellipse ? 1 : 0, width, height, &result.variant), 0);
             ASSERT_EQ(result.variant.vt, VT_ARRAY | VT_R8);
-            ExpectAverages(result.variant.parray, image, ellipse, std::min(width, 13), std::min(height, 9));
+            ExpectAverages(result.variant.parray, image, ellipse, std::clamp(width, 1, 13),
+                           std::clamp(height, 1, 9));
         }
-    }
-}
-
-TEST(PixelArray, SizesBelowOneGiveThePels) {
-    const Image image = tqtest::RandomImage(5, 4, 12);
-    constexpr std::int32_t kLow = std::numeric_limits<std::int32_t>::min();
-    for (const auto& [width, height] : {std::pair{0, 0}, {-1, kLow}, {1, 0}}) {
-        HostArray array;
-        HostVariant result;
-        ASSERT_EQ(tqGetPixelArray(image, 0, width, height, array.Address()), 0);
-        ASSERT_EQ(tqGetPelArray(image, 1, width, height, &result.variant), 0);
-        for (LONG row = 0; row < 4; ++row) {
-            for (LONG col = 0; col < 5; ++col) {
-                EXPECT_EQ(ElementOf(array.Get(), col, row), image(col, row));
-                EXPECT_EQ(ElementOf(result.variant.parray, col, row), image(col, row));
-            }
-        }
-    }
-}
-
-TEST(PixelArray, SizesBeyondTheImageAreSafe) {
-    const Image image = tqtest::RandomImage(6, 5, 13);
-    constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
-    double mean = 0;
-    for (const std::uint16_t pel : image.Values())
-        mean += pel;
-    mean /= 30;
-    for (const int ellipse : {0, 1}) {
-        HostArray array;
-        ASSERT_EQ(tqGetPixelArray(image, ellipse, kMost, kMost, array.Address()), 0);
-        EXPECT_EQ(ElementOf(array.Get(), 0, 0), mean);
-        HostVariant result;
-        ASSERT_EQ(tqGetPelArray(image, ellipse, kMost, kMost, &result.variant), 0);
-        ExpectAverages(result.variant.parray, image, ellipse != 0, 6, 5);
     }
 }
 
@@ -139,16 +109,6 @@ TEST(PixelArray, RefusesInvalidImagesAndTouchesNothing) {
     EXPECT_EQ(result.variant.lVal, 42);
 }
 
-TEST(PixelArray, TheOldContentOfAVariantIsNotLookedAt) {
-    const Image image(2, 2);
-    VARIANT garbage;
-    std::memset(&garbage, 0xA5, sizeof garbage);
-    ASSERT_EQ(tqGetPelArray(image, 0, 1, 1, &garbage), 0);
-    EXPECT_EQ(garbage.vt, VT_ARRAY | VT_R8);
-    EXPECT_EQ(VariantClear(&garbage), S_OK);
-    EXPECT_EQ(garbage.vt, VT_EMPTY);
-}
-
 TEST(PixelArray, FailedAllocationsHaveTheirCodes) {
     if (!tqtest::CanFailAllocations()) GTEST_SKIP() << "the library allocates for itself";
     const Image image = tqtest::RandomImage(20, 10, 15);
@@ -165,10 +125,11 @@ TEST(PixelArray, FailedAllocationsHaveTheirCodes) {
         EXPECT_TRUE(array.Get() == nullptr || array.Locks() == 0);
     }
     HostVariant result;
-    result.variant.vt = VT_I4;
+    // What a variant held is not looked at.
+    std::memset(&result.variant, 0xA5, sizeof result.variant);
     EXPECT_GT(tqtest::FailEachAllocation(
                   -4, 0, [&] { return tqGetPelArray(image, 1, 5, 5, &result.variant); },
-                  [&] { EXPECT_EQ(result.variant.vt, VT_I4); }),
+                  [&] { EXPECT_EQ(result.variant.vt, 0xA5A5); }),
               2);
 }
 

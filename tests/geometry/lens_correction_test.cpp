@@ -47,20 +47,6 @@ int RampAt(const Image& image, float col, float row) {
     return static_cast<int>(1000.0f + kPerCol * x + kPerRow * y);
 }
 
-TEST(CorrectLensDistortion, IdentityKeepsTheImageButMarksBlackAsSeen) {
-    Image image = RandomImage(41, 23, 4, 0, 40);
-    image.Header().TotalPelValue = 12345.0;
-    image.Header().Spare = 0xCAFE;
-    const TqImageHeader header = image.Header();
-    const Image expected = MakeImage(
-        41, 23, [&](std::int32_t col, std::int32_t row) { return std::max<int>(1, image(col, row)); });
-    Map map(41, 23);
-    map.Fill(Identity());
-    ASSERT_EQ(tqCorrectLensDistortion(image.Address(), map), 0);
-    EXPECT_TRUE(SamePels(expected, image));
-    EXPECT_TRUE(SameHeader(image.Header(), header));
-}
-
 TEST(CorrectLensDistortion, PelsWithoutASourceAreZero) {
     Map map(6, 1);
     map.Put(0, 0, -1.0f, 0.0f);
@@ -72,23 +58,6 @@ TEST(CorrectLensDistortion, PelsWithoutASourceAreZero) {
     Image image = MakeImage(6, 1, {100, 200, 300, 400, 500, 600});
     ASSERT_EQ(tqCorrectLensDistortion(image.Address(), map), 0);
     EXPECT_TRUE(SamePels(MakeImage(6, 1, {0, 0, 0, 0, 100, 600}), image));
-}
-
-TEST(CorrectLensDistortion, SamplesBetweenPelsAndHoldsTheBorder) {
-    Image image = Ramp(30, 20);
-    const Image source = image;
-    Map map(30, 20);
-    const auto place = [](std::int32_t col, std::int32_t row) {
-        return std::pair{static_cast<float>(col) + 0.25f, 1.5f * static_cast<float>(row) + 0.5f};
-    };
-    map.Fill(place);
-    ASSERT_EQ(tqCorrectLensDistortion(image.Address(), map), 0);
-    EXPECT_TRUE(SamePels(MakeImage(30, 20,
-                                   [&](std::int32_t col, std::int32_t row) {
-                                       const auto [x, y] = place(col, row);
-                                       return RampAt(source, x, y);
-                                   }),
-                         image));
 }
 
 TEST(CorrectLensDistortion, FollowsBinningAndTheOffsetInTheSensor) {
@@ -116,7 +85,6 @@ TEST(CorrectLensDistortion, FollowsBinningAndTheOffsetInTheSensor) {
     });
     ASSERT_EQ(tqCorrectLensDistortion(image.Address(), map), 0);
     EXPECT_TRUE(SamePels(expected, image));
-    EXPECT_EQ(image.Header().BinRows, 4);
 }
 
 TEST(CorrectLensDistortion, EntriesBesideTheMapAreNoSource) {
@@ -165,8 +133,11 @@ std::uint16_t PlainSample(const Image& image, float sourceCol, float sourceRow, 
 
 TEST(CorrectLensDistortion, EveryBitOnNoise) {
     for (const std::int32_t bin : {1, 3}) {
-        Image image = RandomImage(67, 45, 11);
+        // Dark in the second round: a black that has a source is marked as seen.
+        Image image = RandomImage(67, 45, 11, 0, bin == 1 ? 65535 : 3);
         const Image source = image;
+        image.Header().TotalPelValue = 12345.0;
+        image.Header().Spare = 0xCAFE;
         image.Header().BinCols = image.Header().BinRows = static_cast<std::int16_t>(bin);
         image.Header().CenterCol = image.Header().CenterRow = 0.0f;
         Map map(67 * bin + 5, 45 * bin + 5);
@@ -177,7 +148,9 @@ TEST(CorrectLensDistortion, EveryBitOnNoise) {
                 static_cast<float>(engine() % 100000) * 0.0022f * static_cast<float>(bin) / 3.0f,
                 static_cast<float>(engine() % 100000) * 0.0017f * static_cast<float>(bin) / 3.0f};
         });
+        const TqImageHeader header = image.Header();
         ASSERT_EQ(tqCorrectLensDistortion(image.Address(), map), 0);
+        EXPECT_TRUE(SameHeader(image.Header(), header));
         for (std::int32_t row = 0; row < 45; ++row) {
             for (std::int32_t col = 0; col < 67; ++col) {
                 const float* entry = map.Entry(2 + col * bin, 2 + row * bin);

@@ -89,20 +89,6 @@ TEST(SmoothStitch, AveragesTheDataAroundSeams) {
     }
 }
 
-TEST(SmoothStitch, OnlyDataOfAnotherSegmentMakesASeam) {
-    // Across the seam stands a pel without data, then one without a segment.
-    for (const auto& [data, label, expected] :
-         {std::tuple{0, 2, 100}, {301, 0, 100}, {301, 2, 200}, {301, 1, 100}}) {
-        Image image = MakeImage(2, 1, {100, data});
-        const Image labels = MakeImage(2, 1, {1, label});
-        ASSERT_EQ(tqSmoothStitch2(image.Address(), labels, 9, 9, 9, 9), 0);
-        EXPECT_EQ(image(0, 0), 100) << "two columns leave a window of one";
-        image = MakeImage(3, 1, {100, data, 0});
-        ASSERT_EQ(tqSmoothStitch(image.Address(), MakeImage(3, 1, {1, label, 0}), 3, 1), 0);
-        EXPECT_EQ(image(0, 0), expected) << data << ", " << label;
-    }
-}
-
 TEST(SmoothStitch, WithoutColumnsToAverageSeamsBecomeBlack) {
     const Image before = RandomImage(20, 6, 2, 1);
     const Image labels = Segments(20, 6);
@@ -111,17 +97,6 @@ TEST(SmoothStitch, WithoutColumnsToAverageSeamsBecomeBlack) {
         ASSERT_EQ(tqSmoothStitch2(image.Address(), labels, 3, 3, none, 3), 0);
         EXPECT_TRUE(SamePels(Smoothed(before, labels, {3, 3}, {0, 3}), image));
     }
-}
-
-TEST(SmoothStitch, OnePelWindowsKeepTheBlock) {
-    Image image = RandomImage(20, 6, 2);
-    const TqImage* block = image.Get();
-    for (const std::int32_t one : {kMin, 0, 1, 2}) {
-        EXPECT_EQ(tqSmoothStitch(image.Address(), Segments(20, 6), one, one), 0);
-        EXPECT_EQ(tqSmoothStitch2(image.Address(), Segments(20, 6), 5, 5, 1, one), 0);
-    }
-    EXPECT_EQ(image.Get(), block);
-    EXPECT_TRUE(SamePels(RandomImage(20, 6, 2), image));
 }
 
 TEST(SmoothStitch, RefusesInvalidImagesAndLabelsOfAnotherSize) {

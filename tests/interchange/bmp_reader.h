@@ -18,7 +18,6 @@ struct BmpFile {
     std::int32_t height = 0;
     std::vector<std::array<int, 4>> colours;  ///< blue, green, red, 0
     std::vector<std::vector<std::uint8_t>> rows;
-    std::size_t fileBytes = 0;
 };
 
 inline std::vector<std::uint8_t> ReadBytes(const std::string& name) {
@@ -46,7 +45,6 @@ inline BmpFile ReadBmp(const std::string& name) {
     const std::uint32_t entries = number(46, 4) == 0 ? 256 : number(46, 4);
 
     BmpFile bmp;
-    bmp.fileBytes = bytes.size();
     bmp.width = static_cast<std::int32_t>(number(18, 4));
     bmp.height = static_cast<std::int32_t>(number(22, 4));
     expect(bmp.width > 0 && bmp.height > 0, "sides");

@@ -21,17 +21,9 @@ using tq::TruncToInt32;
 using tq::WrapToPel;
 
 // Scales that cancel, that stand in simple proportions, so that quotients meet integers, and that are none.
-const float kScales[] = {1.0f,
-                         0.5f,
-                         3.0f,
-                         0.1f,
-                         7e-5f,
-                         -2.0f,
-                         0.0f,
-                         1e-38f,
-                         1e30f,
-                         std::numeric_limits<float>::infinity(),
-                         std::numeric_limits<float>::quiet_NaN()};
+constexpr float kInfinity = std::numeric_limits<float>::infinity();
+constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
+const float kScales[] = {1.0f, 0.5f, 3.0f, 0.1f, 7e-5f, -2.0f, 0.0f, 1e-38f, 1e30f, kInfinity, kNan};
 
 class GreyArithmetic : public testing::Test {
   protected:
@@ -95,7 +87,7 @@ TEST_F(GreyArithmetic, MeansOfTwoScales) {
 }
 
 TEST_F(GreyArithmetic, SinglePrecisionSteps) {
-    for (const float x : {1.0f, 0.3f, -3.0f, 65535.0f, 0.0f, 2e9f, std::numeric_limits<float>::quiet_NaN()}) {
+    for (const float x : {1.0f, 0.3f, -3.0f, 65535.0f, 0.0f, 2e9f, kNan}) {
         SCOPED_TRACE(x);
         Check([=](auto a, auto b, auto out, auto n) { kernels::MultiplyGreys(a, b, x, out, n); },
               [=](Pel a, Pel b) {

@@ -79,13 +79,8 @@ TEST(RankMedians, WindowsOfBothShapesAndTheWholeTile) {
     };
     tqtest::ForEachTarget([&] {
         kernels::RankBuffers buffers;
-        for (const Case& c : {Case{30, 20, 7, 3},
-                              {30, 20, 3, 7},
-                              {21, 9, 21, 9},
-                              {64, 1, 9, 1},
-                              {1, 64, 1, 9},
-                              {16, 4, 1, 1},
-                              {40, 40, 15, 15}}) {
+        for (const Case& c : {Case{30, 20, 7, 3}, Case{30, 20, 3, 7}, Case{21, 9, 21, 9}, Case{64, 1, 9, 1},
+                              Case{1, 64, 1, 9}, Case{16, 4, 1, 1}, Case{40, 40, 15, 15}}) {
             for (const std::uint32_t levels : {65536U, 2U, 1U}) {
                 Pels pels = tqtest::HostilePels(c.cols * c.rows, 91);
                 for (std::uint16_t& pel : pels)

@@ -75,20 +75,6 @@ TEST(PelArithmetic, EveryTargetAndLengthGivesTheSameAndStaysInside) {
     });
 }
 
-TEST(PelArithmetic, LookUpStaysInside) {
-    std::vector<Pel> table(65536);
-    for (std::size_t i = 0; i < table.size(); ++i)
-        table[i] = static_cast<Pel>(i * 31 + 5);
-    for (std::size_t count = 0; count <= 9; ++count) {
-        auto pels = tqtest::HostilePels(count + 1, 3);
-        auto expected = pels;
-        for (std::size_t i = 0; i < count; ++i)
-            expected[i] = table[pels[i]];
-        kernels::LookUp(pels.data(), table.data(), pels.data(), count);
-        ASSERT_EQ(pels, expected);
-    }
-}
-
 TEST(SumBytes, IsExactOnEveryTarget) {
     tqtest::ForEachTarget([] {
         for (std::size_t count = 0; count <= 300; ++count) {
