@@ -25,8 +25,8 @@ constexpr bool IsQuantity(std::int32_t quantity) noexcept {
 kernels::ChromaticRatio RatioOf(std::int32_t quantity, const ColourMatrix& m) noexcept {
     // x, y: CIE 1931. u', v': CIE 1976. The two quotients are percentages of the luminance.
     constexpr kernels::ChromaticRatio kRatios[kQuantities] = {
-        {{}, 0, 1.0, 1.0, 1.0, false},  {{}, 1, 1.0, 1.0, 1.0, false},  {{}, 0, 4.0, 15.0, 3.0, false},
-        {{}, 1, 9.0, 15.0, 3.0, false}, {{}, 0, 100.0, 0.0, 0.0, true}, {{}, 2, 100.0, 0.0, 0.0, true}};
+        {{}, 1.0, 1.0, 1.0, 0, false},  {{}, 1.0, 1.0, 1.0, 1, false},  {{}, 4.0, 15.0, 3.0, 0, false},
+        {{}, 9.0, 15.0, 3.0, 1, false}, {{}, 100.0, 0.0, 0.0, 0, true}, {{}, 100.0, 0.0, 0.0, 2, true}};
     kernels::ChromaticRatio ratio = kRatios[quantity];
     std::copy(m.begin(), m.end(), ratio.matrix);
     return ratio;

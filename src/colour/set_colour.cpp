@@ -14,7 +14,7 @@ using namespace tq;
 namespace {
 
 constexpr std::int32_t kNoImage = -2;
-constexpr std::int32_t kInvalidImage[3] = {-3, -4, -5};
+constexpr std::int32_t kInvalidFirstImage = -3;  // the second is -4, the third -5
 constexpr std::int32_t kSizesDiffer = -6;
 
 }  // namespace
@@ -30,7 +30,7 @@ std::int32_t TQ_CALL tqSetColorGraysInRegion(TqImage* first, TqImage* second, Tq
     for (std::size_t k = 0; k < images.size(); ++k) {
         if (images[k] == nullptr) continue;
         views[k] = LocateImage(images[k]);
-        if (!views[k]) return kInvalidImage[k];
+        if (!views[k]) return kInvalidFirstImage - static_cast<std::int32_t>(k);
         any = &views[k];
     }
     if (any == nullptr) return kNoImage;

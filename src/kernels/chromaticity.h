@@ -18,10 +18,10 @@ struct ChannelRows {
 /// factor * numerator / (X + y * Y + z * Z), or / Y alone.
 struct ChromaticRatio {
     double matrix[9];
-    int numerator;  ///< 0 X, 1 Y, 2 Z
     double factor;
     double y;
     double z;
+    int numerator;       ///< 0 X, 1 Y, 2 Z
     bool overLuminance;  ///< the denominator is Y, and not guarded against 0
 };
 

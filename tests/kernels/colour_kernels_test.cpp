@@ -41,7 +41,7 @@ std::vector<unsigned char> ResultsOf(std::size_t count, double odd) {
     const std::vector<double> x(a.begin(), a.end()), y(b.begin(), b.end()), z(c.begin(), c.end());
     const ChannelRows rows{x.data(), y.data(), z.data(), count};
     for (const bool overLuminance : {false, true}) {
-        const ChromaticRatio ratio{{1, 0, 0, 0, 1, 0, 0, odd, 1}, 2, 4.0, 15.0, 3.0, overLuminance};
+        const ChromaticRatio ratio{{1, 0, 0, 0, 1, 0, 0, odd, 1}, 4.0, 15.0, 3.0, 2, overLuminance};
         StoreRatios(rows, ratio, -0.1, 30000.0, out[0]);
         keep(pels[0]);
     }
