@@ -4,6 +4,7 @@
 #ifndef TQIMAGE_TQIMAGE_H
 #define TQIMAGE_TQIMAGE_H
 
+#include "tqimage/appending.h"
 #include "tqimage/automation.h"
 #include "tqimage/base.h"
 #include "tqimage/bitmap.h"
@@ -14,6 +15,7 @@
 #include "tqimage/colour_difference.h"
 #include "tqimage/colour_transforms.h"
 #include "tqimage/comparison.h"
+#include "tqimage/compressed_image.h"
 #include "tqimage/defect_detection.h"
 #include "tqimage/defects.h"
 #include "tqimage/deviation.h"
@@ -28,7 +30,9 @@
 #include "tqimage/histogram.h"
 #include "tqimage/image.h"
 #include "tqimage/image_arithmetic.h"
+#include "tqimage/image_sum.h"
 #include "tqimage/keystone.h"
+#include "tqimage/korvelin.h"
 #include "tqimage/lens_model.h"
 #include "tqimage/line_detection.h"
 #include "tqimage/local_contrast.h"

@@ -23,15 +23,8 @@ constexpr std::int32_t kConversionFailed = -2;
 constexpr std::int32_t kSaveFailed = -3;
 
 constexpr std::int32_t kNoPalette = 0;
-constexpr float kByteScale = 255.0f;
 /// Files are made for screens.
 constexpr double kFileGamma = 1.0;
-
-/// An image that tells no scale is shown as if it were one of bytes, and says so from then on: a host that
-/// converts it twice must see the same picture.
-void EnsureScale(TqImageHeader& header) noexcept {
-    if (header.MaxPelValue <= 0.0f) header.MaxPelValue = kByteScale;
-}
 
 void FillRows(const OwnedBitmap& bitmap, const ConstImageView& image, double gamma) {
     const Pel largest = kernels::FindMinMax(image.pels, image.Count()).max;
