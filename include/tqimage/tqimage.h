@@ -7,6 +7,7 @@
 #include "tqimage/automation.h"
 #include "tqimage/base.h"
 #include "tqimage/bitmap.h"
+#include "tqimage/bitmap_files.h"
 #include "tqimage/border_light.h"
 #include "tqimage/centroid.h"
 #include "tqimage/clustering.h"
