@@ -12,6 +12,7 @@
 #include "tqimage/centroid.h"
 #include "tqimage/clustering.h"
 #include "tqimage/colour_averages.h"
+#include "tqimage/colour_bitmap.h"
 #include "tqimage/colour_difference.h"
 #include "tqimage/colour_transforms.h"
 #include "tqimage/comparison.h"

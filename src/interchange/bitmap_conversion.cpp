@@ -85,21 +85,23 @@ OwnedBitmap BitmapOf(const ImageView& image, const std::optional<Palette>& palet
     return Convert(image, palette, ToneTables(gamma));
 }
 
-TqImageHeader PlainHeader(std::int32_t cols, std::int32_t rows, Pel largest) noexcept {
+TqImageHeader BitmapImageHeader(const TqImageHeader* info, std::int32_t cols, std::int32_t rows,
+                                Pel largest) noexcept {
     TqImageHeader header{};
-    header.PelCols = cols;
-    header.PelRows = rows;
     header.PelsPerMeterX = 1.0f;
     header.PelsPerMeterY = 1.0f;
     header.LuxPerGrey = 1.0f;
-    header.MaxPelValue = std::max(largest, Pel{1});
     header.SourceDistance = 1.0f;
     header.BinCols = 1;
     header.BinRows = 1;
+    if (info != nullptr) header = *info;
+    header.PelCols = cols;
+    header.PelRows = rows;
+    header.MaxPelValue = std::max(largest, Pel{1});
     return header;
 }
 
-OwnedImage ImageOf(const TqLeadBitmap& bitmap) {
+OwnedImage ImageOf(const TqLeadBitmap& bitmap, const TqImageHeader* info) {
     OwnedImage image(bitmap.width, bitmap.height, NewPels::kUnwritten);
     const ImageView view = image.View();
     for (std::int32_t row = 0; row < view.rows; ++row) {
@@ -107,7 +109,8 @@ OwnedImage ImageOf(const TqLeadBitmap& bitmap) {
         const std::uint8_t* bytes = DisplayedRow(bitmap, row);
         std::copy(bytes, bytes + view.cols, view.Row(row));
     }
-    image.Header() = PlainHeader(view.cols, view.rows, kernels::FindMinMax(view.pels, view.Count()).max);
+    const Pel largest = kernels::FindMinMax(view.pels, view.Count()).max;
+    image.Header() = BitmapImageHeader(info, view.cols, view.rows, largest);
     return image;
 }
 
@@ -141,7 +144,7 @@ std::int32_t TQ_CALL tqImageToLeadBmpScale(TqLeadBitmap* bitmap, double* scale, 
 std::int32_t TQ_CALL tqLeadBmpToImage(TqLeadBitmap bitmap, TqImage** image) {
     if (image == nullptr || !IsReadable(bitmap)) return kNoImage;
     return Guarded(kNoImage, [&] {
-        CommitImage(image, ImageOf(bitmap));
+        CommitImage(image, ImageOf(bitmap, nullptr));
         return 0;
     });
 }

@@ -63,13 +63,7 @@ std::int32_t TQ_CALL tqDiskBmpToImage(const char* fileName, const TqImageHeader*
     if (!bitmap) return kLoadFailed;
     if (info == nullptr || image == nullptr) return kNoImage;
     return Guarded(kNoImage, [&] {
-        OwnedImage loaded = ImageOf(bitmap->Get());
-        const TqImageHeader own = loaded.Header();
-        loaded.Header() = *info;
-        loaded.Header().PelCols = own.PelCols;
-        loaded.Header().PelRows = own.PelRows;
-        loaded.Header().MaxPelValue = own.MaxPelValue;
-        CommitImage(image, std::move(loaded));
+        CommitImage(image, ImageOf(bitmap->Get(), info));
         return 0;
     });
 }

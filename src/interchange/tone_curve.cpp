@@ -104,9 +104,9 @@ std::uint8_t ToneByte(double scaled) noexcept {
     return static_cast<std::uint8_t>(std::clamp(TruncToInt32(std::min(scaled, kLargestByte)), 0, 255));
 }
 
-std::vector<std::uint8_t> MakeToneTable(double gamma, double fullScale, Pel largest) {
+std::vector<std::uint8_t> MakeToneTable(double gamma, double fullScale, Pel largest, double gain) {
     std::vector<std::uint8_t> table = EmptyTable(largest);
-    const auto valueOf = [&](std::size_t pel) { return static_cast<double>(pel) / fullScale; };
+    const auto valueOf = [&](std::size_t pel) { return static_cast<double>(pel) * gain / fullScale; };
     if (!(gamma >= 0.0)) {
         FillFrom(table, 0, [&](std::size_t pel) { return ToneByte(valueOf(pel) * kLargestByte); });
         return table;

@@ -7,9 +7,9 @@
 
 namespace tq {
 
-/// The displayed byte of every pel from 0 to `largest` at this full scale. A gamma of 0 counts as 1, a
-/// negative one leaves the grey levels linear.
-std::vector<std::uint8_t> MakeToneTable(double gamma, double fullScale, Pel largest);
+/// The displayed byte of every pel from 0 to `largest`, times `gain`, at this full scale. A gamma of 0 counts
+/// as 1, a negative one leaves the grey levels linear.
+std::vector<std::uint8_t> MakeToneTable(double gamma, double fullScale, Pel largest, double gain = 1.0);
 
 /// The grey levels between which a host stretches an image.
 struct Stretch {
