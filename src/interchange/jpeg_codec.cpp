@@ -11,6 +11,8 @@
 #include <jerror.h>
 #include <jpeglib.h>
 
+#include "kernels/pel_arithmetic.h"
+
 namespace tq {
 namespace {
 
@@ -189,8 +191,7 @@ std::vector<std::uint8_t> EncodeJpeg(const ConstImageView& image, const std::vec
     std::vector<std::uint8_t> bytes(static_cast<std::size_t>(image.cols));
     if (!encoder.Start(image, TableScale(quality))) return {};
     for (std::int32_t row = 0; row < image.rows; ++row) {
-        const Pel* pels = image.Row(row);
-        std::transform(pels, pels + image.cols, bytes.begin(), [&](Pel pel) { return tones[pel]; });
+        kernels::LookUp(image.Row(row), tones.data(), bytes.data(), bytes.size());
         if (!encoder.WriteRow(bytes.data())) return {};
     }
     if (!encoder.Finish()) return {};

@@ -5,7 +5,7 @@
 
 #include "core/guard.h"
 #include "core/image_block.h"
-#include "platform/global_lock.h"
+#include "platform/global_memory.h"
 
 using namespace tq;
 
@@ -34,16 +34,16 @@ std::int32_t TQ_CALL TqConvertKorvelinToImage(TqImage** image, const TqKorvelinR
                                               std::int32_t sourceDistance) {
     if (image == nullptr || record == nullptr) return kNoData;
     const GlobalLockGuard data(record->Data);
-    if (!data.Locked()) return kNoData;
+    if (data.Bytes() == nullptr) return kNoData;
     if (record->Cols == 0 || record->Rows == 0) return kEmpty;
     if (record->Cols < 0 || record->Rows < 0) return kNotMade;
     // Asked for before the image: an absurd size with little data behind it is not worth an allocation.
     const std::int64_t count = std::int64_t{record->Cols} * record->Rows;
-    if (count > static_cast<std::int64_t>(data.Bytes().size())) return kNoData;
+    if (static_cast<std::uint64_t>(count) > GlobalSize(record->Data)) return kNoData;
     return Guarded(kNotMade, [&] {
         OwnedImage result(record->Cols, record->Rows, NewPels::kUnwritten);
         FillHeader(*record, sourceDistance, result.Header());
-        std::copy_n(data.Bytes().begin(), count, result.View().pels);
+        std::copy_n(data.Bytes(), count, result.View().pels);
         CommitImage(image, std::move(result));
         return kOk;
     });
