@@ -10,6 +10,7 @@
 #include "tqimage/bitmap.h"
 #include "tqimage/bitmap_files.h"
 #include "tqimage/border_light.h"
+#include "tqimage/byte_image.h"
 #include "tqimage/centroid.h"
 #include "tqimage/clustering.h"
 #include "tqimage/colour_averages.h"
