@@ -12,7 +12,7 @@
 #include "options.h"
 #include "radial_lens.h"
 #include "report.h"
-#include "tqimage/bitmap.h"
+#include "tqimage/bitmap_files.h"
 
 namespace cli {
 namespace {
