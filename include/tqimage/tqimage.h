@@ -39,6 +39,7 @@
 #include "tqimage/orientation.h"
 #include "tqimage/pel_block.h"
 #include "tqimage/photometry.h"
+#include "tqimage/plots.h"
 #include "tqimage/point_operations.h"
 #include "tqimage/profiles.h"
 #include "tqimage/projection.h"
