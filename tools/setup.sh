@@ -5,7 +5,7 @@ set -euo pipefail
 
 packages=(
     # native build, checks
-    cmake ninja-build g++ binutils make git ccache python3
+    cmake ninja-build g++ binutils make git ccache python3 pkgconf
     clang clang-format clang-tidy
     # the library, the program, tests, benchmarks
     libhwy-dev zlib1g-dev googletest
