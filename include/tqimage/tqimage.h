@@ -50,6 +50,7 @@
 #include "tqimage/stitching.h"
 #include "tqimage/stray_light.h"
 #include "tqimage/sub_pixel.h"
+#include "tqimage/test_patterns.h"
 #include "tqimage/thresholds.h"
 #include "tqimage/transform.h"
 #include "tqimage/uniformity.h"

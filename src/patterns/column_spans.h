@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "core/image_view.h"
-#include "patterns/plot_frame.h"
 #include "patterns/plot_line.h"
+#include "patterns/positions.h"
 
 namespace tq {
 

@@ -10,8 +10,9 @@
 #include "core/numerics.h"
 #include "patterns/azimuth.h"
 #include "patterns/column_spans.h"
-#include "patterns/plot_frame.h"
+#include "patterns/pattern_image.h"
 #include "patterns/plot_line.h"
+#include "patterns/positions.h"
 #include "tqimage/plots.h"
 
 namespace tq {
@@ -199,7 +200,7 @@ std::int32_t TQ_CALL tqCreateGraphType(TqImage** out, const double* values, std:
     if (low < high && !std::isfinite(high - low)) return kBadArgument;
     return Guarded(kNoMemory, [&] {
         const Samples samples(values, static_cast<std::size_t>(count));
-        OwnedImage plot = MakePlot(cols, rows, NewPels::kZero);
+        OwnedImage plot = MakeDrawnImage(cols, rows, NewPels::kZero);
         const Graph graph(plot.View(), samples, RangeOf(samples, low, high), static_cast<GraphType>(type));
         graph.Draw();
         graph.WriteScale(plot.Header());

@@ -5,7 +5,7 @@
 #include <cstdint>
 
 #include "core/image_view.h"
-#include "patterns/plot_frame.h"
+#include "patterns/positions.h"
 
 namespace tq {
 

@@ -10,7 +10,7 @@
 #include "geometry/bilinear.h"
 #include "measure/photometric_frame.h"
 #include "patterns/azimuth.h"
-#include "patterns/plot_frame.h"
+#include "patterns/pattern_image.h"
 #include "tqimage/plots.h"
 
 namespace tq {
@@ -142,7 +142,7 @@ std::int32_t TQ_CALL tqCreatePolarImage(TqImage** out, const TqImage* image, std
     const ConstImageView source = LocateImage(image);
     if (!source || !PhotometricFrame(*source.header).HasScaleAndDistance()) return kInvalidImage;
     return Guarded(kNoMemory, [&] {
-        OwnedImage polar = MakePlot(cols, rows, NewPels::kUnwritten);
+        OwnedImage polar = MakeDrawnImage(cols, rows, NewPels::kUnwritten);
         const PolarField field(source, cols, rows, maxAngle, projection);
         if (quantity == kIntensity) {
             StoreIntensity(field, polar.View());

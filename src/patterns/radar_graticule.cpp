@@ -7,7 +7,7 @@
 #include "core/image_view.h"
 #include "core/numerics.h"
 #include "patterns/azimuth.h"
-#include "patterns/plot_frame.h"
+#include "patterns/pattern_image.h"
 #include "patterns/plot_line.h"
 #include "tqimage/plots.h"
 
@@ -70,8 +70,8 @@ void DrawSpokes(const Graticule& graticule, const ImageView& out, double radius)
 }
 
 OwnedImage Pad(const ConstImageView& plot, const Graticule& graticule) {
-    OwnedImage padded =
-        MakePlot(plot.cols + 2 * graticule.margin, plot.rows + 2 * graticule.margin, NewPels::kUnwritten);
+    OwnedImage padded = MakeDrawnImage(plot.cols + 2 * graticule.margin, plot.rows + 2 * graticule.margin,
+                                       NewPels::kUnwritten);
     const double radius = (std::min(plot.cols, plot.rows) - 1) * 0.5;
     DrawDisc(plot, graticule, padded.View(), radius);
     DrawSpokes(graticule, padded.View(), radius);

@@ -7,7 +7,8 @@
 #include "core/image_view.h"
 #include "core/numerics.h"
 #include "patterns/azimuth.h"
-#include "patterns/plot_frame.h"
+#include "patterns/pattern_image.h"
+#include "patterns/positions.h"
 #include "tqimage/plots.h"
 
 namespace tq {
@@ -93,7 +94,7 @@ std::int32_t CreateRadarPlot(TqImage** out, const TqImage* polar, std::int32_t s
     const ConstImageView source = LocateImage(polar);
     if (!source) return kInvalidImage;
     return Guarded(kNoMemory, [&] {
-        OwnedImage disc = MakePlot(size, size, NewPels::kUnwritten);
+        OwnedImage disc = MakeDrawnImage(size, size, NewPels::kUnwritten);
         FillDisc<Sampler>(source, disc.View());
         disc.Header().LuxPerGrey = source.header->LuxPerGrey;
         CommitImage(out, std::move(disc));
