@@ -56,21 +56,15 @@ AzimuthTable::AzimuthTable() {
 }
 
 double AzimuthTable::Turns(double x, double y) const noexcept {
-    const double across = std::abs(x);
-    const double up = std::abs(y);
-    const bool steep = up > across;
-    const double tangent = steep ? across / up : (across == 0.0 ? 0.0 : up / across);
+    const bool steep = y > x;
+    const double tangent = steep ? x / y : (x == 0.0 ? 0.0 : y / x);
     const std::int32_t step = TruncToInt32(tangent * kSteps + 0.5);
     const double base = static_cast<double>(step) / kSteps;
     const double z = (tangent - base) / (1.0 + tangent * base);
     const double square = z * z;
     const double rest = z * (1.0 - square * (1.0 / 3.0 - square / 5.0)) / kTwoPi;
-    double turns = turns_[static_cast<std::size_t>(step)] + rest;
-    if (steep) turns = 0.25 - turns;
-    if (x < 0.0) turns = 0.5 - turns;
-    // A direction just below the first one would round to the full turn.
-    if (y < 0.0) turns = 1.0 - turns < 1.0 ? 1.0 - turns : 0.0;
-    return turns;
+    const double turns = turns_[static_cast<std::size_t>(step)] + rest;
+    return steep ? 0.25 - turns : turns;
 }
 
 }  // namespace tq

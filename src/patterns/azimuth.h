@@ -30,11 +30,11 @@ class TurnParts {
     std::vector<Direction> fine_;
 };
 
-/// The way back: the azimuth of a direction in turns, 0 <= azimuth < 1, within a few units of 1e-16.
+/// The way back: the azimuth of a direction to the right and up, in turns.
 class AzimuthTable {
   public:
     AzimuthTable();
-    /// 0 for the direction (0, 0).
+    /// 0 .. 0.25 for x >= 0 and y >= 0, exact on both axes and within 1e-16 elsewhere; 0 for (0, 0).
     double Turns(double x, double y) const noexcept;
 
   private:
