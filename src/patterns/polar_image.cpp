@@ -1,4 +1,6 @@
+#include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <utility>
 #include <vector>
@@ -92,12 +94,22 @@ class PolarField {
         }
     }
 
-    /// visit(grey, candela of a grey level) for every pel, row by row
+    /// visit(row, column, grey, candela of a grey level) for every pel. Sectors are walked one by one from
+    /// the axis outward, for neighbouring rings share the cache lines of the image.
     template <class Visit>
     void ForEach(Visit&& visit) const {
-        for (const Ring& ring : rings_) {
-            for (const Direction& direction : directions_)
-                visit(sampler_.Grey(ring, direction), ring.candela);
+        constexpr std::int32_t kSector = 256;
+        const auto cols = static_cast<std::int32_t>(directions_.size());
+        const auto rows = static_cast<std::int32_t>(rings_.size());
+        for (std::int32_t left = 0; left < cols; left += kSector) {
+            const std::int32_t end = std::min(left + kSector, cols);
+            for (std::int32_t row = 0; row < rows; ++row) {
+                const Ring& ring = rings_[static_cast<std::size_t>(row)];
+                for (std::int32_t col = left; col < end; ++col) {
+                    const double grey = sampler_.Grey(ring, directions_[static_cast<std::size_t>(col)]);
+                    visit(row, col, grey, ring.candela);
+                }
+            }
         }
     }
 
@@ -108,21 +120,21 @@ class PolarField {
 };
 
 void StoreGrey(const PolarField& field, const ImageView& out, const TqImageHeader& source) {
-    Pel* next = out.pels;
-    field.ForEach([&](double grey, double) { *next++ = ClampToPel(TruncToInt32(grey + 0.5)); });
+    field.ForEach([&](std::int32_t row, std::int32_t col, double grey, double) {
+        out.At(col, row) = ClampToPel(TruncToInt32(grey + 0.5));
+    });
     out.header->LuxPerGrey = source.LuxPerGrey;
 }
 
 /// The field is sampled twice, for its largest value and to store it: cheaper than an array of doubles.
 void StoreIntensity(const PolarField& field, const ImageView& out) {
     double largest = 0.0;
-    field.ForEach([&](double grey, double candela) {
+    field.ForEach([&](std::int32_t, std::int32_t, double grey, double candela) {
         if (grey * candela > largest) largest = grey * candela;
     });
     const double scale = largest > 0.0 && std::isfinite(largest) ? kLargestIntensity / largest : 0.0;
-    Pel* next = out.pels;
-    field.ForEach([&](double grey, double candela) {
-        *next++ = ClampToPel(TruncToInt32(grey * candela * scale + 0.5));
+    field.ForEach([&](std::int32_t row, std::int32_t col, double grey, double candela) {
+        out.At(col, row) = ClampToPel(TruncToInt32(grey * candela * scale + 0.5));
     });
     out.header->MaxPelValue = static_cast<float>(kLargestIntensity);
     out.header->LuxPerGrey = static_cast<float>(largest / kLargestIntensity);
