@@ -49,6 +49,9 @@ std::vector<unsigned char> ResultsOf(std::size_t count, double odd) {
     ColourDifferences(rows, {{1, 0, 0, 0, 1, 0, 0, odd, 1}, 0.013, 2.5, 0.7}, {0.2, 0.47, 300.0},
                       values.data());
     keep(values);
+    LocalDifferences(rows, {z.data(), x.data(), y.data(), count},
+                     {{1, 0, 0, 0, 1, 0, 0, odd, 1}, 0.013, 2.5, 0.7}, values.data());
+    keep(values);
     EllipseDistances(rows, {{1, 0, 0, 0, 1, 0, 0, odd, 1}, 0.2f, 0.47f, 1000.0, -300.0, 400.0},
                      values.data());
     keep(values);
