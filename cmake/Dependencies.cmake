@@ -13,3 +13,5 @@ if(WIN32)
 endif()
 find_package(hwy CONFIG REQUIRED)
 find_package(ZLIB REQUIRED)
+# Headers only, so the ones of the build machine serve every target.
+find_package(Eigen3 REQUIRED NO_MODULE)

@@ -8,7 +8,7 @@ packages=(
     cmake ninja-build g++ binutils make git ccache python3
     clang clang-format clang-tidy
     # the library, the program, tests, benchmarks
-    libhwy-dev zlib1g-dev googletest
+    libhwy-dev zlib1g-dev libeigen3-dev googletest
     libpng-dev libtiff-dev nlohmann-json3-dev libcli11-dev
     libbenchmark-dev libopencv-core-dev libopencv-imgproc-dev
     # Windows: compilers, zlib, Highway's source package, and Wine to run the tests
