@@ -42,6 +42,7 @@
 #include "tqimage/masks.h"
 #include "tqimage/moments.h"
 #include "tqimage/mtf.h"
+#include "tqimage/multi_point_calibration.h"
 #include "tqimage/offset_arithmetic.h"
 #include "tqimage/orientation.h"
 #include "tqimage/pel_block.h"
