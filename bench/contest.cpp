@@ -38,9 +38,16 @@ void Run(benchmark::State& state, const Contest& contest, const NoiseImage& imag
     contest.ours(image);
     if (contest.peer) contest.peer(image);
     Turns ours, peer, read;
+    const auto prepare = [&] {
+        if (contest.prepare) contest.prepare(image);
+    };
     for ([[maybe_unused]] auto _ : state) {
+        prepare();
         state.SetIterationTime(ours.Take([&] { contest.ours(image); }));
-        if (contest.peer) peer.Take([&] { contest.peer(image); });
+        if (contest.peer) {
+            prepare();
+            peer.Take([&] { contest.peer(image); });
+        }
         if (contest.streams) read.Take([&] { benchmark::DoNotOptimize(ReadEveryPel(image)); });
     }
     state.counters["ours_ms"] = ours.Milliseconds();
@@ -91,6 +98,7 @@ __attribute__((target_clones("arch=skylake-avx512", "arch=haswell", "default")))
 
 void Register(const Contest& contest) {
     for (const auto& [cols, rows] : {std::pair{1000, 750}, {4000, 3000}, {8000, 8000}}) {
+        if (std::max(cols, rows) > contest.largestSide) continue;
         const std::string name = contest.name + "/" + std::to_string(cols) + "x" + std::to_string(rows);
         benchmark::RegisterBenchmark(name.c_str(),
                                      [=, cols = cols, rows = rows](benchmark::State& state) {
