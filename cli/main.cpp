@@ -22,6 +22,8 @@ int Run(int count, char** arguments) {
     AddMtf(app);
     AddDefects(app);
     AddSimulate(app);
+    AddPattern(app);
+    AddPlot(app);
     try {
         app.parse(count, arguments);
     } catch (const CLI::Success& shown) {
