@@ -15,7 +15,7 @@ struct CallEntry {
     bool readsOnly;  ///< takes images, and takes none that it could write
 };
 
-/// Every function of the public headers, in alphabetical order.
+/// The functions of the public headers whose arguments can be drawn, in alphabetical order.
 const std::vector<CallEntry>& AllCalls();
 
 /// Draws a scene, makes the call and fingerprints all of it.
