@@ -4,6 +4,7 @@
 #ifndef TQIMAGE_TQIMAGE_H
 #define TQIMAGE_TQIMAGE_H
 
+#include "tqimage/adaptive_colour.h"
 #include "tqimage/appending.h"
 #include "tqimage/automation.h"
 #include "tqimage/base.h"

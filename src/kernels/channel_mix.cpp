@@ -41,17 +41,37 @@ void RaiseMaximaOf(const ChannelRuns& runs, const ChannelMix& mix, double* maxim
         maxima[k] = *std::max_element(lanes[k], lanes[k] + hn::Lanes(wide));
 }
 
+/// Stores value / unit + 0.5, truncated and clamped.
+template <class D>
+HWY_INLINE void StoreLevels(D d, hn::Vec<D> value, double unit, std::uint16_t* out) {
+    const auto level = hn::Add(hn::Div(value, hn::Set(d, unit)), hn::Set(d, 0.5));
+    // Beyond int32, and without a number, a conversion is the indefinite integer, which is negative.
+    const auto fits = hn::And(hn::Ge(value, hn::Zero(d)), hn::Lt(level, hn::Set(d, 2147483648.0)));
+    StorePels(d, hn::Min(hn::IfThenElseZero(fits, level), hn::Set(d, 65535.0)), out);
+}
+
 void StoreMixedOf(const ChannelRuns& runs, const ChannelMix& mix, const double* units,
                   std::uint16_t* const* out) {
     ForEachVector(runs.count, [&](auto d, std::size_t i) {
-        MixAt(d, runs, mix, i, [&](std::size_t k, auto value) {
-            const auto level = hn::Add(hn::Div(value, hn::Set(d, units[k])), hn::Set(d, 0.5));
-            // Beyond int32, and without a number, a conversion is the indefinite integer, which is negative.
-            const auto fits = hn::And(hn::Ge(value, hn::Zero(d)), hn::Lt(level, hn::Set(d, 2147483648.0)));
-            const auto pel = hn::Min(hn::IfThenElseZero(fits, level), hn::Set(d, 65535.0));
-            StorePels(d, pel, out[k] + i);
-        });
+        MixAt(d, runs, mix, i,
+              [&](std::size_t k, auto value) { StoreLevels(d, value, units[k], out[k] + i); });
     });
+}
+
+double LargestValueOf(const double* values, std::size_t count, double largest) {
+    HWY_ALIGN double lanes[kMostLanes];
+    hn::Store(hn::Set(Wide(), largest), Wide(), lanes);
+    ForEachVector(count, [&](auto d, std::size_t i) {
+        const auto value = hn::LoadU(d, values + i);
+        const auto best = hn::Load(d, lanes);
+        hn::Store(hn::IfThenElse(hn::Gt(value, best), value, best), d, lanes);
+    });
+    return *std::max_element(lanes, lanes + hn::Lanes(Wide()));
+}
+
+void StoreInUnitsOf(const double* values, std::size_t count, double unit, std::uint16_t* out) {
+    ForEachVector(count,
+                  [&](auto d, std::size_t i) { StoreLevels(d, hn::LoadU(d, values + i), unit, out + i); });
 }
 
 void AddChannelsAboveOf(const ChannelRuns& runs, const double* weights, double bound, ChannelSums* sums) {
@@ -86,6 +106,8 @@ namespace tq::kernels {
 
 HWY_EXPORT(RaiseMaximaOf);
 HWY_EXPORT(StoreMixedOf);
+HWY_EXPORT(LargestValueOf);
+HWY_EXPORT(StoreInUnitsOf);
 HWY_EXPORT(AddChannelsAboveOf);
 
 void RaiseMaxima(const ChannelRuns& runs, const ChannelMix& mix, double* maxima) {
@@ -95,6 +117,14 @@ void RaiseMaxima(const ChannelRuns& runs, const ChannelMix& mix, double* maxima)
 void StoreMixed(const ChannelRuns& runs, const ChannelMix& mix, const double* units,
                 std::uint16_t* const* out) {
     HWY_DYNAMIC_DISPATCH(StoreMixedOf)(runs, mix, units, out);
+}
+
+double LargestValue(const double* values, std::size_t count, double largest) {
+    return HWY_DYNAMIC_DISPATCH(LargestValueOf)(values, count, largest);
+}
+
+void StoreInUnits(const double* values, std::size_t count, double unit, std::uint16_t* out) {
+    HWY_DYNAMIC_DISPATCH(StoreInUnitsOf)(values, count, unit, out);
 }
 
 void AddChannelsAbove(const ChannelRuns& runs, const double* weights, double bound, ChannelSums* sums) {

@@ -82,8 +82,7 @@ HWY_INLINE void DifferencesFrom(const ChannelRows& rows, const ColourWeights& we
         const auto colour =
             hn::Mul(hn::Add(hn::Mul(dv, dv), hn::Mul(du, du)), hn::Set(d, weights.chromaticity));
         const auto light = hn::Mul(hn::Mul(dl, dl), hn::Set(d, weights.luminance));
-        const F32<decltype(d)> single;
-        hn::StoreU(hn::DemoteTo(single, hn::Sqrt(hn::Add(colour, light))), single, out + i);
+        hn::StoreU(ToSingle(d, hn::Sqrt(hn::Add(colour, light))), F32<decltype(d)>(), out + i);
     });
 }
 
@@ -117,8 +116,7 @@ void EllipseDistancesOf(const ChannelRows& rows, const ToleranceEllipse& ellipse
         const auto vv = hn::Mul(hn::Set(d, ellipse.vv), hn::Mul(dv, dv));
         const auto uv2 = hn::Mul(hn::Mul(hn::Set(d, 2.0 * ellipse.uv), du), dv);
         const auto uu = hn::Mul(hn::Set(d, ellipse.uu), hn::Mul(du, du));
-        const F32<decltype(d)> single;
-        hn::StoreU(hn::DemoteTo(single, hn::Sqrt(hn::Add(hn::Add(vv, uv2), uu))), single, out + i);
+        hn::StoreU(ToSingle(d, hn::Sqrt(hn::Add(hn::Add(vv, uv2), uu))), F32<decltype(d)>(), out + i);
     });
 }
 

@@ -57,10 +57,27 @@ HWY_INLINE hn::Vec<D> Weighted(D d, const double* weights, hn::Vec<D> a, hn::Vec
     return hn::Add(sum, hn::Mul(hn::Set(d, weights[2]), c));
 }
 
+/// In single precision; infinite beyond its range. The emulated targets would stop at the largest float,
+/// where processors do not, so they convert one by one.
+template <class D>
+HWY_INLINE hn::Vec<F32<D>> ToSingle([[maybe_unused]] D d, hn::Vec<D> value) {
+    const F32<D> single;
+#if HWY_TARGET == HWY_SCALAR || HWY_TARGET == HWY_EMU128
+    HWY_ALIGN double from[kMostLanes];
+    HWY_ALIGN float to[kMostLanes];
+    hn::Store(value, d, from);
+    for (std::size_t i = 0; i < hn::Lanes(d); ++i)
+        to[i] = static_cast<float>(from[i]);
+    return hn::Load(single, to);
+#else
+    return hn::DemoteTo(single, value);
+#endif
+}
+
 /// Through single precision.
 template <class D>
 HWY_INLINE hn::Vec<D> Rounded(D d, hn::Vec<D> value) {
-    return hn::PromoteTo(d, hn::DemoteTo(F32<D>(), value));
+    return hn::PromoteTo(d, ToSingle(d, value));
 }
 
 }  // namespace tq::kernels::HWY_NAMESPACE
