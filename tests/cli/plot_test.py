@@ -17,7 +17,7 @@ class Plot(ProgramTest):
             for col in range(columns):
                 squared = 1 + ((col - 40) / 100) ** 2 + ((row - 30) / 100) ** 2
                 lamp.append(round(20000 / squared ** 1.5))
-                ramp.append(1000 * (col + 1) // 2)
+                ramp.append(500 * col)
         for name, pels in (("lamp.pgm", lamp), ("ramp.pgm", ramp)):
             self.write(name, b"P5\n%d %d\n65535\n" % (columns, rows) + b"".join(pel.to_bytes(2, "big") for pel in pels))
 
@@ -43,7 +43,7 @@ class Plot(ProgramTest):
         for col in (0, 40, 80):
             lit = [index for index, row in enumerate(rows) if row[col]]
             self.assertEqual(len(lit), 1)
-            self.assertAlmostEqual((400 - lit[0]) * 100, 1000 * (col + 1) // 2, delta=51)
+            self.assertAlmostEqual((400 - lit[0]) * 100, 500 * col, delta=51)
 
     def test_what_cannot_be_plotted(self):
         self.refuses(USAGE, "8000", "plot", "columns", "ramp.pgm", "--size", "8001", "-o", "p.png")
