@@ -3,13 +3,14 @@
 #   make demo     measures a simulated lamp through the whole chain, next to the true values
 #   make test     builds and tests everything: Linux, sanitizers, both Windows DLLs under Wine
 #   make bench    speed, next to OpenCV
+#   make fuzz     ten minutes of hostile input for everything that reads bytes; FUZZ_SECONDS=n for another time
 #   make format   lays the sources out as .clang-format says
 #   make tidy     clang-tidy over the library and the program
 #   make clean    removes build/
 #
 # Each one first installs what a Debian 12 machine lacks for it (make setup).
 
-.PHONY: all setup release demo test bench format tidy clean
+.PHONY: all setup release demo test bench fuzz format tidy clean
 
 all: release
 
@@ -28,6 +29,10 @@ test: setup
 
 bench: release
 	build/release/bin/tqimage_bench
+
+FUZZ_SECONDS ?= 600
+fuzz: setup
+	@tools/fuzz.sh $(FUZZ_SECONDS)
 
 format: setup
 	@tools/format.sh

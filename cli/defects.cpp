@@ -1,7 +1,10 @@
+#include <CLI/CLI.hpp>
 #include <cmath>
 #include <cstdio>
 #include <limits>
+#include <memory>
 
+#include "commands.h"
 #include "defect_csv.h"
 #include "failure.h"
 #include "files.h"
@@ -14,6 +17,24 @@
 
 namespace cli {
 namespace {
+
+/// `tqimage defects` as it was typed.
+struct DefectOptions {
+    std::string image;
+    HeaderOptions header;  ///< of which only the binning counts
+    std::string headerFile;
+    std::string kind = "both";
+    std::string reference = "median";
+    std::int32_t size = 5;
+    double percent = 20.0;
+    double floorPercent = 0.0;
+    std::int32_t clearRadius = 0;
+    bool zeros = false;
+    double lineShare = 50.0;
+    std::string origin;
+    std::string output, map;
+    bool progress = false;
+};
 
 constexpr std::int32_t kAnyNumber = std::numeric_limits<std::int32_t>::min();
 
@@ -127,16 +148,7 @@ void MoveToSensor(std::vector<Defect>& list, const DefectOptions& options, const
     }
 }
 
-GreyImage MapOf(const HostImage& found) {
-    const TqImageHeader header = found.Header();
-    GreyImage map{header.PelCols, header.PelRows, 16, {}};
-    map.pels.assign(found.Row(0), found.Row(header.PelRows));
-    return map;
-}
-
-}  // namespace
-
-void RunDefects(const DefectOptions& options) {
+void Run(const DefectOptions& options) {
     CheckRanges(options);
     const Progress progress(options.progress);
     const PhotometricHeader header = FindHeader(options.image, options.headerFile, options.header);
@@ -153,7 +165,8 @@ void RunDefects(const DefectOptions& options) {
 
     progress.Stage(Format("writing %zu defects", list.size()));
     OutputFiles files;
-    if (!options.map.empty()) WriteImage(options.map, files.Add(options.map).WorkingPath(), MapOf(found));
+    if (!options.map.empty())
+        WriteImage(options.map, files.Add(options.map).WorkingPath(), ToGreyImage(found));
     const std::string text = FormatDefects(list);
     if (!options.output.empty()) files.Add(options.output).Write(text);
     files.Commit();
@@ -161,6 +174,59 @@ void RunDefects(const DefectOptions& options) {
     if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0) {
         FailFile("stdout", "cannot be written");
     }
+}
+
+}  // namespace
+
+void AddDefects(CLI::App& app) {
+    const auto typed = std::make_shared<DefectOptions>();
+    DefectOptions& options = *typed;
+    CLI::App& command = *app.add_subcommand(
+        "defects", "Find the defects of a sensor and write the list that measure --defects takes");
+    command.add_option("IMAGE", options.image, "8-bit or 16-bit grey image, evenly lit or dark")->required();
+    const char* const search = "Search";
+    command.add_option("--kind", options.kind, "dark, bright or both")->capture_default_str()->group(search);
+    command.add_option("--reference", options.reference, "mean or median of the neighbourhood")
+        ->capture_default_str()
+        ->group(search);
+    command.add_option("--size", options.size, "Side of the neighbourhood, pels")
+        ->capture_default_str()
+        ->group(search);
+    command.add_option("--percent", options.percent, "Tolerance, percent of the reference")
+        ->capture_default_str()
+        ->group(search);
+    command
+        .add_option("--floor", options.floorPercent,
+                    "Neighbours up to so many percent of the image's mean are no reference (0: none)")
+        ->group(search);
+    command
+        .add_option("--clear-radius", options.clearRadius,
+                    "Test only pels without a 0 so many pels around (0: all)")
+        ->group(search);
+    command.add_flag("--zeros", options.zeros, "Pels of 0 are defects, not pels without data")->group(search);
+
+    const char* const list = "List";
+    command
+        .add_option("--line-share", options.lineShare,
+                    "A column or row with more than so many percent of its pels defect is listed whole")
+        ->capture_default_str()
+        ->group(list);
+    command.add_option("--defect-origin", options.origin, "C[,R]: sensor position of the first pel (0,0)")
+        ->group(list);
+    command.add_option("--bin", options.header.bin, "X[,Y]: sensor pels that one pel stands for (1)")
+        ->group(list);
+    command
+        .add_option("--header", options.headerFile,
+                    "JSON file with the binning (else IMAGE.json when there is one)")
+        ->group(list);
+    const char* const output = "Output";
+    command.add_option("-o,--output", options.output, "CSV file to write (stdout)")->group(output);
+    command
+        .add_option("--map", options.map, "Image to write, .png, .tif or .pgm: the defects' values, else 0")
+        ->group(output);
+    command.add_flag("--progress", options.progress, "Tell the progress even when stderr is no terminal")
+        ->group(output);
+    command.callback([typed] { Run(*typed); });
 }
 
 }  // namespace cli

@@ -1,6 +1,10 @@
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <limits>
+#include <memory>
 
+#include "commands.h"
+#include "correction.h"
 #include "delivery.h"
 #include "expectation.h"
 #include "failure.h"
@@ -8,10 +12,25 @@
 #include "options.h"
 #include "radial_lens.h"
 #include "report.h"
-#include "tqimage/bitmap.h"
+#include "tqimage/bitmap_files.h"
 
 namespace cli {
 namespace {
+
+/// `tqimage measure` as it was typed; empty texts were not given.
+struct MeasureOptions {
+    std::string image;
+    HeaderOptions header;
+    std::string headerFile;
+    CorrectionOptions correction;
+    std::string defectWindow, defectOrigin;
+    std::vector<std::string> regions;
+    std::uint32_t angleMode = 0;
+    std::string spot;
+    std::string expect;
+    std::string json, csv, bitmap;  ///< "-" for stdout
+    bool progress = false;
+};
 
 constexpr std::int32_t kAnyNumber = std::numeric_limits<std::int32_t>::min();
 // The library's code of the false-colour palette that starts dark.
@@ -83,9 +102,7 @@ void Deliver(const MeasureOptions& options, const Report& report, HostImage& ima
     Show(shown);
 }
 
-}  // namespace
-
-void RunMeasure(const MeasureOptions& options) {
+void Run(const MeasureOptions& options) {
     CheckOutputs(options);
     const Progress progress(options.progress);
     const CorrectionOptions correction = ParseCorrection(options);
@@ -116,6 +133,43 @@ void RunMeasure(const MeasureOptions& options) {
     if (!AllWithin(report.comparisons)) {
         throw Failure(Exit::kOutsideExpectation, options.image + ": figures outside their tolerance");
     }
+}
+
+}  // namespace
+
+void AddMeasure(CLI::App& app) {
+    const auto typed = std::make_shared<MeasureOptions>();
+    MeasureOptions& options = *typed;
+    CLI::App& command = *app.add_subcommand("measure", "Measure regions of a grey PNG, TIFF or PGM image");
+    AddImage(command, options.image);
+    AddHeader(command, options.header, options.headerFile);
+
+    const char* const corrections = "Corrections, in this order";
+    command.add_option("--dark", options.correction.dark, "Image to subtract")->group(corrections);
+    command.add_option("--defects", options.correction.defects, "CSV file: type,x,y,start,end")
+        ->group(corrections);
+    command.add_option("--defect-window", options.defectWindow, "W[,H]: neighbourhood of a repair (3,3)")
+        ->group(corrections);
+    command
+        .add_option("--defect-origin", options.defectOrigin, "C[,R]: sensor position of the first pel (0,0)")
+        ->group(corrections);
+    command.add_option("--lens", options.correction.lensMap, "Distortion map file")->group(corrections);
+    command.add_option("--lens-radial", options.correction.lensRadial, kLensHelp)->group(corrections);
+
+    const char* const measuring = "Measuring";
+    AddRegions(command, options.regions);
+    command.get_option("--region")->group(measuring);
+    command.add_option("--angle-mode", options.angleMode, "0..3: the two angles of a direction (0)")
+        ->group(measuring);
+    command.add_option("--spot", options.spot, "W[,H]: spot of the brightest direction in rectangles (1,1)")
+        ->group(measuring);
+    command.add_option("--expect", options.expect, "JSON file of figures to hold the measurement against")
+        ->group(measuring);
+
+    AddReports(command, options.json, options.csv, options.progress);
+    command.add_option("--bitmap", options.bitmap, "BMP file of the corrected image in false colours")
+        ->group(kOutput);
+    command.callback([typed] { Run(*typed); });
 }
 
 }  // namespace cli

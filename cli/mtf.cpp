@@ -1,8 +1,11 @@
 #include "tqimage/mtf.h"
+#include <CLI/CLI.hpp>
+#include <memory>
 
 #include <cstdio>
 #include <vector>
 
+#include "commands.h"
 #include "failure.h"
 #include "files.h"
 #include "image_file.h"
@@ -13,6 +16,14 @@
 
 namespace cli {
 namespace {
+
+/// `tqimage mtf` as it was typed.
+struct MtfOptions {
+    std::string image;
+    std::vector<std::string> regions;
+    std::int32_t points = 51;
+    std::string json;  ///< "-" for stdout
+};
 
 /// What one edge tells.
 struct Curve {
@@ -84,9 +95,7 @@ void Show(const std::string& text) {
     }
 }
 
-}  // namespace
-
-void RunMtf(const MtfOptions& options) {
+void Run(const MtfOptions& options) {
     constexpr std::int32_t kMostPoints = 10'000;
     if (options.points < 2 || options.points > kMostPoints) {
         FailUsage(Format("--points is 2 to %d", kMostPoints));
@@ -112,6 +121,21 @@ void RunMtf(const MtfOptions& options) {
     if (!options.json.empty()) files.Add(options.json).Write(FormatCurvesJson(options.image, curves));
     files.Commit();
     Show(FormatCurves(options.image, curves));
+}
+
+}  // namespace
+
+void AddMtf(CLI::App& app) {
+    const auto typed = std::make_shared<MtfOptions>();
+    MtfOptions& options = *typed;
+    CLI::App& command = *app.add_subcommand(
+        "mtf", "Modulation transfer from the slanted edge in each region of an image (rectangles only)");
+    command.add_option("IMAGE", options.image, "8-bit or 16-bit grey PNG, TIFF or PGM image")->required();
+    AddRegions(command, options.regions);
+    command.add_option("--points", options.points, "Points of the curve from 0 to 0.5 cycles a pel")
+        ->capture_default_str();
+    command.add_flag("--json{-}", options.json, "JSON to stdout, or to FILE with --json=FILE");
+    command.callback([typed] { Run(*typed); });
 }
 
 }  // namespace cli

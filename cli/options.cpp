@@ -1,11 +1,56 @@
 #include "options.h"
 
+#include <CLI/CLI.hpp>
 #include <limits>
 
 #include "failure.h"
 #include "text.h"
 
 namespace cli {
+namespace {
+
+constexpr char kRegionHelp[] =
+    "A region, any number of times: [NAME=]rect:LEFT,TOP,RIGHT,BOTTOM (inclusive; RIGHT or BOTTOM 0 is the "
+    "last), "
+    "ellipse:COLUMN,ROW,WIDTH,HEIGHT or poly:COLUMN,ROW;COLUMN,ROW;... Default: the whole image";
+
+}  // namespace
+
+const char kLensHelp[] =
+    "k1,k2[,k3]: a corrected pel at offset v from the centre lies in the capture at v (1 + k1 q + k2 q^2 + "
+    "k3 q^3), "
+    "q = |v|^2 in units of the half diagonal sqrt(cols^2 + rows^2) / 2";
+
+void AddRegions(CLI::App& command, std::vector<std::string>& regions) {
+    // One argument each, or the image's name behind it would be taken for another region.
+    command.add_option("--region", regions, kRegionHelp)->allow_extra_args(false);
+}
+
+void AddImage(CLI::App& command, std::string& image) {
+    command.add_option("IMAGE", image, "8-bit or 16-bit grey image; its values are taken as they are")
+        ->required();
+}
+
+void AddHeader(CLI::App& command, HeaderOptions& options, std::string& headerFile) {
+    const char* const group = "Header (else from --header, else from IMAGE.json when there is one)";
+    command.add_option("--pels-per-meter", options.pelsPerMeter, "X[,Y]: pels per metre on the target")
+        ->group(group);
+    command.add_option("--center", options.center, "C,R: where the axis meets the image (the middle)")
+        ->group(group);
+    command.add_option("--lux-per-grey", options.luxPerGrey, "Illuminance of a grey level")->group(group);
+    command.add_option("--distance", options.distance, "Source to target, metres")->group(group);
+    command.add_option("--bin", options.bin, "X[,Y]: sensor pels that one pel stands for (1)")->group(group);
+    command.add_option("--header", headerFile, "JSON file with the header")->group(group);
+}
+
+const char kOutput[] = "Output (the table goes to stdout unless another form does)";
+
+void AddReports(CLI::App& command, std::string& json, std::string& csv, bool& progress) {
+    command.add_flag("--json{-}", json, "JSON to stdout, or to FILE with --json=FILE")->group(kOutput);
+    command.add_flag("--csv{-}", csv, "CSV to stdout, or to FILE with --csv=FILE")->group(kOutput);
+    command.add_flag("--progress", progress, "Tell the progress even when stderr is no terminal")
+        ->group(kOutput);
+}
 
 std::array<std::int32_t, 2> ParsePair(const char* option, const std::string& text, std::int32_t least) {
     const auto values = ParseInts(text, 1, 2);
@@ -25,6 +70,12 @@ std::vector<Region> ParseRegions(const std::vector<std::string>& arguments) {
     if (regions.empty()) regions.push_back(ParseRegion("image=rect:0,0,0,0"));
     CheckNames(regions);
     return regions;
+}
+
+Region ParseArea(const std::string& argument) {
+    Region region = ParseRegion(argument);
+    if (region.shape != Shape::kRectangle) FailUsage("--region takes a rectangle here, not " + argument);
+    return region;
 }
 
 }  // namespace cli

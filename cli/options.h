@@ -5,89 +5,32 @@
 #include <string>
 #include <vector>
 
-#include "correction.h"
 #include "photometric_header.h"
 #include "region_argument.h"
 
+namespace CLI {
+class App;
+}
+
 namespace cli {
 
-/// `tqimage measure` as it was typed; empty texts were not given.
-struct MeasureOptions {
-    std::string image;
-    HeaderOptions header;
-    std::string headerFile;
-    CorrectionOptions correction;
-    std::string defectWindow, defectOrigin;
-    std::vector<std::string> regions;
-    std::uint32_t angleMode = 0;
-    std::string spot;
-    std::string expect;
-    std::string json, csv, bitmap;  ///< "-" for stdout
-    bool progress = false;
-};
+/// --region, as often as wanted.
+void AddRegions(CLI::App& command, std::vector<std::string>& regions);
 
-/// `tqimage uniformity` as it was typed.
-struct UniformityOptions {
-    std::string image;
-    HeaderOptions header;
-    std::string headerFile;
-    std::string spot;
-    bool ellipses = false;
-    std::string region = "rect:0,0,0,0";
-    double threshold = 1.0;
-    std::string json, csv;  ///< "-" for stdout
-    bool progress = false;
-};
+/// IMAGE, the one that is measured.
+void AddImage(CLI::App& command, std::string& image);
 
-/// `tqimage defects` as it was typed.
-struct DefectOptions {
-    std::string image;
-    HeaderOptions header;  ///< of which only the binning counts
-    std::string headerFile;
-    std::string kind = "both";
-    std::string reference = "median";
-    std::int32_t size = 5;
-    double percent = 20.0;
-    double floorPercent = 0.0;
-    std::int32_t clearRadius = 0;
-    bool zeros = false;
-    double lineShare = 50.0;
-    std::string origin;
-    std::string output, map;
-    bool progress = false;
-};
+/// The photometric header, typed or in a file.
+void AddHeader(CLI::App& command, HeaderOptions& options, std::string& headerFile);
 
-/// `tqimage simulate` as it was typed.
-struct SimulateOptions {
-    std::string output;
-    std::string size = "1600,1200";
-    std::string pelsPerMeter = "1000";
-    std::string center;
-    double distance = 3.0;
-    double candela = 1000.0;
-    double exponent = 2.0;
-    std::string tilt = "0,0";
-    double luxPerGrey = 0.0;
-    double darkLevel = 200.0;
-    double electronsPerGrey = 1.0;
-    double readNoise = 2.0;
-    std::int32_t darkFrames = 16;
-    std::int32_t hotPixels = 0;
-    std::int32_t deadColumns = 0;
-    std::string lensRadial;
-    std::uint64_t seed = 1;
-    std::vector<std::string> regions;
-    std::string spot;
-    bool progress = false;
-};
+/// --json, --csv and --progress.
+void AddReports(CLI::App& command, std::string& json, std::string& csv, bool& progress);
 
-/// `tqimage mtf` as it was typed.
-struct MtfOptions {
-    std::string image;
-    std::vector<std::string> regions;
-    std::int32_t points = 51;
-    std::string json;  ///< "-" for stdout
-};
+/// What --lens-radial takes.
+extern const char kLensHelp[];
+
+/// The group of the options that say where results go.
+extern const char kOutput[];
 
 /// One or two whole numbers, the one standing for both, none below least; anything else is a usage error.
 std::array<std::int32_t, 2> ParsePair(const char* option, const std::string& text, std::int32_t least);
@@ -95,10 +38,7 @@ std::array<std::int32_t, 2> ParsePair(const char* option, const std::string& tex
 /// The regions as typed; the whole image when there are none.
 std::vector<Region> ParseRegions(const std::vector<std::string>& arguments);
 
-void RunDefects(const DefectOptions& options);
-void RunMeasure(const MeasureOptions& options);
-void RunUniformity(const UniformityOptions& options);
-void RunSimulate(const SimulateOptions& options);
-void RunMtf(const MtfOptions& options);
+/// The value of a --region that can only be a rectangle.
+Region ParseArea(const std::string& argument);
 
 }  // namespace cli

@@ -1,12 +1,16 @@
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cmath>
+#include <memory>
 #include <numbers>
 
+#include "commands.h"
 #include "failure.h"
 #include "files.h"
 #include "json_file.h"
 #include "lens_map.h"
 #include "options.h"
+#include "progress.h"
 #include "scene.h"
 #include "sensor.h"
 #include "text.h"
@@ -14,6 +18,30 @@
 
 namespace cli {
 namespace {
+
+/// `tqimage simulate` as it was typed.
+struct SimulateOptions {
+    std::string output;
+    std::string size = "1600,1200";
+    std::string pelsPerMeter = "1000";
+    std::string center;
+    double distance = 3.0;
+    double candela = 1000.0;
+    double exponent = 2.0;
+    std::string tilt = "0,0";
+    double luxPerGrey = 0.0;
+    double darkLevel = 200.0;
+    double electronsPerGrey = 1.0;
+    double readNoise = 2.0;
+    std::int32_t darkFrames = 16;
+    std::int32_t hotPixels = 0;
+    std::int32_t deadColumns = 0;
+    std::string lensRadial;
+    std::uint64_t seed = 1;
+    std::vector<std::string> regions;
+    std::string spot;
+    bool progress = false;
+};
 
 constexpr double kRadians = std::numbers::pi / 180.0;
 
@@ -125,9 +153,7 @@ std::string Beside(const std::string& output, const std::string& what) {
     return output.substr(0, output.find_last_of('.')) + "." + what;
 }
 
-}  // namespace
-
-void RunSimulate(const SimulateOptions& options) {
+void Run(const SimulateOptions& options) {
     CheckImageName(options.output);
     const Progress progress(options.progress);
     PhotometricHeader header;
@@ -159,6 +185,71 @@ void RunSimulate(const SimulateOptions& options) {
     }
     files.Add(Beside(options.output, "truth.json")).Write(truth);
     files.Commit();
+}
+
+}  // namespace
+
+void AddSimulate(CLI::App& app) {
+    const auto typed = std::make_shared<SimulateOptions>();
+    SimulateOptions& options = *typed;
+    CLI::App& command = *app.add_subcommand(
+        "simulate", "Render the capture of a known lamp, with the files to measure it and the true figures");
+    command
+        .add_option("-o,--output", options.output,
+                    "Image to write: .png, .tif or .pgm; the others go beside it")
+        ->required();
+    const char* const scene = "Scene";
+    command.add_option("--size", options.size, "COLUMNS[,ROWS]")->capture_default_str()->group(scene);
+    command.add_option("--pels-per-meter", options.pelsPerMeter, "X[,Y] on the target")
+        ->capture_default_str()
+        ->group(scene);
+    command.add_option("--center", options.center, "C,R: where the axis meets the image (the middle)")
+        ->group(scene);
+    command.add_option("--distance", options.distance, "Lamp to target, metres")
+        ->capture_default_str()
+        ->group(scene);
+    command.add_option("--candela", options.candela, "Intensity along the lamp's axis")
+        ->capture_default_str()
+        ->group(scene);
+    command.add_option("--exponent", options.exponent, "n of cos^n, the lamp's distribution")
+        ->capture_default_str()
+        ->group(scene);
+    command.add_option("--tilt", options.tilt, "RIGHT,UP: the lamp's axis, degrees")
+        ->capture_default_str()
+        ->group(scene);
+
+    const char* const camera = "Camera";
+    command.add_option("--lux-per-grey", options.luxPerGrey, "(default: fills three quarters of the range)")
+        ->group(camera);
+    command.add_option("--dark-level", options.darkLevel, "Grey without light")
+        ->capture_default_str()
+        ->group(camera);
+    command.add_option("--electrons-per-grey", options.electronsPerGrey, "Sets the shot noise")
+        ->capture_default_str()
+        ->group(camera);
+    command.add_option("--read-noise", options.readNoise, "Standard deviation, grey")
+        ->capture_default_str()
+        ->group(camera);
+    command.add_option("--dark-frames", options.darkFrames, "Exposures averaged in the dark image")
+        ->capture_default_str()
+        ->group(camera);
+    command.add_option("--hot-pixels", options.hotPixels, "Pels stuck at full scale")
+        ->capture_default_str()
+        ->group(camera);
+    command.add_option("--dead-columns", options.deadColumns, "Columns stuck at 0")
+        ->capture_default_str()
+        ->group(camera);
+    command.add_option("--lens-radial", options.lensRadial, kLensHelp)->group(camera);
+    command.add_option("--seed", options.seed, "Of noise and defects")->capture_default_str()->group(camera);
+
+    const char* const truth = "True figures";
+    AddRegions(command, options.regions);
+    command.get_option("--region")->group(truth);
+    command
+        .add_option("--spot", options.spot, "W[,H]: spot the brightest direction will be measured with (1,1)")
+        ->group(truth);
+    command.add_flag("--progress", options.progress, "Tell the progress even when stderr is no terminal");
+    command.callback([typed] { Run(*typed); });
 }
 
 }  // namespace cli

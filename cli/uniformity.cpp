@@ -1,8 +1,11 @@
 #include "tqimage/uniformity.h"
+#include <CLI/CLI.hpp>
+#include <memory>
 
 #include <algorithm>
 #include <cmath>
 
+#include "commands.h"
 #include "delivery.h"
 #include "failure.h"
 #include "library.h"
@@ -16,6 +19,19 @@
 
 namespace cli {
 namespace {
+
+/// `tqimage uniformity` as it was typed.
+struct UniformityOptions {
+    std::string image;
+    HeaderOptions header;
+    std::string headerFile;
+    std::string spot;
+    bool ellipses = false;
+    std::string region = "rect:0,0,0,0";
+    double threshold = 1.0;
+    std::string json, csv;  ///< "-" for stdout
+    bool progress = false;
+};
 
 struct PlannedPoint {
     const char* name;
@@ -141,15 +157,7 @@ class Uniformity {
     double mean_ = 0.0;
 };
 
-Region ParseArea(const std::string& argument) {
-    Region region = ParseRegion(argument);
-    if (region.shape != Shape::kRectangle) FailUsage("--region takes a rectangle here, not " + argument);
-    return region;
-}
-
-}  // namespace
-
-void RunUniformity(const UniformityOptions& options) {
+void Run(const UniformityOptions& options) {
     const Destinations destinations{options.json, options.csv};
     CheckDestinations(destinations);
     // The range that a deviation from the mean can have in a mura image: 32000 grey levels down.
@@ -188,6 +196,34 @@ void RunUniformity(const UniformityOptions& options) {
         {FormatUniformityTable(report), FormatUniformityJson(report), FormatUniformityCsv(report)}, files);
     files.Commit();
     Show(shown);
+}
+
+}  // namespace
+
+void AddUniformity(CLI::App& app) {
+    const auto typed = std::make_shared<UniformityOptions>();
+    UniformityOptions& options = *typed;
+    CLI::App& command = *app.add_subcommand(
+        "uniformity", "Rate the uniformity of a display or projector that shows a white field");
+    AddImage(command, options.image);
+    AddHeader(command, options.header, options.headerFile);
+    const char* const measuring = "Measuring";
+    command
+        .add_option("--spot", options.spot, "W[,H]: size of the thirteen spots (a twentieth of the image)")
+        ->group(measuring);
+    command.add_flag("--ellipses", options.ellipses, "Elliptical spots instead of rectangles")
+        ->group(measuring);
+    command
+        .add_option("--region", options.region,
+                    "rect:LEFT,TOP,RIGHT,BOTTOM: the active area, where mura is searched (the whole image)")
+        ->group(measuring);
+    command
+        .add_option("--mura-threshold", options.threshold,
+                    "Smallest deviation of a blemish from the mean, percent")
+        ->capture_default_str()
+        ->group(measuring);
+    AddReports(command, options.json, options.csv, options.progress);
+    command.callback([typed] { Run(*typed); });
 }
 
 }  // namespace cli

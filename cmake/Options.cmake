@@ -1,6 +1,7 @@
 include(GNUInstallDirs)
 
 option(TQIMAGE_TESTS "Build the tests" ON)
+option(TQIMAGE_FUZZ "Build the fuzz targets and nothing else; needs clang" OFF)
 set(TQIMAGE_BENCH OFF CACHE STRING "Build the benchmarks: ON, OFF, or AUTO (when their libraries are found)")
 
 # Whoever builds two work trees of this repository gets the second one from the cache: paths below the
@@ -29,6 +30,9 @@ if(CMAKE_BUILD_TYPE STREQUAL "Sanitize")
     add_compile_options(${sanitizers} -fno-sanitize-recover=all)
     add_link_options(${sanitizers})
 endif()
+if(TQIMAGE_FUZZ)
+    add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
 
 # Properties of everything compiled here (GoogleTest excluded). Contraction stays off so that an FMA target
 # gives the same bits as SSE2. -Wno-psabi: the remark about passing AVX vectors concerns code that meets
@@ -36,4 +40,6 @@ endif()
 add_library(tqimage_flags INTERFACE)
 target_compile_options(tqimage_flags INTERFACE
     -Wall -Wextra -Wconversion -Wshadow -Werror -Wno-psabi -Wno-restrict
-    -ffp-contract=off -fno-math-errno)
+    -ffp-contract=off -fno-math-errno
+    # Warnings of GCC that clang does not know.
+    $<$<CXX_COMPILER_ID:Clang>:-Wno-unknown-warning-option>)

@@ -5,14 +5,14 @@ set -euo pipefail
 
 packages=(
     # native build, checks
-    cmake ninja-build g++ binutils make git ccache python3
-    clang clang-format clang-tidy
+    cmake ninja-build g++ binutils make git ccache python3 pkgconf
+    clang clang-format clang-tidy libclang-rt-14-dev
     # the library, the program, tests, benchmarks
-    libhwy-dev zlib1g-dev googletest
+    libhwy-dev zlib1g-dev libjpeg62-turbo-dev libeigen3-dev googletest
     libpng-dev libtiff-dev nlohmann-json3-dev libcli11-dev
     libbenchmark-dev libopencv-core-dev libopencv-imgproc-dev
-    # Windows: compilers, zlib, Highway's source package, and Wine to run the tests
-    g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix libz-mingw-w64-dev
+    # Windows: compilers, zlib, source packages and an assembler for the other libraries, Wine to run the tests
+    g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix libz-mingw-w64-dev nasm
     dpkg-dev ca-certificates
     wine wine64 wine32:i386 xvfb xauth
 )
@@ -49,8 +49,10 @@ add_sources() {
 }
 
 mapfile -t wanted < <(missing)
-highway_built=$(dirname "$0")/../build/deps
-if [ ${#wanted[@]} = 0 ] && { has_sources || [ -e "$highway_built/win32/.done" ]; }; then
+# Once the sources of the libraries for Windows are here, no index of source packages is asked for any more.
+sources=$(dirname "$0")/../build/deps/source
+have_sources() { [ -n "$(find "$sources" -maxdepth 1 -name 'libjpeg-turbo-*' -type d 2>/dev/null)" ]; }
+if [ ${#wanted[@]} = 0 ] && { has_sources || have_sources; }; then
     exit 0
 fi
 

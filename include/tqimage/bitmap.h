@@ -1,5 +1,5 @@
 /** @file bitmap.h
- *  Images as 8-bit bitmaps for the screen and as BMP files.
+ *  Images as 8-bit bitmaps for the screen, and back.
  */
 #ifndef TQIMAGE_BITMAP_H
 #define TQIMAGE_BITMAP_H
@@ -66,6 +66,79 @@ TQ_API int32_t TQ_CALL tqImageToLeadBmp(TqLeadBitmap* bitmap, double* scale, TqI
                                         double gamma);
 
 /**
+ * @brief Converts an image into an 8-bit bitmap, with the host's own palette if it likes.
+ *
+ * As tqImageToLeadBmp, with one more palette code: -2 takes the palette from a text of 256 groups of 16
+ * characters. A group has four fields of four characters, red, green, blue and the fourth byte; the first
+ * three characters of a field are a decimal number (blanks before it are skipped, the first other character
+ * ends it), taken modulo 256. A text that ends early ends the palette with zeros.
+ *
+ * @param[out] bitmap     Receives the bitmap; what it held is overwritten, not freed. Untouched when the
+ *                        function fails.
+ * @param[out] scale      Receives 255 / MaxPelValue.
+ * @param[in,out] image   Image to show. A MaxPelValue of 0 or below becomes 255 in its header.
+ * @param[in] paletteText Text of the palette; used with palette code -2 only.
+ * @param[in] palette     Palette code.
+ * @param[in] gamma       Exponent of the tone curve; 1 for a screen, negative for a linear curve.
+ * @return 0; -100 image is null or invalid, or paletteText is null with code -2; no bitmap: -2 with palette
+ * 0, -3 with any other.
+ * @par Ownership
+ * The host owns the bitmap and releases it with tqFreeLeadBmp.
+ * @par Memory
+ * The bitmap and a table of up to 65536 bytes.
+ */
+TQ_API int32_t TQ_CALL tqImageToLeadBmp0(TqLeadBitmap* bitmap, double* scale, TqImage* image,
+                                         const char* paletteText, int32_t palette, double gamma);
+
+/**
+ * @brief Converts an image into an 8-bit bitmap, stretched between two grey levels.
+ *
+ * With a gamma of 0 or above, pel / high goes through the tone curve of tqImageToLeadBmp. With a negative
+ * gamma the levels are spread: 1 + 254 (pel - low) / (high - low), or 1 + 254 ln(pel / low) / ln(high / low)
+ * in the logarithmic form. Results are limited to 1..255 and truncated; only a pel of 0 gives byte 0, so that
+ * missing data stays apart from dark. Where high equals low, brighter pels give 255, others 1.
+ *
+ * @param[out] bitmap     Receives the bitmap; what it held is overwritten, not freed. Untouched when the
+ *                        function fails.
+ * @param[out] scale      Receives 255 / MaxPelValue.
+ * @param[in,out] image   Image to show. A MaxPelValue of 0 or below becomes 255 in its header.
+ * @param[in] paletteText Text of the palette, as for tqImageToLeadBmp0; used with palette code -2 only.
+ * @param[in] palette     Palette code.
+ * @param[in] low         Grey level of byte 1. The logarithmic form takes values below 1 as 1.
+ * @param[in] high        Grey level of byte 255; 0 means MaxPelValue truncated, at least 1. The logarithmic
+ *                        form takes values below 1 as 1.
+ * @param[in] logarithmic Non-zero for the logarithmic form.
+ * @param[in] gamma       Exponent of the tone curve; negative for the stretch.
+ * @return 0; -100 image is null or invalid, or paletteText is null with code -2; no bitmap: -2 with palette
+ * 0, -3 with any other.
+ * @par Ownership
+ * The host owns the bitmap and releases it with tqFreeLeadBmp.
+ * @par Memory
+ * The bitmap and a table of up to 65536 bytes.
+ */
+TQ_API int32_t TQ_CALL tqImageToLeadBmpScale(TqLeadBitmap* bitmap, double* scale, TqImage* image,
+                                             const char* paletteText, int32_t palette, int32_t low,
+                                             int32_t high, int32_t logarithmic, double gamma);
+
+/**
+ * @brief Takes the bytes of a bitmap as the pels of a new image.
+ *
+ * The image's first row is the bitmap's top one, which is the last stored row when viewPerspective is 2. The
+ * header tells 1 pel a metre, 1 lux a grey level, 1 metre from the source, the largest pel (at least 1), and
+ * 0 for the rest.
+ *
+ * @param[in] bitmap The bitmap, by value. Of a row of colours the first `width` bytes become pels.
+ * @param[out] image Receives the image; the block it held is freed. Untouched when the function fails.
+ * @return 0; -1 the bitmap's rows cannot be read (no rows, a size below 1, a depth other than 8 or 24, lines
+ *         that are too short), no memory, or image is null.
+ * @par Ownership
+ * The host owns the image and releases it with tqImageFree; the bitmap stays the host's.
+ * @par Memory
+ * The image.
+ */
+TQ_API int32_t TQ_CALL tqLeadBmpToImage(TqLeadBitmap bitmap, TqImage** image);
+
+/**
  * @brief Releases a bitmap's palette and rows and clears the record.
  *
  * @param[in,out] bitmap Bitmap made by the library, or a record of zeros, or null: nothing happens then.
@@ -74,22 +147,6 @@ TQ_API int32_t TQ_CALL tqImageToLeadBmp(TqLeadBitmap* bitmap, double* scale, TqI
  * The record itself stays the host's and may be used again.
  */
 TQ_API int32_t TQ_CALL tqFreeLeadBmp(TqLeadBitmap* bitmap);
-
-/**
- * @brief Writes an image as an 8-bit Windows BMP file.
- *
- * The bytes are those of tqImageToLeadBmp with a gamma of 1. A bitmap without a palette (code 0) is written
- * with a grey ramp as its colour table.
- *
- * @param[in] fileName  Name of the file, created or replaced.
- * @param[in,out] image Image to write. A MaxPelValue of 0 or below becomes 255 in its header.
- * @param[in] palette   Palette code, as for tqImageToLeadBmp.
- * @return 0; -2 image is null or invalid, or no memory; -3 fileName is null or the file cannot be written.
- * @par Memory
- * The bitmap.
- * @note A file that cannot be written completely is removed.
- */
-TQ_API int32_t TQ_CALL tqImageToDiskBmp(const char* fileName, TqImage* image, int32_t palette);
 
 #ifdef __cplusplus
 } /* extern "C" */

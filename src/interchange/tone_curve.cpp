@@ -9,43 +9,46 @@
 namespace tq {
 namespace {
 
-// The encoding of IEC 61966-2-1. Its exponent 1/2.4 is 0.4166 here: the bitmaps that hosts compare with were
-// made so, and 1/2.4 gives other bytes.
+// The encoding of IEC 61966-2-1. Its exponent 1/2.4 is 0.4166 here (kToneExponent): the bitmaps that hosts
+// compare with were made so, and 1/2.4 gives other bytes.
 constexpr double kLinearLimit = 0.0031308;
 constexpr double kLinearSlope = 12.92;
 constexpr double kGain = 1.055;
 constexpr double kOffset = 0.055;
-constexpr double kExponent = 0.4166;
 
 constexpr double kLargestByte = 255.0;
 
-/// Twelve orders of magnitude above the error of any C library's pow at this scale, and so narrow that hardly
-/// a level in a million falls inside.
+/// A stretch has this many steps above its byte 1.
+constexpr double kStretchSteps = 254.0;
+
+/// Twelve orders of magnitude above the error of any C library's pow or log at this scale, and so narrow that
+/// hardly a level in a million falls inside.
 constexpr double kDoubt = 1e-6;
 
-double EncodedByte(double power) noexcept {
-    return (kGain * power - kOffset) * kLargestByte;
-}
-
-/// 255 times the encoded value. The C libraries' pow differs from platform to platform in the last place;
-/// that can change a truncated byte only next to a whole number, so only there is the slow, exact one asked.
-double ScaledTone(double value, double exponent) {
+template <class Power>
+double Encoded(double value, double exponent, Power&& power) {
     if (!(value > kLinearLimit)) return kLinearSlope * value * kLargestByte;
-    const double scaled = EncodedByte(std::pow(value, exponent));
-    const bool doubtful =
-        std::fabs(scaled - std::nearbyint(scaled)) <= kDoubt && scaled <= kLargestByte + 1.0;
-    return doubtful ? EncodedByte(portable::Pow(value, exponent)) : scaled;
+    return (kGain * power(value, exponent) - kOffset) * kLargestByte;
 }
 
-std::uint8_t ToByte(double scaled) noexcept {
-    return static_cast<std::uint8_t>(std::clamp(TruncToInt32(std::min(scaled, kLargestByte)), 0, 255));
+/// The C libraries differ from platform to platform in the last place; that can change a truncated byte only
+/// next to a whole number, so only there is the slow, exact function asked.
+double ScaledTone(double value, double exponent) {
+    const double scaled = RoughTone(value, exponent);
+    return value > kLinearLimit && IsDoubtful(scaled) ? ExactTone(value, exponent) : scaled;
 }
 
-/// Fills what lies between two pels whose bytes are known. On the curve a brighter pel never gets a smaller
-/// byte (its power and every rounding rise with it), so between equal ends there is nothing to ask: a few
-/// thousand powers make a table of 65536.
+double ScaledLog(double value, double range) {
+    const double rough = 1.0 + kStretchSteps * (std::log(value) / std::log(range));
+    return IsDoubtful(rough) ? 1.0 + kStretchSteps * (portable::Log(value) / portable::Log(range)) : rough;
+}
+
+/// Fills what lies between two pels whose bytes are known. A brighter pel never gets a smaller byte, or never
+/// a larger one (the logarithm, the power and every rounding go one way), so between equal ends there is
+/// nothing to ask: a few thousand powers make a table of 65536.
 template <class ByteAt>
-void FillRising(std::vector<std::uint8_t>& table, std::size_t first, std::size_t last, const ByteAt& byteAt) {
+void FillMonotone(std::vector<std::uint8_t>& table, std::size_t first, std::size_t last,
+                  const ByteAt& byteAt) {
     if (last - first < 2) return;
     if (table[first] == table[last]) {
         std::fill(table.begin() + static_cast<std::ptrdiff_t>(first + 1),
@@ -54,32 +57,78 @@ void FillRising(std::vector<std::uint8_t>& table, std::size_t first, std::size_t
     }
     const std::size_t middle = first + (last - first) / 2;
     table[middle] = byteAt(middle);
-    FillRising(table, first, middle, byteAt);
-    FillRising(table, middle, last, byteAt);
+    FillMonotone(table, first, middle, byteAt);
+    FillMonotone(table, middle, last, byteAt);
+}
+
+/// The bytes of all pels from `first` on, the earlier ones being there already.
+template <class ByteAt>
+void FillFrom(std::vector<std::uint8_t>& table, std::size_t first, const ByteAt& byteAt) {
+    const std::size_t last = table.size() - 1;
+    if (first > last) return;
+    table[first] = byteAt(first);
+    table[last] = byteAt(last);
+    FillMonotone(table, first, last, byteAt);
+}
+
+std::vector<std::uint8_t> EmptyTable(Pel largest) {
+    return std::vector<std::uint8_t>(static_cast<std::size_t>(largest) + 1);
+}
+
+/// What a level becomes between 1 and 255 before it is limited to them.
+double Stretched(std::size_t pel, const Stretch& stretch) {
+    const auto level = static_cast<double>(pel);
+    // A stretch without extent parts what is brighter from the rest.
+    if (stretch.high == stretch.low) return level > stretch.low ? kLargestByte : 1.0;
+    if (stretch.logarithmic) {
+        return ScaledLog(level / stretch.low, static_cast<double>(stretch.high) / stretch.low);
+    }
+    return 1.0 + (level - stretch.low) * kStretchSteps / (static_cast<double>(stretch.high) - stretch.low);
 }
 
 }  // namespace
 
-std::vector<std::uint8_t> MakeToneTable(double gamma, double fullScale, Pel largest) {
-    std::vector<std::uint8_t> table(static_cast<std::size_t>(largest) + 1);
-    const std::size_t last = table.size() - 1;
-    const auto valueOf = [&](std::size_t pel) { return static_cast<double>(pel) / fullScale; };
+double RoughTone(double value, double exponent) noexcept {
+    return Encoded(value, exponent, [](double base, double power) { return std::pow(base, power); });
+}
+
+double ExactTone(double value, double exponent) {
+    return Encoded(value, exponent, portable::Pow);
+}
+
+bool IsDoubtful(double scaled) noexcept {
+    return std::fabs(scaled - std::nearbyint(scaled)) <= kDoubt && scaled <= kLargestByte + 1.0;
+}
+
+std::uint8_t ToneByte(double scaled) noexcept {
+    return static_cast<std::uint8_t>(std::clamp(TruncToInt32(std::min(scaled, kLargestByte)), 0, 255));
+}
+
+std::vector<std::uint8_t> MakeToneTable(double gamma, double fullScale, Pel largest, double gain) {
+    std::vector<std::uint8_t> table = EmptyTable(largest);
+    const auto valueOf = [&](std::size_t pel) { return static_cast<double>(pel) * gain / fullScale; };
     if (!(gamma >= 0.0)) {
-        for (std::size_t pel = 0; pel <= last; ++pel)
-            table[pel] = ToByte(valueOf(pel) * kLargestByte);
+        FillFrom(table, 0, [&](std::size_t pel) { return ToneByte(valueOf(pel) * kLargestByte); });
         return table;
     }
-    const double exponent = (gamma == 0.0 ? 1.0 : gamma) * kExponent;
-    const auto byteAt = [&](std::size_t pel) { return ToByte(ScaledTone(valueOf(pel), exponent)); };
+    const double exponent = (gamma == 0.0 ? 1.0 : gamma) * kToneExponent;
+    const auto byteAt = [&](std::size_t pel) { return ToneByte(ScaledTone(valueOf(pel), exponent)); };
     // The straight part pel by pel: where the curve takes over, the byte may fall.
     std::size_t first = 0;
-    while (first < last && !(valueOf(first) > kLinearLimit)) {
+    for (; first < table.size() && !(valueOf(first) > kLinearLimit); ++first)
         table[first] = byteAt(first);
-        ++first;
-    }
-    table[first] = byteAt(first);
-    table[last] = byteAt(last);
-    FillRising(table, first, last, byteAt);
+    FillFrom(table, first, byteAt);
+    return table;
+}
+
+std::vector<std::uint8_t> MakeStretchTable(double gamma, const Stretch& stretch, Pel largest) {
+    const bool curved = gamma >= 0.0;
+    std::vector<std::uint8_t> table =
+        curved ? MakeToneTable(gamma, stretch.high, largest) : EmptyTable(largest);
+    if (!curved) FillFrom(table, 1, [&](std::size_t pel) { return ToneByte(Stretched(pel, stretch)); });
+    table[0] = 0;
+    for (std::size_t pel = 1; pel < table.size(); ++pel)
+        table[pel] = std::max(table[pel], std::uint8_t{1});
     return table;
 }
 

@@ -4,11 +4,44 @@
 #include <vector>
 
 #include "core/numerics.h"
+#include "tqimage/base.h"
 
 namespace tq {
 
-/// The displayed byte of every pel from 0 to `largest` at this full scale. A gamma of 0 counts as 1, a
-/// negative one leaves the grey levels linear.
-std::vector<std::uint8_t> MakeToneTable(double gamma, double fullScale, Pel largest);
+/// The largest displayed byte.
+inline constexpr float kByteScale = 255.0f;
+
+/// An image that tells no scale is shown as if it were one of bytes, and says so from then on: a host that
+/// converts it twice must see the same picture.
+inline void EnsureScale(TqImageHeader& header) noexcept {
+    if (header.MaxPelValue <= 0.0f) header.MaxPelValue = kByteScale;
+}
+
+/// The displayed byte of every pel from 0 to `largest`, times `gain`, at this full scale. A gamma of 0 counts
+/// as 1, a negative one leaves the grey levels linear.
+std::vector<std::uint8_t> MakeToneTable(double gamma, double fullScale, Pel largest, double gain = 1.0);
+
+/// The grey levels between which a host stretches an image.
+struct Stretch {
+    std::int32_t low;
+    std::int32_t high;  ///< not 0
+    bool logarithmic;
+};
+
+/// As MakeToneTable, stretched: a gamma of 0 or above shows `high` as full scale, a negative one spreads what
+/// lies between the two levels. Only a pel of 0 gets byte 0, so that missing data stays apart from dark.
+std::vector<std::uint8_t> MakeStretchTable(double gamma, const Stretch& stretch, Pel largest);
+
+/// The encoding of MakeToneTable for single values: 255 times the encoded value, not yet truncated. The
+/// rough form may differ from platform to platform in the last places.
+double RoughTone(double value, double exponent) noexcept;
+double ExactTone(double value, double exponent);
+/// True when a rough result lies so close to a whole number that truncating it may give another byte.
+bool IsDoubtful(double scaled) noexcept;
+/// Truncated and limited to 0..255.
+std::uint8_t ToneByte(double scaled) noexcept;
+
+/// The exponent of the encoding at gamma 1.
+inline constexpr double kToneExponent = 0.4166;
 
 }  // namespace tq

@@ -156,5 +156,25 @@ void LookUp(const Pel* pels, const Pel* table, Pel* out, std::size_t count) {
         out[i] = table[pels[i]];
 }
 
+// Eight bytes go out as one word.
+void LookUp(const Pel* pels, const std::uint8_t* table, std::uint8_t* out, std::size_t count) {
+    std::size_t i = 0;
+    for (; i + 8 <= count; i += 8) {
+        std::uint64_t found = 0;
+        for (std::size_t k = 0; k < 8; k += 4) {
+            std::uint64_t four;
+            std::memcpy(&four, pels + i + k, sizeof four);
+            const std::uint32_t bytes = static_cast<std::uint32_t>(table[four & 0xFFFF]) |
+                                        static_cast<std::uint32_t>(table[four >> 16 & 0xFFFF]) << 8 |
+                                        static_cast<std::uint32_t>(table[four >> 32 & 0xFFFF]) << 16 |
+                                        static_cast<std::uint32_t>(table[four >> 48]) << 24;
+            found |= std::uint64_t{bytes} << (8 * k);
+        }
+        std::memcpy(out + i, &found, sizeof found);
+    }
+    for (; i < count; ++i)
+        out[i] = table[pels[i]];
+}
+
 }  // namespace tq::kernels
 #endif

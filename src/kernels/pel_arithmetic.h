@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 #include "core/numerics.h"
 
@@ -38,5 +39,8 @@ void ClearWhereSet(const Pel* pels, const Pel* mask, Pel* out, std::size_t count
 
 /// out[i] = table[pels[i]]; the table has 65536 entries.
 void LookUp(const Pel* pels, const Pel* table, Pel* out, std::size_t count);
+
+/// The same into bytes; the table has an entry for every pel that occurs.
+void LookUp(const Pel* pels, const std::uint8_t* table, std::uint8_t* out, std::size_t count);
 
 }  // namespace tq::kernels

@@ -11,7 +11,7 @@
 #include "failing_allocator.h"
 #include "images.h"
 #include "temp_file.h"
-#include "tqimage/bitmap.h"
+#include "tqimage/bitmap_files.h"
 
 #if defined(__unix__)
 #include <sys/stat.h>
