@@ -5,6 +5,7 @@
 #include <memory>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "contest.h"
@@ -134,13 +135,21 @@ void Prepare(Scratch& s) {
     s.Prepare();
 }
 
+/// We make a new image, so the peer makes one too; "_reused" is the peer that writes into memory it has
+/// already.
 void Add(const std::string& name, Step ours, Step peer, std::int32_t largestSide = 8000,
          Step prepare = Prepare) {
-    const auto with = [](Step step) {
-        return step == nullptr ? std::function<void(const NoiseImage&)>()
-                               : [=](const NoiseImage& image) { step(Scratch::Of(image)); };
+    const auto with = [](auto step) { return [=](const NoiseImage& image) { step(Scratch::Of(image)); }; };
+    if (peer == nullptr) {
+        Register({"geometry/" + name, with(ours), {}, false, with(prepare), largestSide});
+        return;
+    }
+    const auto anew = [=](Scratch& s) {
+        const cv::Mat replaced = std::exchange(s.result, cv::Mat());
+        peer(s);
     };
-    Register({"geometry/" + name, with(ours), with(peer), false, with(prepare), largestSide});
+    Register({"geometry/" + name, with(ours), with(anew), false, with(prepare), largestSide});
+    Register({"geometry/" + name + "_reused", with(ours), with(peer), false, with(prepare), largestSide});
 }
 
 void RegisterTurns() {
