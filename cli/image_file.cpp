@@ -15,10 +15,7 @@ namespace {
 using Writer = void (*)(const std::string&, const std::string&, const GreyImage&);
 
 Writer FindWriter(const std::string& name) {
-    const std::size_t dot = name.find_last_of("./");
-    std::string extension = dot == std::string::npos ? "" : name.substr(dot);
-    std::transform(extension.begin(), extension.end(), extension.begin(),
-                   [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
+    const std::string extension = Extension(name);
     if (extension == ".png") return WritePng;
     if (extension == ".tif" || extension == ".tiff") return WriteTiff;
     if (extension == ".pgm") return WritePgm;
@@ -26,6 +23,14 @@ Writer FindWriter(const std::string& name) {
 }
 
 }  // namespace
+
+std::string Extension(const std::string& name) {
+    const std::size_t dot = name.find_last_of("./");
+    std::string extension = dot == std::string::npos ? "" : name.substr(dot);
+    std::transform(extension.begin(), extension.end(), extension.begin(),
+                   [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
+    return extension;
+}
 
 GreyImage ReadImage(const std::string& path) {
     std::FILE* const file = std::fopen(path.c_str(), "rb");

@@ -21,6 +21,9 @@ struct GreyImage {
 /// The longest side of an image that the library takes.
 inline constexpr std::int64_t kLargestSide = 8000;
 
+/// From the last dot of the name on, in small letters.
+std::string Extension(const std::string& name);
+
 /// Reads a PNG, TIFF or PGM file, told apart by its first bytes.
 GreyImage ReadImage(const std::string& path);
 
