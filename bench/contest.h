@@ -38,8 +38,10 @@ std::uint64_t ReadEveryPel(const NoiseImage& image);
 struct Contest {
     std::string name;
     std::function<void(const NoiseImage&)> ours;
-    std::function<void(const NoiseImage&)> peer;  ///< may be empty
-    bool streams = false;                         ///< compare with ReadEveryPel as well
+    std::function<void(const NoiseImage&)> peer;          ///< may be empty
+    bool streams = false;                                 ///< compare with ReadEveryPel as well
+    std::function<void(const NoiseImage&)> prepare = {};  ///< before every turn of either side, not timed
+    std::int32_t largestSide = 8000;                      ///< images with a longer side are left out
 };
 
 /// Registers the contest for 1000 x 750, 4000 x 3000 and 8000 x 8000 pels. Counters: ours_ms, peer_ms,

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <map>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "contest.h"
@@ -14,8 +15,8 @@
 namespace tqbench {
 namespace {
 
-/// Images that a contest may write. Functions that replace an image get the block they returned last time, so
-/// that neither side pays for fresh pages that the other has already.
+/// Images that a contest may write. Functions that make a new image get the block they returned last time as
+/// the one to replace.
 struct Scratch {
     explicit Scratch(const NoiseImage& image) : from(image) {
         tqGlobalCopy(&target, image.Get());
@@ -57,10 +58,22 @@ struct Scratch {
 
 using Step = void (*)(Scratch&);
 
-/// Each operation against the peer and, under its name with "_copy", against copying as many images.
-void Add(const std::string& name, Step ours, Step peer, Step copy) {
-    const auto with = [](Step step) { return [=](const NoiseImage& image) { step(Scratch::Of(image)); }; };
-    if (peer != nullptr) Register({name, with(ours), with(peer)});
+enum class Result { kInPlace, kNew };
+
+/// Each operation against the peer and, under its name with "_copy", against copying as many images. Where we
+/// make a new image the peer makes one too; "_reused" is the peer that writes into memory it has already.
+void Add(const std::string& name, Result result, Step ours, Step peer, Step copy) {
+    const auto with = [](auto step) { return [=](const NoiseImage& image) { step(Scratch::Of(image)); }; };
+    const auto anew = [=](Scratch& s) {
+        const cv::Mat replaced = std::exchange(s.result, cv::Mat());
+        peer(s);
+    };
+    if (result == Result::kInPlace) {
+        Register({name, with(ours), with(peer)});
+    } else {
+        Register({name, with(ours), with(anew)});
+        Register({name + "_reused", with(ours), with(peer)});
+    }
     if (copy != nullptr) Register({name + "_copy", with(ours), with(copy)});
 }
 
@@ -105,13 +118,13 @@ const std::vector<std::uint16_t>& Table() {
 
 void RegisterOneImage() {
     Add(
-        "add_constant", [](Scratch& s) { tqAddConstant(s.target, 77); },
+        "add_constant", Result::kInPlace, [](Scratch& s) { tqAddConstant(s.target, 77); },
         [](Scratch& s) { cv::add(s.result, 77, s.result); }, RewriteInPlace);
     Add(
-        "subtract_value", [](Scratch& s) { tqSubtractValue(&s.target, 77); },
+        "subtract_value", Result::kNew, [](Scratch& s) { tqSubtractValue(&s.target, 77); },
         [](Scratch& s) { cv::subtract(s.from.Mat(), 77, s.result); }, CopyToNew);
     Add(
-        "invert", [](Scratch& s) { tqInvertImage(s.target); },
+        "invert", Result::kInPlace, [](Scratch& s) { tqInvertImage(s.target); },
         [](Scratch& s) {
             double low, high;
             cv::minMaxLoc(s.result, &low, &high);
@@ -119,10 +132,10 @@ void RegisterOneImage() {
         },
         RewriteInPlace);
     Add(
-        "replace_dark", [](Scratch& s) { tqReplaceDarkPels0(s.target, 500, 3); },
+        "replace_dark", Result::kInPlace, [](Scratch& s) { tqReplaceDarkPels0(s.target, 500, 3); },
         [](Scratch& s) { cv::threshold(s.result, s.result, 500, 0, cv::THRESH_TOZERO); }, RewriteInPlace);
     Add(
-        "remove_dark",
+        "remove_dark", Result::kInPlace,
         [](Scratch& s) {
             std::int32_t count;
             tqRemoveDarkPels(s.target, &count, 500);
@@ -133,10 +146,10 @@ void RegisterOneImage() {
         },
         RewriteInPlace);
     Add(
-        "scale", [](Scratch& s) { tqScaleImage2(s.target, 1.0001f); },
+        "scale", Result::kInPlace, [](Scratch& s) { tqScaleImage2(s.target, 1.0001f); },
         [](Scratch& s) { s.result.convertTo(s.result, CV_16U, 1.0001); }, RewriteInPlace);
     Add(
-        "look_up", [](Scratch& s) { tqCorrectLinearity(s.target, Table().data()); },
+        "look_up", Result::kInPlace, [](Scratch& s) { tqCorrectLinearity(s.target, Table().data()); },
         [](Scratch& s) {
             auto* pels = s.result.ptr<std::uint16_t>();
             const auto* table = Table().data();
@@ -149,15 +162,14 @@ void RegisterOneImage() {
 
 void RegisterTwoImages() {
     Add(
-        "subtract", [](Scratch& s) { tqSubtractImage(&s.target, s.other); },
+        "subtract", Result::kNew, [](Scratch& s) { tqSubtractImage(&s.target, s.other); },
         [](Scratch& s) { cv::subtract(s.from.Mat(), s.otherMat, s.result); }, CopyOfTwo);
     Add(
-        "multiply", [](Scratch& s) { tqMultiplyImages(&s.target, s.other, 40000); },
+        "multiply", Result::kNew, [](Scratch& s) { tqMultiplyImages(&s.target, s.other, 40000); },
         [](Scratch& s) { cv::multiply(s.from.Mat(), s.otherMat, s.result, 1.0 / 40000); }, nullptr);
     Add(
-        "mask", [](Scratch& s) { tqMaskImage(&s.target, s.other); },
+        "mask", Result::kNew, [](Scratch& s) { tqMaskImage(&s.target, s.other); },
         [](Scratch& s) {
-            s.result.setTo(0);
             cv::max(s.from.Mat(), 1, s.result);
             s.result.setTo(0, s.otherMat == 0);
             double largest;
@@ -166,14 +178,14 @@ void RegisterTwoImages() {
         },
         CopyOfTwo);
     Add(
-        "average", [](Scratch& s) { tqAverageImages(&s.target, s.from.Get(), s.other); },
+        "average", Result::kNew, [](Scratch& s) { tqAverageImages(&s.target, s.from.Get(), s.other); },
         [](Scratch& s) { cv::addWeighted(s.from.Mat(), 0.29, s.otherMat, 0.5, 0.0, s.result); }, nullptr);
     Add(
-        "running_average", [](Scratch& s) { tqRunningAverage(&s.target, s.from.Get(), 9); },
-        [](Scratch& s) { cv::addWeighted(s.from.Mat(), 1.0 / 9, s.result, 8.0 / 9, 0.0, s.result); },
+        "running_average", Result::kNew, [](Scratch& s) { tqRunningAverage(&s.target, s.from.Get(), 9); },
+        [](Scratch& s) { cv::addWeighted(s.from.Mat(), 1.0 / 9, s.otherMat, 8.0 / 9, 0.0, s.result); },
         nullptr);
     Add(
-        "ratio", [](Scratch& s) { tqDivideImage(&s.target, s.from.Get(), s.other); },
+        "ratio", Result::kNew, [](Scratch& s) { tqDivideImage(&s.target, s.from.Get(), s.other); },
         [](Scratch& s) {
             static cv::Mat ratio;
             cv::divide(s.from.Mat(), s.otherMat, ratio, 1.0, CV_64F);
@@ -183,7 +195,7 @@ void RegisterTwoImages() {
         },
         nullptr);
     Add(
-        "normalize",
+        "normalize", Result::kNew,
         [](Scratch& s) {
             tqGlobalCopy(&s.target, s.from.Get());
             tqNormalizeImage(&s.target, s.other);
@@ -199,7 +211,8 @@ void RegisterTwoImages() {
         },
         nullptr);
     Add(
-        "root_sum_square", [](Scratch& s) { tqRootSumSquare(&s.target, s.from.Get(), s.other, 0.4f, 0.6f); },
+        "root_sum_square", Result::kNew,
+        [](Scratch& s) { tqRootSumSquare(&s.target, s.from.Get(), s.other, 0.4f, 0.6f); },
         [](Scratch& s) {
             static cv::Mat a, b;
             s.from.Mat().convertTo(a, CV_32F);
@@ -211,7 +224,8 @@ void RegisterTwoImages() {
         },
         nullptr);
     Add(
-        "combine", [](Scratch& s) { tqCombineImages(&s.target, s.from.Get(), s.other, s.from.Get()); },
+        "combine", Result::kNew,
+        [](Scratch& s) { tqCombineImages(&s.target, s.from.Get(), s.other, s.from.Get()); },
         [](Scratch& s) {
             static cv::Mat sum;
             cv::addWeighted(s.from.Mat(), 0.01, s.otherMat, 0.017, 0.0, sum, CV_32F);

@@ -11,6 +11,8 @@ void AddConvert(CLI::App& app);
 void AddDefects(CLI::App& app);
 void AddMeasure(CLI::App& app);
 void AddMtf(CLI::App& app);
+void AddPattern(CLI::App& app);
+void AddPlot(CLI::App& app);
 void AddSimulate(CLI::App& app);
 void AddUniformity(CLI::App& app);
 

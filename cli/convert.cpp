@@ -34,12 +34,10 @@ struct ConvertOptions {
 enum class Form { kGrey, kBitmap, kJpeg, kByteString };
 
 Form FormOf(const std::string& name) {
-    const std::string extension = Extension(name);
-    if (extension == ".bmp") return Form::kBitmap;
-    if (extension == ".jpg" || extension == ".jpeg") return Form::kJpeg;
-    if (extension == ".tqz") return Form::kByteString;
-    if (extension == ".png" || extension == ".tif" || extension == ".tiff" || extension == ".pgm")
-        return Form::kGrey;
+    if (HasExtension(name, {".bmp"})) return Form::kBitmap;
+    if (HasExtension(name, {".jpg", ".jpeg"})) return Form::kJpeg;
+    if (HasExtension(name, {".tqz"})) return Form::kByteString;
+    if (HasExtension(name, {".png", ".tif", ".tiff", ".pgm"})) return Form::kGrey;
     FailUsage(name + ": an image file is called .png, .tif, .tiff, .pgm, .bmp, .jpg, .jpeg or .tqz");
 }
 
@@ -165,13 +163,6 @@ std::unique_ptr<HostImage> Read(const ConvertOptions& options) {
     return ReadGrey(options);
 }
 
-void WriteGrey(const HostImage& image, const OutputFile& file) {
-    const TqImageHeader header = image.Header();
-    GreyImage grey = MakeGreyImage(file.Path(), header.PelCols, header.PelRows, 16);
-    std::copy_n(image.Row(0), grey.pels.size(), grey.pels.begin());
-    WriteImage(file.Path(), file.WorkingPath(), grey);
-}
-
 void WriteBitmap(const Display& display, bool logarithmic, HostImage& image, const OutputFile& file) {
     TqLeadBitmap bitmap{};
     double scale = 0.0;
@@ -219,7 +210,7 @@ void Run(const ConvertOptions& options) {
     OutputFile file(options.output);
     switch (FormOf(options.output)) {
         case Form::kGrey:
-            WriteGrey(*image, file);
+            WriteImage(file.Path(), file.WorkingPath(), ToGreyImage(*image));
             break;
         case Form::kBitmap:
             WriteBitmap(display, options.logarithmic, *image, file);

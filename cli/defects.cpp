@@ -148,13 +148,6 @@ void MoveToSensor(std::vector<Defect>& list, const DefectOptions& options, const
     }
 }
 
-GreyImage MapOf(const HostImage& found) {
-    const TqImageHeader header = found.Header();
-    GreyImage map{header.PelCols, header.PelRows, 16, {}};
-    map.pels.assign(found.Row(0), found.Row(header.PelRows));
-    return map;
-}
-
 void Run(const DefectOptions& options) {
     CheckRanges(options);
     const Progress progress(options.progress);
@@ -172,7 +165,8 @@ void Run(const DefectOptions& options) {
 
     progress.Stage(Format("writing %zu defects", list.size()));
     OutputFiles files;
-    if (!options.map.empty()) WriteImage(options.map, files.Add(options.map).WorkingPath(), MapOf(found));
+    if (!options.map.empty())
+        WriteImage(options.map, files.Add(options.map).WorkingPath(), ToGreyImage(found));
     const std::string text = FormatDefects(list);
     if (!options.output.empty()) files.Add(options.output).Write(text);
     files.Commit();

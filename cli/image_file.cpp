@@ -15,22 +15,13 @@ namespace {
 using Writer = void (*)(const std::string&, const std::string&, const GreyImage&);
 
 Writer FindWriter(const std::string& name) {
-    const std::string extension = Extension(name);
-    if (extension == ".png") return WritePng;
-    if (extension == ".tif" || extension == ".tiff") return WriteTiff;
-    if (extension == ".pgm") return WritePgm;
+    if (HasExtension(name, {".png"})) return WritePng;
+    if (HasExtension(name, {".tif", ".tiff"})) return WriteTiff;
+    if (HasExtension(name, {".pgm"})) return WritePgm;
     FailUsage(name + ": an image file is called .png, .tif, .tiff or .pgm");
 }
 
 }  // namespace
-
-std::string Extension(const std::string& name) {
-    const std::size_t dot = name.find_last_of("./");
-    std::string extension = dot == std::string::npos ? "" : name.substr(dot);
-    std::transform(extension.begin(), extension.end(), extension.begin(),
-                   [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
-    return extension;
-}
 
 GreyImage ReadImage(const std::string& path) {
     std::FILE* const file = std::fopen(path.c_str(), "rb");
@@ -61,6 +52,14 @@ void WriteImage(const std::string& name, const std::string& file, const GreyImag
 
 void CheckImageName(const std::string& name) {
     FindWriter(name);
+}
+
+bool HasExtension(const std::string& name, std::initializer_list<const char*> extensions) {
+    const std::size_t dot = name.find_last_of("./");
+    std::string extension = dot == std::string::npos ? "" : name.substr(dot);
+    std::transform(extension.begin(), extension.end(), extension.begin(),
+                   [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
+    return std::find(extensions.begin(), extensions.end(), extension) != extensions.end();
 }
 
 GreyImage MakeGreyImage(const std::string& path, std::int64_t cols, std::int64_t rows, int bitsPerPel) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -21,9 +22,6 @@ struct GreyImage {
 /// The longest side of an image that the library takes.
 inline constexpr std::int64_t kLargestSide = 8000;
 
-/// From the last dot of the name on, in small letters.
-std::string Extension(const std::string& name);
-
 /// Reads a PNG, TIFF or PGM file, told apart by its first bytes.
 GreyImage ReadImage(const std::string& path);
 
@@ -31,6 +29,9 @@ GreyImage ReadImage(const std::string& path);
 void WriteImage(const std::string& name, const std::string& file, const GreyImage& image);
 /// Refuses, as a usage error, a name that WriteImage would not know a form for.
 void CheckImageName(const std::string& name);
+
+/// True when a file's name ends with one of these extensions, in small or large letters.
+bool HasExtension(const std::string& name, std::initializer_list<const char*> extensions);
 
 /// An image of this size with room for its pels; sizes outside 1..8000 end with the file's name.
 GreyImage MakeGreyImage(const std::string& path, std::int64_t cols, std::int64_t rows, int bitsPerPel);

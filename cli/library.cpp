@@ -49,6 +49,13 @@ std::uint16_t* HostImage::Row(std::int32_t row) noexcept {
     return const_cast<std::uint16_t*>(static_cast<const HostImage*>(this)->Row(row));
 }
 
+GreyImage ToGreyImage(const HostImage& image) {
+    const TqImageHeader header = image.Header();
+    GreyImage copy{header.PelCols, header.PelRows, 16, {}};
+    copy.pels.assign(image.Row(0), image.Row(header.PelRows));
+    return copy;
+}
+
 Int32Array::Int32Array(std::uint32_t first, std::uint32_t second) {
     SAFEARRAYBOUND bounds[] = {{first, 0}, {second, 0}};
     array_ = SafeArrayCreate(VT_I4, 2, bounds);

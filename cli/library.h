@@ -36,6 +36,9 @@ class HostImage {
     TqImage* block_ = nullptr;
 };
 
+/// A copy of the pels, for a file.
+GreyImage ToGreyImage(const HostImage& image);
+
 /// A two-dimensional array of 32-bit integers as the library takes lists, released with its owner.
 class Int32Array {
   public:

@@ -23,6 +23,8 @@ int Run(int count, char** arguments) {
     AddDefects(app);
     AddConvert(app);
     AddSimulate(app);
+    AddPattern(app);
+    AddPlot(app);
     try {
         app.parse(count, arguments);
     } catch (const CLI::Success& shown) {

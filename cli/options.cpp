@@ -72,4 +72,10 @@ std::vector<Region> ParseRegions(const std::vector<std::string>& arguments) {
     return regions;
 }
 
+Region ParseArea(const std::string& argument) {
+    Region region = ParseRegion(argument);
+    if (region.shape != Shape::kRectangle) FailUsage("--region takes a rectangle here, not " + argument);
+    return region;
+}
+
 }  // namespace cli

@@ -38,4 +38,7 @@ std::array<std::int32_t, 2> ParsePair(const char* option, const std::string& tex
 /// The regions as typed; the whole image when there are none.
 std::vector<Region> ParseRegions(const std::vector<std::string>& arguments);
 
+/// The value of a --region that can only be a rectangle.
+Region ParseArea(const std::string& argument);
+
 }  // namespace cli

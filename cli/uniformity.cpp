@@ -157,12 +157,6 @@ class Uniformity {
     double mean_ = 0.0;
 };
 
-Region ParseArea(const std::string& argument) {
-    Region region = ParseRegion(argument);
-    if (region.shape != Shape::kRectangle) FailUsage("--region takes a rectangle here, not " + argument);
-    return region;
-}
-
 void Run(const UniformityOptions& options) {
     const Destinations destinations{options.json, options.csv};
     CheckDestinations(destinations);

@@ -17,3 +17,5 @@ endif()
 find_package(hwy CONFIG REQUIRED)
 find_package(ZLIB REQUIRED)
 find_package(JPEG REQUIRED)
+# Headers only, so the ones of the build machine serve every target.
+find_package(Eigen3 REQUIRED NO_MODULE)

@@ -8,7 +8,7 @@ packages=(
     cmake ninja-build g++ binutils make git ccache python3 pkgconf
     clang clang-format clang-tidy libclang-rt-14-dev
     # the library, the program, tests, benchmarks
-    libhwy-dev zlib1g-dev libjpeg62-turbo-dev googletest
+    libhwy-dev zlib1g-dev libjpeg62-turbo-dev libeigen3-dev googletest
     libpng-dev libtiff-dev nlohmann-json3-dev libcli11-dev
     libbenchmark-dev libopencv-core-dev libopencv-imgproc-dev
     # Windows: compilers, zlib, source packages and an assembler for the other libraries, Wine to run the tests

@@ -7,7 +7,7 @@
  *  difference (1 when it is below 1e-8) becomes grey level 65000; pels are difference * scale in single
  *  precision, truncated, with scale = 65000 / largest, and pel * LuxPerGrey is the difference. Differences
  * are found twice instead of being held: memory is the result, a few rows, and with blocks a few rows more
- * for each channel.
+ * for each channel. The cost of a block or a neighbourhood does not grow with its size.
  */
 #ifndef TQIMAGE_COLOUR_DIFFERENCE_H
 #define TQIMAGE_COLOUR_DIFFERENCE_H
@@ -57,6 +57,126 @@ TQ_API int32_t TQ_CALL tqCalcColorLumDiff(TqImage** out, const TqImage* first, c
                                           float luminanceWeight, float chromaticityWeight, int32_t blockCols,
                                           int32_t blockRows, float m0, float m1, float m2, float m3, float m4,
                                           float m5, float m6, float m7, float m8);
+
+/** @brief The same where a pel of 0 means that there is no data.
+ *
+ *  A pel where a channel that is compared is 0 becomes 0 and does not count; blocks are averaged over their
+ *  pels that are not 0, and every other result is at least 1.
+ *  @param[out] out address of the host's image pointer; receives the differences, with the header of the channel
+ *              that is compared (the second) but for MaxPelValue 65000 and LuxPerGrey. Untouched after a
+ * failure; may hold a channel
+ *  @param[in] first first channel
+ *  @param[in] second second channel
+ *  @param[in] third third channel
+ *  @param[in] u target u'
+ *  @param[in] v target v'
+ *  @param[in] luminance Lref, unit of LuxPerGrey; below 1e-7, or not a number: 1
+ *  @param[in] luminanceWeight wL, its amount counts
+ *  @param[in] chromaticityWeight wC, its amount counts
+ *  @param[in] blockCols width of the block, pels, any value
+ *  @param[in] blockRows height of the block, pels, any value (both below 2: the pel itself)
+ *  @param[in] m0 matrix, row 1 (X), first channel
+ *  @param[in] m1 row 1, second channel
+ *  @param[in] m2 row 1, third channel
+ *  @param[in] m3 row 2 (Y), first channel
+ *  @param[in] m4 row 2, second channel
+ *  @param[in] m5 row 2, third channel
+ *  @param[in] m6 row 3 (Z), first channel
+ *  @param[in] m7 row 3, second channel
+ *  @param[in] m8 row 3, third channel
+ *  @return 0; -2 out or all three channels null; -3 first, -4 second, -5 third channel invalid; -7 sizes differ;
+ *          -6 the single image invalid; -8 no memory
+ *  @par Ownership
+ *  A block that out held is freed; the host frees the new one with tqImageFree.
+ *  @par Memory
+ *  The result and working rows: 122 MiB for 8000 x 8000 pels.
+ */
+TQ_API int32_t TQ_CALL tqCalcColorLumDiff0(TqImage** out, const TqImage* first, const TqImage* second,
+                                           const TqImage* third, float u, float v, float luminance,
+                                           float luminanceWeight, float chromaticityWeight, int32_t blockCols,
+                                           int32_t blockRows, float m0, float m1, float m2, float m3,
+                                           float m4, float m5, float m6, float m7, float m8);
+
+/** @brief Difference of chromaticity and luminance of each pel from its neighbourhood.
+ *
+ *  As tqCalcColorLumDiff, but compared with u' and v' of the mean X, Y, Z and with the mean of the second
+ * channel over the neighbourhood, which slides inward at the border, each rounded to single precision. The
+ * neighbourhood has odd sides: an even one loses a pel, and more than the image has is cut to it. Where the
+ * mean luminance is below 1e-7 there is no difference of luminance.
+ *  @param[out] out address of the host's image pointer; receives the differences, with the header of the channel
+ *              that is compared (the second) but for MaxPelValue 65000 and LuxPerGrey. Untouched after a
+ * failure; may hold a channel
+ *  @param[in] first first channel
+ *  @param[in] second second channel
+ *  @param[in] third third channel
+ *  @param[in] luminanceWeight wL, its amount counts
+ *  @param[in] chromaticityWeight wC, its amount counts
+ *  @param[in] blockCols width of the block, pels, any value
+ *  @param[in] blockRows height of the block, pels, any value (both below 2: the pel itself)
+ *  @param[in] aroundCols width of the neighbourhood, pels, at least that of the block
+ *  @param[in] aroundRows height of the neighbourhood, pels, at least that of the block
+ *  @param[in] m0 matrix, row 1 (X), first channel
+ *  @param[in] m1 row 1, second channel
+ *  @param[in] m2 row 1, third channel
+ *  @param[in] m3 row 2 (Y), first channel
+ *  @param[in] m4 row 2, second channel
+ *  @param[in] m5 row 2, third channel
+ *  @param[in] m6 row 3 (Z), first channel
+ *  @param[in] m7 row 3, second channel
+ *  @param[in] m8 row 3, third channel
+ *  @return 0; -2 out or all three channels null; -3 first, -4 second, -5 third channel invalid; -7 sizes differ,
+ *          or the neighbourhood is not larger than the block; -6 the single image invalid; -8 no memory
+ *  @par Ownership
+ *  A block that out held is freed; the host frees the new one with tqImageFree.
+ *  @par Memory
+ *  The result and working rows: 122 MiB for 8000 x 8000 pels.
+ *  @note A neighbourhood is larger when no side is shorter than that of the block and one is longer: a line will do.
+ */
+TQ_API int32_t TQ_CALL tqCalcLocalColorLumDiff(TqImage** out, const TqImage* first, const TqImage* second,
+                                               const TqImage* third, float luminanceWeight,
+                                               float chromaticityWeight, int32_t blockCols, int32_t blockRows,
+                                               int32_t aroundCols, int32_t aroundRows, float m0, float m1,
+                                               float m2, float m3, float m4, float m5, float m6, float m7,
+                                               float m8);
+
+/** @brief The same where a pel of 0 means that there is no data.
+ *
+ *  A pel where a channel that is compared is 0 becomes 0 and does not count; blocks and neighbourhoods are
+ * averaged over the pels of each channel that are not 0, and every other result is at least 1.
+ *  @param[out] out address of the host's image pointer; receives the differences, with the header of the channel
+ *              that is compared (the second) but for MaxPelValue 65000 and LuxPerGrey. Untouched after a
+ * failure; may hold a channel
+ *  @param[in] first first channel
+ *  @param[in] second second channel
+ *  @param[in] third third channel
+ *  @param[in] luminanceWeight wL, its amount counts
+ *  @param[in] chromaticityWeight wC, its amount counts
+ *  @param[in] blockCols width of the block, pels, any value
+ *  @param[in] blockRows height of the block, pels, any value (both below 2: the pel itself)
+ *  @param[in] aroundCols width of the neighbourhood, pels, at least that of the block
+ *  @param[in] aroundRows height of the neighbourhood, pels, at least that of the block
+ *  @param[in] m0 matrix, row 1 (X), first channel
+ *  @param[in] m1 row 1, second channel
+ *  @param[in] m2 row 1, third channel
+ *  @param[in] m3 row 2 (Y), first channel
+ *  @param[in] m4 row 2, second channel
+ *  @param[in] m5 row 2, third channel
+ *  @param[in] m6 row 3 (Z), first channel
+ *  @param[in] m7 row 3, second channel
+ *  @param[in] m8 row 3, third channel
+ *  @return 0; -2 out or all three channels null; -3 first, -4 second, -5 third channel invalid; -7 sizes differ,
+ *          or the neighbourhood is not larger than the block; -6 the single image invalid; -8 no memory
+ *  @par Ownership
+ *  A block that out held is freed; the host frees the new one with tqImageFree.
+ *  @par Memory
+ *  The result and working rows: 122 MiB for 8000 x 8000 pels.
+ */
+TQ_API int32_t TQ_CALL tqCalcLocalColorLumDiff0(TqImage** out, const TqImage* first, const TqImage* second,
+                                                const TqImage* third, float luminanceWeight,
+                                                float chromaticityWeight, int32_t blockCols,
+                                                int32_t blockRows, int32_t aroundCols, int32_t aroundRows,
+                                                float m0, float m1, float m2, float m3, float m4, float m5,
+                                                float m6, float m7, float m8);
 
 /** @brief Error of chromaticity in units of a tolerance ellipse.
  *

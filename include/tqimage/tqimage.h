@@ -4,6 +4,7 @@
 #ifndef TQIMAGE_TQIMAGE_H
 #define TQIMAGE_TQIMAGE_H
 
+#include "tqimage/adaptive_colour.h"
 #include "tqimage/appending.h"
 #include "tqimage/automation.h"
 #include "tqimage/base.h"
@@ -42,10 +43,12 @@
 #include "tqimage/masks.h"
 #include "tqimage/moments.h"
 #include "tqimage/mtf.h"
+#include "tqimage/multi_point_calibration.h"
 #include "tqimage/offset_arithmetic.h"
 #include "tqimage/orientation.h"
 #include "tqimage/pel_block.h"
 #include "tqimage/photometry.h"
+#include "tqimage/plots.h"
 #include "tqimage/point_operations.h"
 #include "tqimage/profiles.h"
 #include "tqimage/projection.h"
@@ -56,6 +59,7 @@
 #include "tqimage/stitching.h"
 #include "tqimage/stray_light.h"
 #include "tqimage/sub_pixel.h"
+#include "tqimage/test_patterns.h"
 #include "tqimage/thresholds.h"
 #include "tqimage/transform.h"
 #include "tqimage/uniformity.h"

@@ -1,62 +1,14 @@
 #include <algorithm>
 #include <cstdint>
-#include <optional>
 
-#include "core/guard.h"
+#include "calibration/sensor_frame.h"
 #include "core/image_block.h"
 #include "core/image_view.h"
 #include "core/numerics.h"
-#include "core/sensor_offset.h"
 #include "tqimage/stray_light.h"
 
 namespace tq {
 namespace {
-
-constexpr std::int32_t kInvalidImage = -2;
-constexpr std::int32_t kInvalidCorrection = -3;
-constexpr std::int32_t kBadColumnOffset = -7;
-constexpr std::int32_t kBadRowOffset = -8;
-constexpr std::int32_t kNoMemory = -9;
-
-/// A correction pel of a sensor position that the calibration could not measure.
-constexpr Pel kNoData = 65535;
-
-/// One axis of the image in the correction image: pel i lies at bin * (offset + i), and the first `covered`
-/// pels lie inside.
-struct SensorAxis {
-    std::int64_t offset;
-    std::int64_t bin;
-    std::int32_t covered;
-
-    SensorAxis(std::int32_t firstPel, std::int16_t binning, std::int32_t imageSize,
-               std::int32_t sensorSize) noexcept
-        : offset(firstPel), bin(binning), covered(0) {
-        // Only position 0 of a negative binning factor lies inside; 0 itself has no offset.
-        const std::int64_t last = bin > 0 ? (sensorSize - 1) / bin : 0;
-        covered = static_cast<std::int32_t>(
-            std::clamp(last - offset + 1, std::int64_t{0}, static_cast<std::int64_t>(imageSize)));
-    }
-    std::int64_t At(std::int32_t pel) const noexcept { return bin * (offset + pel); }
-};
-
-/// The correction pels of one row of the image.
-struct CorrectionRow {
-    const Pel* first;
-    std::int64_t step;
-
-    Pel operator[](std::int32_t pel) const noexcept { return first[pel * step]; }
-};
-
-struct SensorFrame {
-    ConstImageView correction;
-    SensorAxis cols;
-    SensorAxis rows;
-
-    /// For rows below rows.covered, and only where columns are covered at all.
-    CorrectionRow Row(std::int32_t row) const noexcept {
-        return {correction.Row(static_cast<std::int32_t>(rows.At(row))) + cols.At(0), cols.bin};
-    }
-};
 
 /// Mean of the image's pels that have correction data; 0 when none has.
 double MeanLevel(const ConstImageView& image, const SensorFrame& frame) noexcept {
@@ -110,21 +62,5 @@ OwnedImage RemoveStrayLight(const ConstImageView& image, const SensorFrame& fram
 using namespace tq;
 
 std::int32_t TQ_CALL tqApplyStrayLightCorrection(TqImage** image, const TqImage* correction) {
-    const ConstImageView source = image == nullptr ? ConstImageView{} : LocateImage(*image);
-    if (!source) return kInvalidImage;
-    const ConstImageView sensor = LocateImage(correction);
-    if (!sensor) return kInvalidCorrection;
-
-    const TqImageHeader& header = *source.header;
-    const auto col = SensorOffset(sensor.header->CenterCol, header.CenterCol, header.BinCols);
-    if (!col) return kBadColumnOffset;
-    const auto row = SensorOffset(sensor.header->CenterRow, header.CenterRow, header.BinRows);
-    if (!row) return kBadRowOffset;
-    const SensorFrame frame{sensor,
-                            {*col, header.BinCols, source.cols, sensor.cols},
-                            {*row, header.BinRows, source.rows, sensor.rows}};
-    return Guarded(kNoMemory, [&] {
-        CommitImage(image, RemoveStrayLight(source, frame));
-        return 0;
-    });
+    return CorrectThroughSensor(image, correction, RemoveStrayLight);
 }

@@ -30,12 +30,11 @@ struct Tristimulus {
 
     /// Without a counted pel the means, and so the results, are not numbers.
     void Store(const kernels::ChannelSums& sums, const ColourMatrix& m) const noexcept {
-        const double a = sums.first / sums.count;
-        const double b = sums.second / sums.count;
-        const double c = sums.third / sums.count;
-        StoreIfAsked(x, static_cast<float>(m[0] * a + m[1] * b + m[2] * c));
-        StoreIfAsked(y, static_cast<float>(m[3] * a + m[4] * b + m[5] * c));
-        StoreIfAsked(z, static_cast<float>(m[6] * a + m[7] * b + m[8] * c));
+        const Xyz mean =
+            Transform(m, sums.first / sums.count, sums.second / sums.count, sums.third / sums.count);
+        StoreIfAsked(x, static_cast<float>(mean.x));
+        StoreIfAsked(y, static_cast<float>(mean.y));
+        StoreIfAsked(z, static_cast<float>(mean.z));
     }
 };
 

@@ -11,6 +11,36 @@ namespace tq {
 /// The nine coefficients of a host's matrix in row order.
 using ColourMatrix = std::array<double, 9>;
 
+struct Xyz {
+    double x;
+    double y;
+    double z;
+};
+
+constexpr Xyz Transform(const ColourMatrix& m, double a, double b, double c) noexcept {
+    return {m[0] * a + m[1] * b + m[2] * c, m[3] * a + m[4] * b + m[5] * c, m[6] * a + m[7] * b + m[8] * c};
+}
+
+/// x and y, or u' and v'.
+struct Chromaticity {
+    double first;
+    double second;
+};
+
+/// x and y of CIE 1931, both 0 for black.
+constexpr Chromaticity ToXy(const Xyz& at) noexcept {
+    const double sum = at.x + at.y + at.z;
+    if (sum == 0.0) return {0.0, 0.0};
+    return {at.x / sum, at.y / sum};
+}
+
+/// u' and v' of CIE 1976, both 0 for black.
+constexpr Chromaticity ToUv(const Xyz& at) noexcept {
+    const double sum = at.x + 15.0 * at.y + 3.0 * at.z;
+    if (sum == 0.0) return {0.0, 0.0};
+    return {4.0 * at.x / sum, 9.0 * at.y / sum};
+}
+
 /// Three valid images of one size; pel (column, row) of each shows the same point.
 struct Channels {
     ConstImageView first;

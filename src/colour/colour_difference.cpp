@@ -1,68 +1,68 @@
+#include "colour/difference_image.h"
+
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdint>
-#include <utility>
-#include <vector>
 
 #include "colour/channel_samplers.h"
 #include "colour/channels.h"
 #include "core/guard.h"
-#include "core/image_block.h"
 #include "core/portable_math.h"
-#include "kernels/chromaticity.h"
 #include "tqimage/colour_difference.h"
 
-using namespace tq;
+namespace tq {
+namespace {
+
+/// Colours of less weight are not compared.
+constexpr double kNoWeight = 1e-5;
+
+}  // namespace
+
+std::int32_t ComparedChannels::Locate(const DifferenceRequest& request) noexcept {
+    const auto [first, second, third] = std::array{request.first, request.second, request.third};
+    const bool complete = first != nullptr && second != nullptr && third != nullptr;
+    colour_ = complete && request.chromaticityWeight >= kNoWeight;
+    if (colour_) {
+        views_ = {LocateImage(first), LocateImage(second), LocateImage(third)};
+        return CheckChannels(All(), kDifferenceCodes);
+    }
+    // Luminance alone is the second channel's matter, or that of whichever channel there is.
+    const TqImage* const single = second != nullptr ? second : first != nullptr ? first : third;
+    if (single == nullptr) return kNullDifferenceImage;
+    views_[1] = LocateImage(single);
+    return views_[1] ? 0 : kInvalidSingle;
+}
 
 namespace {
 
-constexpr std::int32_t kNullImage = -2;
-constexpr std::int32_t kInvalidSingle = -6;
-constexpr std::int32_t kBadShape = -7;
-constexpr std::int32_t kNoMemory = -8;
-constexpr ChannelCodes kCodes{kNullImage, -3, -4, -5, kBadShape};
-
-/// The largest difference of an image becomes this level, which leaves hosts room above it.
-constexpr float kLargestLevel = 65000.0f;
-/// Smaller differences are rounding, and an image of nothing else stays dark.
-constexpr double kNoDifference = 1e-8;
-constexpr double kNoLuminance = 1e-7;
-constexpr double kNoWeight = 1e-5;
-
-/// Makes an image of the differences that fill(row, values) gives, found twice: for the largest and for the
-/// pels. It has the header of `like`.
-template <class Fill>
-OwnedImage DifferenceImage(const ConstImageView& like, Fill&& fill) {
-    OwnedImage image(like, NewPels::kUnwritten);
-    std::vector<float> values(static_cast<std::size_t>(like.cols));
-    float largest = 0.0f;
-    for (std::int32_t row = 0; row < like.rows; ++row) {
-        fill(row, values.data());
-        largest = kernels::LargestOf(values.data(), values.size(), largest);
-    }
-    if (largest < kNoDifference) largest = 1.0f;
-    const float scale = kLargestLevel / largest;
-    image.Header().MaxPelValue = kLargestLevel;
-    image.Header().LuxPerGrey = 1.0f / scale;
-    for (std::int32_t row = 0; row < like.rows; ++row) {
-        fill(row, values.data());
-        kernels::StoreScaled(values.data(), values.size(), scale, image.View().Row(row));
-    }
-    return image;
+/// Compares with one colour and luminance.
+std::int32_t CompareWith(const kernels::ColourReference& from, std::int32_t blockCols, std::int32_t blockRows,
+                         const DifferenceRequest& asked) {
+    const auto colour = [&](const Channels& channels, const DifferenceRequest& request, auto holed) {
+        const kernels::ColourWeights weights = request.Weights(channels.second);
+        ChannelSamplers samplers = BlockSamplers(channels, blockCols, blockRows, request.counted);
+        return DifferenceImage(channels.second, holed, [&](std::int32_t row, float* values) {
+            kernels::ColourDifferences(samplers.Row(row), weights, from, values);
+        });
+    };
+    const auto grey = [&](const ConstImageView& view, const DifferenceRequest& request, auto holed) {
+        const RowSamplerPtr sampler = SampleBlocks(view, blockCols, blockRows, request.counted);
+        const float luxPerGrey = view.header->LuxPerGrey;
+        const auto reference = static_cast<float>(from.luminance);
+        const float root = std::sqrt(request.luminanceWeight);
+        return DifferenceImage(view, holed, [&](std::int32_t row, float* values) {
+            const double* const greys = sampler->Row(row);
+            for (std::int32_t i = 0; i < view.cols; ++i)
+                values[i] = LuminanceDifference(luxPerGrey, greys[i], reference, root);
+        });
+    };
+    return ProduceDifference(asked, true, colour, grey);
 }
 
-OwnedImage LuminanceDifference(const ConstImageView& view, float reference, float weight,
-                               std::int32_t blockCols, std::int32_t blockRows) {
-    ChannelSampler sampler(view, blockCols, blockRows);
-    const float luxPerGrey = view.header->LuxPerGrey;
-    const float root = std::sqrt(weight);
-    return DifferenceImage(view, [&](std::int32_t row, float* out) {
-        const double* const greys = sampler.Row(row);
-        for (std::int32_t i = 0; i < view.cols; ++i) {
-            const float luminance = luxPerGrey * static_cast<float>(greys[i]);
-            out[i] = std::abs(luminance - reference) / reference * root;
-        }
-    });
+/// The luminance that a host gives to compare with.
+double ReferenceLuminance(float luminance) noexcept {
+    return luminance >= kernels::kNoLuminance ? luminance : 1.0f;
 }
 
 kernels::ToleranceEllipse EllipseOf(const ColourMatrix& m, float u, float v, float a, float b,
@@ -84,6 +84,9 @@ kernels::ToleranceEllipse EllipseOf(const ColourMatrix& m, float u, float v, flo
 }
 
 }  // namespace
+}  // namespace tq
+
+using namespace tq;
 
 std::int32_t TQ_CALL tqCalcColorLumDiff(TqImage** out, const TqImage* first, const TqImage* second,
                                         const TqImage* third, float u, float v, float luminance,
@@ -91,33 +94,32 @@ std::int32_t TQ_CALL tqCalcColorLumDiff(TqImage** out, const TqImage* first, con
                                         std::int32_t blockCols, std::int32_t blockRows, float m0, float m1,
                                         float m2, float m3, float m4, float m5, float m6, float m7,
                                         float m8) {
-    if (out == nullptr || (first == nullptr && second == nullptr && third == nullptr)) return kNullImage;
-    const float reference = luminance >= kNoLuminance ? luminance : 1.0f;
-    const float wC = std::abs(chromaticityWeight);
-    const float wL = std::abs(luminanceWeight);
+    return CompareWith({u, v, ReferenceLuminance(luminance)}, blockCols, blockRows,
+                       {out,
+                        first,
+                        second,
+                        third,
+                        luminanceWeight,
+                        chromaticityWeight,
+                        {m0, m1, m2, m3, m4, m5, m6, m7, m8},
+                        Counted::kAll});
+}
 
-    const bool complete = first != nullptr && second != nullptr && third != nullptr;
-    if (wC >= kNoWeight && complete) {
-        Channels channels;
-        if (const auto status = LocateChannels(first, second, third, kCodes, &channels)) return status;
-        return Guarded(kNoMemory, [&] {
-            const kernels::ColourWeights weights{
-                {m0, m1, m2, m3, m4, m5, m6, m7, m8}, channels.second.header->LuxPerGrey, wC, wL};
-            ChannelSamplers samplers(channels, blockCols, blockRows);
-            CommitImage(out, DifferenceImage(channels.second, [&](std::int32_t row, float* values) {
-                            kernels::ColourDifferences(samplers.Row(row), weights, {u, v, reference}, values);
-                        }));
-            return 0;
-        });
-    }
-    // Luminance alone is the second channel's matter, or that of whichever channel there is.
-    const TqImage* const single = second != nullptr ? second : first != nullptr ? first : third;
-    const ConstImageView view = LocateImage(single);
-    if (!view) return kInvalidSingle;
-    return Guarded(kNoMemory, [&] {
-        CommitImage(out, LuminanceDifference(view, reference, wL, blockCols, blockRows));
-        return 0;
-    });
+std::int32_t TQ_CALL tqCalcColorLumDiff0(TqImage** out, const TqImage* first, const TqImage* second,
+                                         const TqImage* third, float u, float v, float luminance,
+                                         float luminanceWeight, float chromaticityWeight,
+                                         std::int32_t blockCols, std::int32_t blockRows, float m0, float m1,
+                                         float m2, float m3, float m4, float m5, float m6, float m7,
+                                         float m8) {
+    return CompareWith({u, v, ReferenceLuminance(luminance)}, blockCols, blockRows,
+                       {out,
+                        first,
+                        second,
+                        third,
+                        luminanceWeight,
+                        chromaticityWeight,
+                        {m0, m1, m2, m3, m4, m5, m6, m7, m8},
+                        Counted::kLit});
 }
 
 std::int32_t TQ_CALL tqCalcColorError(TqImage** out, const TqImage* first, const TqImage* second,
@@ -125,16 +127,17 @@ std::int32_t TQ_CALL tqCalcColorError(TqImage** out, const TqImage* first, const
                                       float semiAxisB, float degrees, std::int32_t blockCols,
                                       std::int32_t blockRows, float m0, float m1, float m2, float m3,
                                       float m4, float m5, float m6, float m7, float m8) {
-    if (out == nullptr || (first == nullptr && second == nullptr && third == nullptr)) return kNullImage;
+    if (out == nullptr || (first == nullptr && second == nullptr && third == nullptr))
+        return kNullDifferenceImage;
     // All three are needed: a missing one is as bad as an invalid one.
     const Channels channels{LocateImage(first), LocateImage(second), LocateImage(third)};
-    if (const auto status = CheckChannels(channels, kCodes)) return status;
-    if (semiAxisA == 0.0f || semiAxisB == 0.0f) return kBadShape;
-    return Guarded(kNoMemory, [&] {
+    if (const auto status = CheckChannels(channels, kDifferenceCodes)) return status;
+    if (semiAxisA == 0.0f || semiAxisB == 0.0f) return kBadDifferenceShape;
+    return Guarded(kNoDifferenceMemory, [&] {
         const auto ellipse = EllipseOf({m0, m1, m2, m3, m4, m5, m6, m7, m8}, u, v, std::abs(semiAxisA),
                                        std::abs(semiAxisB), degrees);
-        ChannelSamplers samplers(channels, blockCols, blockRows);
-        CommitImage(out, DifferenceImage(channels.second, [&](std::int32_t row, float* values) {
+        ChannelSamplers samplers = BlockSamplers(channels, blockCols, blockRows);
+        CommitImage(out, DifferenceImage(channels.second, {}, [&](std::int32_t row, float* values) {
                         kernels::EllipseDistances(samplers.Row(row), ellipse, values);
                     }));
         return 0;

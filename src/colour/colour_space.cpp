@@ -52,7 +52,7 @@ std::int32_t TQ_CALL tqTransformToColorSpace(TqImage** out, const TqImage* first
         image.Header().LuxPerGrey = high / scale;
         if (defined) {
             const auto ratio = RatioOf(quantity, {m0, m1, m2, m3, m4, m5, m6, m7, m8});
-            ChannelSamplers samplers(channels, blockCols, blockRows);
+            ChannelSamplers samplers = BlockSamplers(channels, blockCols, blockRows);
             const ImageView view = image.View();
             for (std::int32_t row = 0; row < view.rows; ++row)
                 kernels::StoreRatios(samplers.Row(row), ratio, low, gain, view.Row(row));

@@ -38,24 +38,36 @@ kernels::ChannelMix MixOf(const ColourMatrix& m) noexcept {
 
 namespace tq {
 
-MixedImages::MixedImages(const Channels& channels, const kernels::ChannelMix& mix)
-    : channels_(channels),
-      mix_(mix),
-      images_{OwnedImage(channels.first, NewPels::kUnwritten),
+ImageTriple::ImageTriple(const Channels& channels)
+    : images_{OwnedImage(channels.first, NewPels::kUnwritten),
               OwnedImage(channels.second, NewPels::kUnwritten),
-              OwnedImage(channels.third, NewPels::kUnwritten)} {
+              OwnedImage(channels.third, NewPels::kUnwritten)} {}
+
+std::array<double, 3> ImageTriple::StoreScales(const std::array<double, 3>& maxima) noexcept {
+    std::array<double, 3> units;
+    for (std::size_t k = 0; k < units.size(); ++k) {
+        // Pels are divided by the figure that the host reads, so that pel x figure is the value.
+        const float luxPerGrey = StoredScale(maxima[k]);
+        Header(k).LuxPerGrey = luxPerGrey;
+        units[k] = luxPerGrey;
+    }
+    return units;
+}
+
+void ImageTriple::Commit(TqImage** first, TqImage** second, TqImage** third) noexcept {
+    CommitImage(first, std::move(images_[0]));
+    CommitImage(second, std::move(images_[1]));
+    CommitImage(third, std::move(images_[2]));
+}
+
+MixedImages::MixedImages(const Channels& channels, const kernels::ChannelMix& mix)
+    : ImageTriple(channels), channels_(channels), mix_(mix) {
     kernels::RaiseMaxima(channels_.All(), mix_, maxima_.data());
 }
 
 void MixedImages::Fill(const std::array<double, 3>& units) {
-    Pel* const out[3] = {images_[0].View().pels, images_[1].View().pels, images_[2].View().pels};
+    Pel* const out[3] = {Row(0, 0), Row(1, 0), Row(2, 0)};
     kernels::StoreMixed(channels_.All(), mix_, units.data(), out);
-}
-
-void MixedImages::Commit(TqImage** first, TqImage** second, TqImage** third) noexcept {
-    CommitImage(first, std::move(images_[0]));
-    CommitImage(second, std::move(images_[1]));
-    CommitImage(third, std::move(images_[2]));
 }
 
 }  // namespace tq
@@ -100,14 +112,7 @@ std::int32_t TQ_CALL tqTransformRGBToXYZ2(TqImage** outX, TqImage** outY, TqImag
         mix.scales[1] = channels.second.header->LuxPerGrey;
         mix.scales[2] = channels.third.header->LuxPerGrey;
         MixedImages images(channels, mix);
-        std::array<double, 3> units;
-        for (std::size_t k = 0; k < units.size(); ++k) {
-            // Pels are divided by the figure that the host reads, so that pel x figure is the value.
-            const float luxPerGrey = StoredScale(images.Maxima()[k]);
-            images.Header(k).LuxPerGrey = luxPerGrey;
-            units[k] = luxPerGrey;
-        }
-        images.Fill(units);
+        images.Fill(images.StoreScales(images.Maxima()));
         images.Commit(outX, outY, outZ);
         return 0;
     });

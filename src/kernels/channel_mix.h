@@ -32,6 +32,10 @@ void RaiseMaxima(const ChannelRuns& runs, const ChannelMix& mix, double* maxima)
 void StoreMixed(const ChannelRuns& runs, const ChannelMix& mix, const double* units,
                 std::uint16_t* const* out);
 
+/// The same two steps for values that are there: the larger of `largest` and the values, and their pels.
+double LargestValue(const double* values, std::size_t count, double largest);
+void StoreInUnits(const double* values, std::size_t count, double unit, std::uint16_t* out);
+
 /// Sums over counted pels, integers held exactly.
 struct ChannelSums {
     double first = 0.0;

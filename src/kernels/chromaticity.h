@@ -30,6 +30,9 @@ struct ChromaticRatio {
 void StoreRatios(const ChannelRows& rows, const ChromaticRatio& ratio, double low, double gain,
                  std::uint16_t* out);
 
+/// A luminance below this is none to compare with.
+inline constexpr double kNoLuminance = 1e-7;
+
 struct ColourReference {
     double u;
     double v;
@@ -44,9 +47,13 @@ struct ColourWeights {
 };
 
 /// out[i] = sqrt(((v' - v)^2 + (u' - u)^2) * chromaticity + dL^2 * luminance), rounded to float, with
-/// dL = (second * luxPerGrey - L) / L.
+/// dL = (second * luxPerGrey - L) / L, or 0 where L is none to compare with.
 void ColourDifferences(const ChannelRows& rows, const ColourWeights& weights, const ColourReference& from,
                        float* out);
+
+/// The same from what is around each pel: u', v' and L of the channels `around`, rounded to float.
+void LocalDifferences(const ChannelRows& rows, const ChannelRows& around, const ColourWeights& weights,
+                      float* out);
 
 struct ToleranceEllipse {
     double matrix[9];
@@ -63,6 +70,12 @@ void EllipseDistances(const ChannelRows& rows, const ToleranceEllipse& ellipse, 
 
 /// The largest of the values and `largest`; what is not a number is not larger.
 float LargestOf(const float* values, std::size_t count, float largest);
+
+/// values[i] = -1, which no difference is, where the pel is 0.
+void LeaveOut(const std::uint16_t* pels, std::size_t count, float* values);
+
+/// out[i] = 0 where the value was left out, and at least 1 elsewhere.
+void RaiseCounted(const float* values, std::size_t count, std::uint16_t* out);
 
 /// out[i] = values[i] * scale in single precision, truncated and clamped to a pel.
 void StoreScaled(const float* values, std::size_t count, float scale, std::uint16_t* out);

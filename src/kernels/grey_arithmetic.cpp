@@ -28,12 +28,13 @@ struct Fraction {
 };
 
 #if HWY_TARGET != HWY_SCALAR
-/// Adds to a fraction of 16 bits. A sum modulo 65536 below the summand is one that carries into the whole.
+/// Adds to a fraction of 16 bits and takes 1 from the whole, which has it in advance, unless the sum carries
+/// into it: a sum modulo 65536 below the summand is one that carries.
 template <class D, class V>
 HWY_INLINE void AddFraction(D d, V part, V& fraction, V& whole) {
     fraction = hn::Add(fraction, part);
     const auto stays = hn::Eq(hn::Max(fraction, part), fraction);
-    whole = hn::Add(whole, hn::IfThenZeroElse(stays, hn::Set(d, 1)));
+    whole = hn::Add(whole, hn::VecFromMask(d, stays));  // all bits of a lane: -1
 }
 #endif
 
@@ -48,7 +49,7 @@ void ScaleInFixedPoint(const Pel* pels, double factor, Pel* out, std::size_t cou
             const auto high = hn::Set(d, fraction.high);
             const auto low = hn::Set(d, fraction.low);
             const auto times = hn::Set(d, static_cast<Pel>(whole));
-            auto result = hn::MulHigh(v, high);
+            auto result = hn::Add(hn::MulHigh(v, high), hn::Set(d, 2));  // one for each fraction added
             auto behind = hn::Mul(v, high);
             AddFraction(d, hn::MulHigh(v, low), behind, result);
             AddFraction(d, hn::Set(d, 0x8000), behind, result);
@@ -71,22 +72,34 @@ void StretchGreys(const Pel* pels, double pivot, double factor, Pel* out, std::s
     ComputePels<Excess::kWrap, double>(out, count, formula, pels);
 }
 
-/// fresh * freshShare + average * averageShare + offset, in fixed point with 32 bits behind the point for the
-/// shares and 16 for the rest; never above the true value, which lies less than kUnsure / 65536 higher.
-struct FixedMean {
-    static constexpr Pel kUnsure = 5;  // a step each for both shares and both products, and one for `exact`
+HWY_INLINE Pel Largest(const Pel* pels, std::size_t count) {
+    return count == 0 ? Pel{0} : *std::max_element(pels, pels + count);
+}
 
+/// fresh * freshShare + average * averageShare in fixed point with 32 bits behind the point.
+struct FixedMean {
     Fraction freshShare;
     Fraction averageShare;
-    Pel offset;
-    bool sure;  ///< no result comes within kUnsure below an integer
+    Pel offset;  ///< in steps of 1 / 8192; not 0 when it alone keeps every mean on its side of the integers
 };
 
-/// Truncated means from the estimate in fixed point; exact(first, count) redoes those that may be one short.
+#if HWY_TARGET != HWY_SCALAR
+/// The four fractions of 16 bits that two products with shares have, as their sum in steps of 4 / 65536,
+/// which still fits into 16 bits. Two levels of rounding up, four parts cut off and the last bits of the
+/// exact formula: the true value lies from one step below to 1.25 steps above.
+template <class V>
+HWY_INLINE V SumOfFractions(V a, V b, V c, V d) {
+    return hn::AverageRound(hn::AverageRound(a, b), hn::AverageRound(c, d));
+}
+#endif
+
+/// Truncated means from the estimate in fixed point; exact(first, count) redoes those that are in doubt.
+/// Returns the largest.
 template <class Exact>
-HWY_INLINE void MeanInFixedPoint([[maybe_unused]] const FixedMean& mean, [[maybe_unused]] const Pel* fresh,
-                                 [[maybe_unused]] const Pel* average, [[maybe_unused]] Pel* out,
-                                 std::size_t count, Exact exact) {
+HWY_INLINE Pel MeanInFixedPoint([[maybe_unused]] const FixedMean& mean, [[maybe_unused]] const Pel* fresh,
+                                [[maybe_unused]] const Pel* average, [[maybe_unused]] Pel* out,
+                                std::size_t count, Exact exact) {
+    Pel largest = 0;
     std::size_t i = 0;
 #if HWY_TARGET != HWY_SCALAR
     const hn::ScalableTag<Pel> d;
@@ -96,28 +109,40 @@ HWY_INLINE void MeanInFixedPoint([[maybe_unused]] const FixedMean& mean, [[maybe
     const auto averageHigh = hn::Set(d, mean.averageShare.high);
     const auto averageLow = hn::Set(d, mean.averageShare.low);
     const auto offset = hn::Set(d, mean.offset);
-    const auto unsure = hn::Set(d, static_cast<Pel>(65536 - FixedMean::kUnsure));
+    const auto one = hn::Set(d, 1);
+    const auto doubtful = hn::Set(d, 4);
+    auto best = hn::Zero(d);
     for (; i + lanes <= count; i += lanes) {
         const auto f = hn::LoadU(d, fresh + i);
         const auto a = hn::LoadU(d, average + i);
-        auto whole = hn::Add(hn::MulHigh(f, freshHigh), hn::MulHigh(a, averageHigh));
-        auto fraction = offset;
-        AddFraction(d, hn::Mul(f, freshHigh), fraction, whole);
-        AddFraction(d, hn::Mul(a, averageHigh), fraction, whole);
-        AddFraction(d, hn::MulHigh(f, freshLow), fraction, whole);
-        AddFraction(d, hn::MulHigh(a, averageLow), fraction, whole);
-        const bool sure = mean.sure || hn::AllFalse(d, hn::Eq(hn::Max(fraction, unsure), fraction));
-        if (sure) {
-            hn::StoreU(whole, d, out + i);
+        const auto whole = hn::Add(hn::MulHigh(f, freshHigh), hn::MulHigh(a, averageHigh));
+        const auto quarters = SumOfFractions(hn::Mul(f, freshHigh), hn::Mul(a, averageHigh),
+                                             hn::MulHigh(f, freshLow), hn::MulHigh(a, averageLow));
+        if (mean.offset != 0) {
+            const auto carry = hn::ShiftRight<13>(hn::Add(hn::ShiftRight<1>(quarters), offset));
+            const auto pels = hn::Add(whole, carry);
+            best = hn::Max(best, pels);
+            hn::StoreU(pels, d, out + i);
+            continue;
+        }
+        // The first and the last step behind an integer, as 4 and 0.
+        const auto behind = hn::ShiftLeft<2>(hn::Add(quarters, one));
+        if (hn::AllFalse(d, hn::Eq(hn::Min(behind, doubtful), behind))) {
+            const auto pels = hn::Add(whole, hn::ShiftRight<14>(quarters));
+            best = hn::Max(best, pels);
+            hn::StoreU(pels, d, out + i);
         } else {
             exact(i, lanes);
+            best = hn::Max(best, hn::LoadU(d, out + i));
         }
     }
+    largest = hn::GetLane(hn::MaxOfLanes(d, best));
 #endif
     exact(i, count - i);
+    return std::max(largest, Largest(out + i, count - i));
 }
 
-void ScaledMean(const RunningMean& mean, const Pel* fresh, const Pel* average, Pel* out, std::size_t count) {
+Pel ScaledMean(const RunningMean& mean, const Pel* fresh, const Pel* average, Pel* out, std::size_t count) {
     const RunningMean m = mean;
     const auto total = [=](auto k, auto f, auto a) {
         return f * k(double{m.freshScale}) + a * k(double{m.averageScale}) * k(m.count - 1.0);
@@ -127,28 +152,33 @@ void ScaledMean(const RunningMean& mean, const Pel* fresh, const Pel* average, P
         out, count,
         [=](auto k, auto f, auto a) { return total(k, f, a) / k(m.count) / k(double{m.outScale}); },
         [=](auto k, auto f, auto a) { return total(k, f, a) * k(reciprocal); }, fresh, average);
+    return Largest(out, count);
 }
 
 /// For scales of which none exceeds the result's, and counts up to 4096. With 16 bits for a pel, 24 for a
 /// scale and 12 for the count, whatever makes an integer mean has an exact double at every step, so that a
 /// mean that is not below an integer is not rounded below it either.
-void MeanOfGreys(const RunningMean& mean, const Pel* fresh, const Pel* average, Pel* out, std::size_t count) {
+Pel MeanOfGreys(const RunningMean& mean, const Pel* fresh, const Pel* average, Pel* out, std::size_t count) {
     const double unit = (1.0 - 0x1p-48) / mean.count;  // lowered by more than the quotients' roundings
     const double outScale = mean.outScale;
-    const bool oneScale = mean.freshScale == mean.averageScale;
-    // With one scale the fractions are multiples of 1 / count, and half of that keeps all of them away from
-    // the integers: by 8 / 65536 and more.
+    // With one scale the means are multiples of 1 / count, and half of that keeps all of them away from the
+    // integers, by the two steps of 1 / 8192 that it takes at least.
+    const bool oneScale = mean.freshScale == mean.averageScale && mean.count <= 2048.0;
     const FixedMean fixed{Fraction(unit * (mean.freshScale / outScale)),
                           Fraction(unit * (mean.averageScale / outScale * (mean.count - 1.0))),
-                          static_cast<Pel>(oneScale ? TruncToInt32(32768.0 / mean.count) : 0), oneScale};
-    MeanInFixedPoint(fixed, fresh, average, out, count, [&](std::size_t first, std::size_t run) {
+                          static_cast<Pel>(oneScale ? TruncToInt32(4096.0 / mean.count) : 0)};
+    return MeanInFixedPoint(fixed, fresh, average, out, count, [&](std::size_t first, std::size_t run) {
         ScaledMean(mean, fresh + first, average + first, out + first, run);
     });
 }
 
 void MultiplyGreys(const Pel* a, const Pel* b, float divisor, Pel* out, std::size_t count) {
     const auto formula = [=](auto k, auto pa, auto pb) { return pa * pb / k(divisor); };
-    ComputePels<Excess::kCeiling, float>(out, count, formula, a, b);
+    if (!(divisor >= 1.0f)) return ComputePels<Excess::kCeiling, float>(out, count, formula, a, b);
+    const auto pels = [=](auto k, auto pa, auto pb) {
+        return NotAbove(formula(k, pa, pb), k(static_cast<float>(kLargestPel)));
+    };
+    ComputePels<Excess::kNone, float>(out, count, pels, a, b);
 }
 
 void RootSumSquare(const Pel* a, const Pel* b, float weightA, float weightB, Pel* out, std::size_t count) {
@@ -158,14 +188,18 @@ void RootSumSquare(const Pel* a, const Pel* b, float weightA, float weightB, Pel
     ComputePels<Excess::kWrap, float>(out, count, formula, a, b);
 }
 
-void DivideByFlatField(const Pel* pels, const Pel* reference, double whole, Pel* out, std::size_t count) {
-    ComputeEstimated<Excess::kCeiling, double>(
-        out, count,
-        [=](auto k, auto pel, auto r) {
-            const auto fraction = r / k(whole);
-            return UnlessZero(fraction, pel / fraction, k(0.0));
-        },
-        [=](auto k, auto pel, auto r) { return UnlessZero(r, pel * k(whole) / r, k(0.0)); }, pels, reference);
+void DivideByFlatField(const Pel* pels, const Pel* reference, float whole, Pel* out, std::size_t count) {
+    const auto formula = [=](auto k, auto pel, auto r) {
+        const auto fraction = r / k(double{whole});
+        return UnlessZero(fraction, pel / fraction, k(0.0));
+    };
+    // Beyond the levels of pels the products could leave single precision.
+    if (!(whole >= 1.0f && whole <= 65535.0f))
+        return ComputePels<Excess::kCeiling, double>(out, count, formula, pels, reference);
+    ComputeRoughly(
+        out, count, formula,
+        [=](auto k, auto pel, auto r) { return UnlessZero(r, pel * k(whole) / r, k(0.0f)); }, pels,
+        reference);
 }
 
 /// The ratio as a formula.
@@ -279,10 +313,9 @@ void StretchGreys(const Pel* pels, double pivot, double factor, Pel* out, std::s
     HWY_DYNAMIC_DISPATCH(StretchGreys)(pels, pivot, factor, out, count);
 }
 
-void FoldIntoMean(const RunningMean& mean, const Pel* fresh, const Pel* average, Pel* out,
-                  std::size_t count) {
+Pel FoldIntoMean(const RunningMean& mean, const Pel* fresh, const Pel* average, Pel* out, std::size_t count) {
     if (FitsFixedPoint(mean)) return HWY_DYNAMIC_DISPATCH(MeanOfGreys)(mean, fresh, average, out, count);
-    HWY_DYNAMIC_DISPATCH(ScaledMean)(mean, fresh, average, out, count);
+    return HWY_DYNAMIC_DISPATCH(ScaledMean)(mean, fresh, average, out, count);
 }
 
 void MultiplyGreys(const Pel* a, const Pel* b, float divisor, Pel* out, std::size_t count) {
@@ -293,7 +326,7 @@ void RootSumSquare(const Pel* a, const Pel* b, float weightA, float weightB, Pel
     HWY_DYNAMIC_DISPATCH(RootSumSquare)(a, b, weightA, weightB, out, count);
 }
 
-void DivideByFlatField(const Pel* pels, const Pel* reference, double whole, Pel* out, std::size_t count) {
+void DivideByFlatField(const Pel* pels, const Pel* reference, float whole, Pel* out, std::size_t count) {
     HWY_DYNAMIC_DISPATCH(DivideByFlatField)(pels, reference, whole, out, count);
 }
 

@@ -25,8 +25,9 @@ struct RunningMean {
     float outScale;
 };
 
-/// ((fresh * freshScale + average * averageScale * (count - 1)) / count) / outScale; the low 16 bits.
-void FoldIntoMean(const RunningMean& mean, const Pel* fresh, const Pel* average, Pel* out, std::size_t count);
+/// ((fresh * freshScale + average * averageScale * (count - 1)) / count) / outScale; the low 16 bits. Returns
+/// the largest.
+Pel FoldIntoMean(const RunningMean& mean, const Pel* fresh, const Pel* average, Pel* out, std::size_t count);
 
 /// (a * b) / divisor in single precision; 65535 above it, else the low 16 bits.
 void MultiplyGreys(const Pel* a, const Pel* b, float divisor, Pel* out, std::size_t count);
@@ -35,7 +36,7 @@ void MultiplyGreys(const Pel* a, const Pel* b, float divisor, Pel* out, std::siz
 void RootSumSquare(const Pel* a, const Pel* b, float weightA, float weightB, Pel* out, std::size_t count);
 
 /// pel / (reference / whole) and 0 where the inner quotient is 0; 65535 above it, else the low 16 bits.
-void DivideByFlatField(const Pel* pels, const Pel* reference, double whole, Pel* out, std::size_t count);
+void DivideByFlatField(const Pel* pels, const Pel* reference, float whole, Pel* out, std::size_t count);
 
 /// The quotient of two luminances, numerator * numeratorScale over denominator * denominatorScale.
 struct LuminanceRatio {

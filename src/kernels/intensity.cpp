@@ -7,6 +7,8 @@
 #include <hwy/foreach_target.h>  // IWYU pragma: keep
 #include <hwy/highway.h>
 
+#include "kernels/vectors-inl.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace tq::kernels::HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
@@ -32,7 +34,7 @@ void AddBlockIntensities(const double* sums, std::size_t count, const SinglePrec
         const auto squaredRange = hn::Add(hn::Set(d, squaredDistance), hn::PromoteTo(d, squaredRho));
         const auto cubedRange = hn::Mul(squaredRange, hn::Sqrt(squaredRange));
         const auto grey = hn::Mul(hn::LoadU(d, sums + i), hn::Set(d, scale));
-        const auto intensity = hn::PromoteTo(d, hn::DemoteTo(f, hn::Mul(cubedRange, grey)));
+        const auto intensity = hn::PromoteTo(d, ToSingle(d, hn::Mul(cubedRange, grey)));
         double* const running = total.lanes + i % IntensitySums::kLanes;
         hn::StoreU(hn::Add(hn::LoadU(d, running), intensity), d, running);
     }

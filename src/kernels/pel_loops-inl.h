@@ -14,6 +14,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
 
 #include "core/numerics.h"
 
@@ -64,6 +65,17 @@ HWY_INLINE double UnlessZero(double divisor, double value, double instead) {
     return divisor == 0.0 ? instead : value;
 }
 
+/// `value`, at most `limit`. What is not a number is not asked for.
+template <class T>
+HWY_INLINE T NotAbove(T value, T limit) {
+#if HWY_TARGET != HWY_SCALAR
+    if constexpr (!std::is_arithmetic_v<T>)
+        return hn::Min(value, limit);
+    else
+#endif
+        return std::min(value, limit);
+}
+
 #if HWY_TARGET != HWY_SCALAR
 template <class V>
 HWY_INLINE V SquareRoot(V value) {
@@ -84,8 +96,8 @@ HWY_INLINE V UnlessZero(V divisor, V value, V instead) {
 
 /// What becomes of a truncated result that is no pel: its low 16 bits; 65535 above that and else its low 16
 /// bits; the nearest pel. The ceiling differs from the cap in that it precedes the truncation, so that a
-/// number too large for an integer counts as large.
-enum class Excess { kWrap, kCap, kClamp, kCeiling };
+/// number too large for an integer counts as large. kNone promises results from 0 to below 65536.
+enum class Excess { kWrap, kCap, kClamp, kCeiling, kNone };
 
 template <Excess kExcess, class T>
 HWY_INLINE Pel ToPel(T value) {
@@ -120,10 +132,12 @@ template <Excess kExcess, class D, class V>
 HWY_INLINE auto ToPels(D d, V values) {
     using T = hn::TFromD<D>;
     const hn::Rebind<std::int32_t, D> d32;
+    if (kExcess == Excess::kNone) return hn::DemoteTo(hn::Rebind<Pel, D>(), TruncateLanes(d, values));
     const auto ceiling = hn::Set(d, T{kLargestPel});
     if (kExcess == Excess::kCeiling) values = hn::IfThenElse(hn::Gt(values, ceiling), ceiling, values);
     const auto lowest = hn::Set(d, T{-2147483648.0});
-    const auto fits = hn::And(hn::Ge(values, lowest), hn::Lt(values, hn::Set(d, T{2147483648.0})));
+    auto fits = hn::Ge(values, lowest);
+    if (kExcess != Excess::kCeiling) fits = hn::And(fits, hn::Lt(values, hn::Set(d, T{2147483648.0})));
     auto whole = TruncateLanes(d, hn::IfThenElse(fits, values, lowest));
     if (kExcess == Excess::kCap) whole = hn::Min(whole, hn::Set(d32, kLargestPel));
     if (kExcess != Excess::kClamp) whole = hn::And(whole, hn::Set(d32, 0xFFFF));
@@ -138,6 +152,23 @@ HWY_INLINE auto SurelyTruncated(D d, V values) {
     return hn::And(hn::Gt(distance, hn::Set(d, 1e-7)), hn::Lt(hn::Abs(values), hn::Set(d, 1048576.0)));
 }
 #endif
+
+/// out[i] = formula(k, in[i]...) in precision T, truncated.
+template <Excess kExcess, class T, class Formula, class... In>
+HWY_INLINE void ComputePels(Pel* out, std::size_t count, Formula formula, const In*... in) {
+    std::size_t i = 0;
+#if HWY_TARGET != HWY_SCALAR
+    const hn::ScalableTag<T> d;
+    const hn::Rebind<Pel, decltype(d)> d16;
+    const std::size_t lanes = hn::Lanes(d);
+    for (; i + lanes <= count; i += lanes) {
+        const auto values = formula(LaneConstants<decltype(d)>(), LoadNumbers(d, in + i)...);
+        hn::StoreU(ToPels<kExcess>(d, values), d16, out + i);
+    }
+#endif
+    for (; i < count; ++i)
+        out[i] = ToPel<kExcess>(formula(PlainConstants<T>(), static_cast<T>(in[i])...));
+}
 
 /// out[i] = formula(k, in[i]...) in precision T, truncated. Where `estimate` gives no sure truncation the
 /// formula, which divides more often, has the word.
@@ -160,21 +191,29 @@ HWY_INLINE void ComputeEstimated(Pel* out, std::size_t count, Formula formula,
         out[i] = ToPel<kExcess>(formula(PlainConstants<T>(), static_cast<T>(in[i])...));
 }
 
-/// out[i] = formula(k, in[i]...) in precision T, truncated.
-template <Excess kExcess, class T, class Formula, class... In>
-HWY_INLINE void ComputePels(Pel* out, std::size_t count, Formula formula, const In*... in) {
+/// The same for estimates in single precision that lie within 2^-23 of the formula's double, so that twice
+/// that away from an integer the truncation is sure, and above the largest pel the ceiling.
+template <class Formula, class Estimate, class... In>
+HWY_INLINE void ComputeRoughly(Pel* out, std::size_t count, Formula formula,
+                               [[maybe_unused]] Estimate estimate, const In*... in) {
     std::size_t i = 0;
 #if HWY_TARGET != HWY_SCALAR
-    const hn::ScalableTag<T> d;
-    const hn::Rebind<Pel, decltype(d)> d16;
+    const hn::ScalableTag<float> d;
     const std::size_t lanes = hn::Lanes(d);
+    const auto large = hn::Set(d, 65537.0f);
     for (; i + lanes <= count; i += lanes) {
-        const auto values = formula(LaneConstants<decltype(d)>(), LoadNumbers(d, in + i)...);
-        hn::StoreU(ToPels<kExcess>(d, values), d16, out + i);
+        const auto values = hn::Min(estimate(LaneConstants<decltype(d)>(), LoadNumbers(d, in + i)...), large);
+        const auto distance = hn::Abs(hn::Sub(values, hn::Round(values)));
+        const auto sure =
+            hn::Or(hn::Ge(distance, hn::Mul(values, hn::Set(d, 0x1p-22f))), hn::Ge(values, large));
+        if (hn::AllTrue(d, sure)) {
+            hn::StoreU(ToPels<Excess::kCeiling>(d, values), hn::Rebind<Pel, decltype(d)>(), out + i);
+        } else {
+            ComputePels<Excess::kCeiling, double>(out + i, lanes, formula, (in + i)...);
+        }
     }
 #endif
-    for (; i < count; ++i)
-        out[i] = ToPel<kExcess>(formula(PlainConstants<T>(), static_cast<T>(in[i])...));
+    ComputePels<Excess::kCeiling, double>(out + i, count - i, formula, (in + i)...);
 }
 
 /// The largest formula(k, in[i]...) in double that exceeds `start`, else `start`. NaN exceeds nothing.

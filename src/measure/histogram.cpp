@@ -46,7 +46,7 @@ bool WriteLines(std::FILE* file, std::span<const std::uint32_t> counts) noexcept
 std::int32_t TQ_CALL tqGetHistogram(const TqImage* image, SAFEARRAY** array) {
     const ConstImageView view = LocateImage(image);
     if (!view || array == nullptr) return kInvalidImage;
-    return Guarded(kArrayNotCreated, [&] {
+    return Guarded(kArrayCodes.notCreated, [&] {
         // Counted before the old array goes, so that a lack of memory for it leaves the host's array.
         const std::vector<std::uint32_t> counts = Histogram(view);
         return ReplaceArray<std::uint32_t>(array, VT_I4, counts);

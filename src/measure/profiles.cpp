@@ -56,7 +56,7 @@ template <class Means>
 std::int32_t StoreMeans(const TqImage* image, const Rect& asked, SAFEARRAY** array, Means&& means) {
     const Region region(image, asked);
     if (!region || array == nullptr) return kInvalidImage;
-    return Guarded(kArrayNotCreated, [&] { return ReplaceArray<double>(array, VT_R8, means(region)); });
+    return Guarded(kArrayCodes.notCreated, [&] { return ReplaceArray<double>(array, VT_R8, means(region)); });
 }
 
 /// A line of pels between two points, stepped along its longer axis. Along the other axis it is rounded to

@@ -43,10 +43,7 @@ OwnedImage Mean(const ConstImageView& average, const ConstImageView& fresh, std:
     out.header->LuxPerGrey = std::max(average.header->LuxPerGrey, fresh.header->LuxPerGrey);
     const kernels::RunningMean mean{fresh.header->LuxPerGrey, average.header->LuxPerGrey,
                                     static_cast<double>(count), out.header->LuxPerGrey};
-    const auto pels = ProduceMeasured(out, [&](std::size_t first, std::size_t run) {
-        kernels::FoldIntoMean(mean, fresh.pels + first, average.pels + first, out.pels + first, run);
-    });
-    out.header->MaxPelValue = pels.max;
+    out.header->MaxPelValue = kernels::FoldIntoMean(mean, fresh.pels, average.pels, out.pels, out.Count());
     return result;
 }
 

@@ -4,6 +4,7 @@
 #include "core/image_view.h"
 #include "platform/automation.h"
 #include "platform/int32_table.h"
+#include "platform/record_list.h"
 #include "process/defect_repair.h"
 #include "tqimage/defects.h"
 
@@ -11,12 +12,6 @@ namespace tq {
 namespace {
 
 constexpr std::int32_t kInvalidImage = -1;
-constexpr std::int32_t kNotTwoDimensions = 1;
-constexpr std::int32_t kBadElements = 2;
-constexpr std::int32_t kBadRecord = 3;
-constexpr std::int32_t kUnreadable = 4;
-constexpr std::int32_t kNotLocked = 5;
-constexpr std::int32_t kNotUnlocked = 6;
 constexpr std::int32_t kPelFailed = -11;
 constexpr std::int32_t kColFailed = -21;
 constexpr std::int32_t kColSegmentFailed = -31;
@@ -121,13 +116,6 @@ class DefectRepairer {
     std::int32_t height_;
 };
 
-/// Elements are {record, field}, so the fields are the dimension declared last.
-std::int32_t CheckList(const SAFEARRAY* list) noexcept {
-    if (list == nullptr || list->cDims != 2) return kNotTwoDimensions;
-    if (!HasInt32Elements(list)) return kBadElements;
-    return Int32Table(*list).RightCount() == kFields ? 0 : kBadRecord;
-}
-
 bool ReadDefect(const Int32Table& table, std::int64_t record, Defect& defect) noexcept {
     std::int64_t field = 0;
     for (std::int32_t* value : {&defect.type, &defect.x, &defect.y, &defect.start, &defect.end}) {
@@ -144,9 +132,9 @@ using namespace tq;
 std::int32_t TQ_CALL tqRemoveBadPixels(TqImage* image, std::int32_t originColumn, std::int32_t originRow,
                                        std::int32_t width, std::int32_t height, SAFEARRAY** list) {
     SAFEARRAY* const array = list == nullptr ? nullptr : *list;
-    if (const std::int32_t status = CheckList(array); status != 0) return status;
+    if (const std::int32_t status = CheckRecords(array, kFields); status != 0) return status;
     SafeArrayLockGuard lock(array);
-    if (!lock.Locked()) return kNotLocked;
+    if (!lock.Locked()) return kRecordsNotLocked;
     const ImageView view = LocateImage(image);
     if (!view) return kInvalidImage;
 
@@ -154,12 +142,12 @@ std::int32_t TQ_CALL tqRemoveBadPixels(TqImage* image, std::int32_t originColumn
     const Int32Table table(*array);
     for (std::int64_t record = 0; record < table.LeftCount(); ++record) {
         Defect defect{};
-        if (!ReadDefect(table, record, defect)) return kUnreadable;
+        if (!ReadDefect(table, record, defect)) return kRecordUnreadable;
         if (const std::int32_t status = repairer.Repair(defect); status != 0) {
             // Hosts take a failed repair for a broken list and unlock it themselves.
             lock.KeepLocked();
             return status;
         }
     }
-    return lock.Unlock() ? 0 : kNotUnlocked;
+    return lock.Unlock() ? 0 : kRecordsNotUnlocked;
 }

@@ -84,8 +84,8 @@ std::int32_t TQ_CALL tqNormalizeImage(TqImage** image, TqImage* reference) {
     return Guarded(Status::kNoMemory, [&] {
         // Without a neighbourhood the stored maximum stands.
         StoreLargestNeighbourhoodMean(flat);
-        const double whole = flat.header->MaxPelValue;
-        if (whole == 0.0) return Status::kBlackReference;
+        const float whole = flat.header->MaxPelValue;
+        if (whole == 0.0f) return Status::kBlackReference;
         OwnedImage result(source, NewPels::kUnwritten);
         const ImageView out = result.View();
         const auto pels = ProduceMeasured(out, [&](std::size_t first, std::size_t count) {

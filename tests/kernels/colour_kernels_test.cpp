@@ -2,6 +2,7 @@
 #include <cstring>
 #include <limits>
 
+#include "kernels/adaptive_colour.h"
 #include "kernels/channel_mix.h"
 #include "kernels/chromaticity.h"
 #include "simd_targets.h"
@@ -9,6 +10,7 @@
 namespace {
 
 using namespace tq::kernels;
+using tq::FixedPower;
 
 constexpr std::size_t kPels = 131;
 
@@ -45,9 +47,29 @@ std::vector<unsigned char> ResultsOf(std::size_t count, double odd) {
         StoreRatios(rows, ratio, -0.1, 30000.0, out[0]);
         keep(pels[0]);
     }
+    const FixedPower power(0.85);
+    const Calibration calibrations[] = {{0.2, 0.4, {1, odd, 0, 0, 1, 0, 0, 0, 1}},
+                                        {0.0, 0.0, {0, 1, 0, 1, 0, 0, 0, 0, odd}},
+                                        {odd, 0.5, {2, 0, 0, 0, 2, 0, 0, 0, 2}}};
+    for (const FixedPower* use : {static_cast<const FixedPower*>(nullptr), &power}) {
+        const AdaptiveMix adaptive{{1, 0, 0, 0, 1, 0, 0, odd, 1}, {0.013, 1.0, 0.7}, calibrations, 3, use};
+        std::vector<double> mixed(3 * kPels);
+        double* const into[3] = {mixed.data(), mixed.data() + kPels, mixed.data() + 2 * kPels};
+        MixAdaptively(runs, adaptive, into);
+        SelectNearest(runs, adaptive, out[1]);
+        keep(pels[1]);
+        for (double* const row : into) {
+            keep(std::array<double, 1>{LargestValue(row, count, 1.0)});
+            StoreInUnits(row, count, 0.3, out[2]);
+            keep(pels[2]);
+        }
+    }
     std::vector<float> values(kPels, -1.0f);
     ColourDifferences(rows, {{1, 0, 0, 0, 1, 0, 0, odd, 1}, 0.013, 2.5, 0.7}, {0.2, 0.47, 300.0},
                       values.data());
+    keep(values);
+    LocalDifferences(rows, {z.data(), x.data(), y.data(), count},
+                     {{1, 0, 0, 0, 1, 0, 0, odd, 1}, 0.013, 2.5, 0.7}, values.data());
     keep(values);
     EllipseDistances(rows, {{1, 0, 0, 0, 1, 0, 0, odd, 1}, 0.2f, 0.47f, 1000.0, -300.0, 400.0},
                      values.data());

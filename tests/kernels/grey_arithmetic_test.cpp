@@ -69,14 +69,15 @@ TEST_F(GreyArithmetic, OneImageTimesANumber) {
 TEST_F(GreyArithmetic, MeansOfTwoScales) {
     for (const double sa : kScales) {
         for (const double sb : kScales) {
-            for (const double n : {2.0, 3.0, 10.0, 4096.0, 4097.0, 2147483647.0}) {
+            for (const double n : {2.0, 3.0, 10.0, 2048.0, 2049.0, 4096.0, 4097.0, 2147483647.0}) {
                 SCOPED_TRACE(testing::Message() << sa << ", " << sb << ", " << n);
                 const double scale = std::max(sa, sb);
                 Check(
                     [=](auto a, auto b, auto out, auto count) {
-                        kernels::FoldIntoMean(
+                        const Pel largest = kernels::FoldIntoMean(
                             {static_cast<float>(sb), static_cast<float>(sa), n, static_cast<float>(scale)}, a,
                             b, out, count);
+                        EXPECT_EQ(largest, *std::max_element(out, out + count));
                     },
                     [=](double a, double b) {
                         return WrapToPel(TruncToInt32((a * sb + b * sa * (n - 1)) / n / scale));
@@ -105,13 +106,16 @@ TEST_F(GreyArithmetic, SinglePrecisionSteps) {
 }
 
 TEST_F(GreyArithmetic, QuotientsOfTwoImages) {
-    for (const double sa : kScales) {
-        Check([=](auto a, auto b, auto out, auto n) { kernels::DivideByFlatField(a, b, sa, out, n); },
+    for (const float whole : {40000.3f, 65535.0f, 65536.0f, 1.0f, 0.5f, -2.0f, 0.0f, kInfinity, kNan}) {
+        SCOPED_TRACE(whole);
+        Check([=](auto a, auto b, auto out, auto n) { kernels::DivideByFlatField(a, b, whole, out, n); },
               [=](double a, double b) {
-                  const double fraction = b / sa;
+                  const double fraction = b / static_cast<double>(whole);
                   const double v = fraction == 0.0 ? 0.0 : a / fraction;
                   return v > 65535.0 ? Pel{65535} : WrapToPel(TruncToInt32(v));
               });
+    }
+    for (const double sa : kScales) {
         for (const double sb : kScales) {
             SCOPED_TRACE(testing::Message() << sa << ", " << sb);
             const kernels::LuminanceRatio ratio{sa, sb, 1.0};

@@ -7,7 +7,10 @@ namespace tqtest {
 bool CanFailAllocations() noexcept {
     return false;
 }
-AllocationFailure::AllocationFailure(int) noexcept {}
+long LiveAllocations() noexcept {
+    return 0;
+}
+AllocationFailure::AllocationFailure(int, Afterwards) noexcept {}
 AllocationFailure::~AllocationFailure() = default;
 bool AllocationFailure::Happened() noexcept {
     return false;
@@ -24,22 +27,32 @@ namespace {
 
 thread_local int allocationsLeft = 0;
 thread_local bool happened = false;
+thread_local bool allLater = false;
+thread_local long live = 0;
+
+/// Counts this allocation; true when it is one of those that fail.
+bool Fails() noexcept {
+    if (allocationsLeft == 0 || --allocationsLeft > 0) {
+        ++live;
+        return false;
+    }
+    happened = true;
+    if (allLater) allocationsLeft = 1;
+    return true;
+}
 
 void* Allocate(std::size_t bytes) noexcept {
-    if (allocationsLeft > 0 && --allocationsLeft == 0) {
-        happened = true;
-        return nullptr;
-    }
-    return std::malloc(bytes == 0 ? 1 : bytes);
+    return Fails() ? nullptr : std::malloc(bytes == 0 ? 1 : bytes);
 }
 
 void* AllocateAligned(std::size_t bytes, std::align_val_t alignment) noexcept {
-    if (allocationsLeft > 0 && --allocationsLeft == 0) {
-        happened = true;
-        return nullptr;
-    }
     const auto step = static_cast<std::size_t>(alignment);
-    return std::aligned_alloc(step, (bytes + step - 1) / step * step);
+    return Fails() ? nullptr : std::aligned_alloc(step, (bytes + step - 1) / step * step);
+}
+
+void Release(void* memory) noexcept {
+    if (memory != nullptr) --live;
+    std::free(memory);
 }
 
 void* OrThrow(void* memory) {
@@ -69,34 +82,34 @@ void* operator new[](std::size_t bytes, std::align_val_t alignment) {
     return OrThrow(AllocateAligned(bytes, alignment));
 }
 void operator delete(void* memory) noexcept {
-    std::free(memory);
+    Release(memory);
 }
 void operator delete[](void* memory) noexcept {
-    std::free(memory);
+    Release(memory);
 }
 void operator delete(void* memory, std::size_t) noexcept {
-    std::free(memory);
+    Release(memory);
 }
 void operator delete[](void* memory, std::size_t) noexcept {
-    std::free(memory);
+    Release(memory);
 }
 void operator delete(void* memory, std::align_val_t) noexcept {
-    std::free(memory);
+    Release(memory);
 }
 void operator delete[](void* memory, std::align_val_t) noexcept {
-    std::free(memory);
+    Release(memory);
 }
 void operator delete(void* memory, std::size_t, std::align_val_t) noexcept {
-    std::free(memory);
+    Release(memory);
 }
 void operator delete[](void* memory, std::size_t, std::align_val_t) noexcept {
-    std::free(memory);
+    Release(memory);
 }
 void operator delete(void* memory, const std::nothrow_t&) noexcept {
-    std::free(memory);
+    Release(memory);
 }
 void operator delete[](void* memory, const std::nothrow_t&) noexcept {
-    std::free(memory);
+    Release(memory);
 }
 
 namespace tqtest {
@@ -105,8 +118,13 @@ bool CanFailAllocations() noexcept {
     return true;
 }
 
-AllocationFailure::AllocationFailure(int nth) noexcept {
+long LiveAllocations() noexcept {
+    return live;
+}
+
+AllocationFailure::AllocationFailure(int nth, Afterwards afterwards) noexcept {
     happened = false;
+    allLater = afterwards == Afterwards::kFail;
     allocationsLeft = nth;
 }
 

@@ -9,10 +9,16 @@ namespace tqtest {
 /// True where operator new of the test program is also the library's: the allocations of a DLL are its own.
 bool CanFailAllocations() noexcept;
 
+/// Blocks of operator new that this thread has made and not released, more or less than the others did.
+long LiveAllocations() noexcept;
+
+/// What becomes of the allocations after the one that failed.
+enum class Afterwards { kSucceed, kFail };
+
 /// Lets the n-th operator new of this thread throw std::bad_alloc, counted from 1, while it lives.
 class AllocationFailure {
   public:
-    explicit AllocationFailure(int nth) noexcept;
+    explicit AllocationFailure(int nth, Afterwards afterwards = Afterwards::kSucceed) noexcept;
     AllocationFailure(const AllocationFailure&) = delete;
     AllocationFailure& operator=(const AllocationFailure&) = delete;
     ~AllocationFailure();

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "calibration/surface_points.h"
+
+namespace tq {
+
+/// Longest side of the rectangles in which surfaces are evaluated: what is far from such a rectangle looks
+/// much the same from all of its pels, and its values stay in the first-level cache.
+inline constexpr std::int32_t kTileSide = 64;
+
+/// A rectangle of pels, up to kTileSide long.
+struct SurfaceTile {
+    std::int32_t col;
+    std::int32_t row;
+    std::int32_t cols;
+    std::int32_t rows;
+};
+
+/// A surface through, or along, scattered points.
+class Surface {
+  public:
+    virtual ~Surface() = default;
+    /// The surface at the pels of a tile, row after row. Not const: surfaces keep their buffers.
+    virtual void Evaluate(const SurfaceTile& tile, float* values) = 0;
+};
+
+/// The mean of all points, weighted by the inverse squared distance (Shepard 1968).
+std::unique_ptr<Surface> MakeShepardSurface(SurfacePoints points);
+/// The same of the twelve nearest points, with weights that fall to 0 at the thirteenth (Franke and Little).
+std::unique_ptr<Surface> MakeLocalShepardSurface(SurfacePoints points);
+/// The polynomial of least squares.
+std::unique_ptr<Surface> MakePolynomialSurface(const SurfacePoints& points);
+/// The surface of least bending through the points (Duchon 1977).
+std::unique_ptr<Surface> MakeThinPlateSurface(SurfacePoints points);
+/// The polynomial, and the least bending of what it leaves.
+std::unique_ptr<Surface> MakePolynomialThinPlateSurface(SurfacePoints points);
+/// Linear on the triangles between the points.
+std::unique_ptr<Surface> MakeTriangulatedSurface(const SurfacePoints& points);
+
+/// A finite number whatever the surface does.
+float ToSurfaceValue(double value) noexcept;
+
+}  // namespace tq

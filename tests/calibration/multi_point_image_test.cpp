@@ -1,0 +1,318 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <functional>
+#include <limits>
+#include <random>
+#include <vector>
+
+#include "automation_host.h"
+#include "failing_allocator.h"
+#include "images.h"
+#include "tqimage/multi_point_calibration.h"
+
+namespace {
+
+using tqtest::HostArray;
+using tqtest::Image;
+using tqtest::MakeImage;
+using tqtest::SamePels;
+
+struct Point {
+    double col, row, value;
+};
+
+double Draw(std::mt19937& random, std::uint32_t below) {
+    return static_cast<double>(random() % below);
+}
+using Formula = std::function<double(double, double)>;
+
+HostArray List(const std::vector<Point>& points) {
+    return tqtest::MakeDoubleArray(static_cast<std::uint32_t>(points.size()), 3, [&](int point, int field) {
+        const Point& p = points[static_cast<std::size_t>(point)];
+        return field == 0 ? p.col : field == 1 ? p.row : p.value;
+    });
+}
+
+TqMultiPointSettings Settings(std::int32_t method, std::int32_t cols, std::int32_t rows) {
+    return {1, cols, rows, method, {-1, -1}, 0.0f, 0.0f, 1e6f, 1e6f};
+}
+
+Image Build(const TqMultiPointSettings& settings, const std::vector<Point>& points) {
+    Image image(2, 2);
+    HostArray list = List(points);
+    EXPECT_EQ(tqBuildMultiPointImage(image.Address(), &settings, list.Address()), 0);
+    EXPECT_EQ(list.Locks(), 0u);
+    return image;
+}
+
+double ValueAt(const Image& image, std::int32_t col, std::int32_t row) {
+    return static_cast<std::int16_t>(image(col, row)) * static_cast<double>(image.Header().LuxPerGrey);
+}
+
+/// nCols x nRows points from corner to corner, on whole pels.
+std::vector<Point> Grid(std::int32_t cols, std::int32_t rows, int nCols, int nRows, const Formula& value) {
+    std::vector<Point> points;
+    for (int j = 0; j < nRows; ++j) {
+        for (int i = 0; i < nCols; ++i) {
+            const int col = i * (cols - 1) / (nCols - 1), row = j * (rows - 1) / (nRows - 1);
+            points.push_back({col * 1.0, row * 1.0, value(col, row)});
+        }
+    }
+    return points;
+}
+
+double LargestError(const Image& image, const Formula& value) {
+    double largest = 0.0;
+    for (std::int32_t row = 0; row < image.Rows(); ++row) {
+        for (std::int32_t col = 0; col < image.Cols(); ++col)
+            largest = std::max(largest, std::abs(ValueAt(image, col, row) - value(col, row)));
+    }
+    return largest;
+}
+
+/// A step of the encoding; a value is truncated to one.
+double Step(const Image& image) {
+    return image.Header().LuxPerGrey * 1.01;
+}
+
+TEST(MultiPointImage, SurfacesReproduceWhatTheyAreMadeFor) {
+    const Formula constant = [](double, double) { return 2.5; };
+    const Formula plane = [](double c, double r) { return 3.0 + 0.01 * c - 0.02 * r; };
+    const Formula square = [](double c, double r) {
+        return 1.0 + 1e-4 * c * c - 2e-4 * c * r + 3e-5 * r * r;
+    };
+    struct Case {
+        Formula value;
+        std::vector<int> methods;
+    };
+    for (const Case& c :
+         {Case{constant, {-1, 0, 1, 2, 3, 4, 5, 6}}, Case{plane, {2, 3, 4, 5}}, Case{square, {2, 3}}}) {
+        for (const int method : c.methods) {
+            const Image image = Build(Settings(method, 131, 97), Grid(131, 97, 6, 5, c.value));
+            EXPECT_LE(LargestError(image, c.value), Step(image)) << method;
+        }
+    }
+}
+
+TEST(MultiPointImage, AllButThePolynomialPassThroughTheirPoints) {
+    std::mt19937 random(5);
+    std::vector<Point> points;
+    for (int i = 0; i < 60; ++i)
+        points.push_back({Draw(random, 150), Draw(random, 110), Draw(random, 2001) * 1e-3 - 1.0});
+    points.push_back({7, 9, 1.25});
+    std::vector<Point> many =
+        Grid(150, 110, 40, 30, [&](double, double) { return Draw(random, 100) / 99.0; });
+    for (const std::vector<Point>& list : {points, many}) {
+        for (const int method : {0, 1, 2, 4, 5}) {
+            const Image image = Build(Settings(method, 150, 110), list);
+            for (const Point& p : list) {
+                ASSERT_NEAR(ValueAt(image, static_cast<int>(p.col), static_cast<int>(p.row)), p.value,
+                            Step(image))
+                    << method << " at " << p.col << ", " << p.row;
+            }
+        }
+    }
+}
+
+double FallOff(double col, double row) {
+    const double square = std::pow(col - 99.5, 2) + std::pow(row - 74.5, 2);
+    return 1.0 - 0.32 * square / (99.5 * 99.5 + 74.5 * 74.5);
+}
+
+TEST(MultiPointImage, FortyNinePointsOfACornerFallOff) {
+    struct Case {
+        int method;
+        double percent;
+    };
+    // The fall-off of a real lens is no polynomial of degree 4.
+    const Formula lens = [](double c, double r) { return std::pow(FallOff(c, r), 1.3); };
+    for (const Case& c : {Case{2, 0.3}, Case{4, 1}, Case{5, 4}, Case{1, 8}}) {
+        const Image image = Build(Settings(c.method, 200, 150), Grid(200, 150, 7, 7, lens));
+        EXPECT_LT(LargestError(image, lens), c.percent / 100) << c.method;
+    }
+}
+
+TEST(MultiPointImage, BuiltFromTheInverseItFlattensTheField) {
+    // The fourth power of the cosine, 68 % in the corners.
+    const Formula vignetting = [](double c, double r) {
+        return std::pow(1.0 + (1.0 - FallOff(c, r)) / 0.32 * (1.0 / std::sqrt(0.68) - 1.0), -2);
+    };
+    const auto points = Grid(200, 150, 7, 7, [&](double c, double r) { return 1.0 / vignetting(c, r); });
+    for (const int method : {2, 3}) {
+        const Image correction = Build(Settings(method, 200, 150), points);
+        Image field =
+            MakeImage(200, 150, [&](int c, int r) { return std::lround(40000 * vignetting(c, r)); });
+        ASSERT_EQ(tqApplyMultiPointCalibration(field.Address(), correction), 0);
+        const std::vector<std::uint16_t> pels = field.Values();
+        const auto [least, most] = std::minmax_element(pels.begin(), pels.end());
+        EXPECT_LT(*most - *least, 40000 * 0.0015);
+        EXPECT_NEAR(*least, 40000, 60);
+    }
+}
+
+TEST(MultiPointImage, HeaderAndEncoding) {
+    Image image = Build(Settings(5, 31, 20), {{0, 0, 1.0}, {30, 0, -4.0}, {0, 19, 2.0}, {30, 19, 3.0}});
+    const TqImageHeader h = image.Header();
+    TqImageHeader expected{31, 20, 1.0f, 1.0f, 15.0f, 9.5f, 0.0, 4.0f / 32000, 0.0f, 32000.0f, 0.0f, 1, 1, 0};
+    EXPECT_TRUE(tqtest::SameHeader(h, expected));
+    EXPECT_EQ(image(30, 0), 65536 - 32000);
+    EXPECT_EQ(image(0, 0), 8000);
+    EXPECT_EQ(image(30, 19), 24000);
+
+    // Below -9998 there is no value, and it does not count as the largest; -9998 itself is one, that does not
+    // count either.
+    image = Build(Settings(5, 3, 1), {{0, 0, -9999}, {1, 0, 2}, {2, 0, -9998}});
+    EXPECT_TRUE(SamePels(image, MakeImage(3, 1, {65535, 32000, (-9998 * 16000) & 0xFFFF})));
+    image = Build(Settings(4, 3, 2), {{0, 0, 0}, {2, 1, 0}});
+    EXPECT_EQ(image.Header().LuxPerGrey, 0.0f);
+    EXPECT_TRUE(SamePels(image, Image(3, 2)));
+}
+
+TEST(MultiPointImage, ModesAndValidArea) {
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    const std::vector<Point> points{{0, 0, -2}, {7, 0, 2}, {0, 5, -2}, {7, 5, 2}};
+    for (const std::int32_t mode : {0, 1, 2, -7}) {
+        TqMultiPointSettings settings{mode, 8, 6, 5, {0, 0}, 0.5f, 1.0f, 6.0f, 4.9f};
+        const Image image = Build(settings, points);
+        const double largest = mode == 2 ? 2 - 4.0 / 7 : std::max(2 - 4.0 / 7, mode == 0 ? 1.0 : 0.0);
+        for (int row = 0; row < 6; ++row) {
+            for (int col = 0; col < 8; ++col) {
+                const bool valid = col >= 1 && col <= 6 && row >= 1 && row <= 4;
+                double value = -2 + col * 4.0 / 7;
+                if (mode == 2) value = std::max(value, 0.0);
+                if (!valid && mode != 0) {
+                    EXPECT_EQ(image(col, row), 65535) << mode;
+                } else {
+                    const double pel = (valid ? value : 1.0) * 32000 / largest;
+                    EXPECT_NEAR(static_cast<std::int16_t>(image(col, row)), pel, 1.0) << mode;
+                }
+            }
+        }
+        settings.MinColumn = settings.MaxColumn = settings.MinRow = settings.MaxRow = nan;
+        EXPECT_TRUE(
+            SamePels(Build(settings, points), Build({mode, 8, 6, 5, {0, 0}, -9, -9, 99, 99}, points)));
+        settings.MinColumn = 9.0f;
+        const Image nothing = Build(settings, points);
+        EXPECT_TRUE(SamePels(nothing, MakeImage(8, 6, [&](int, int) { return mode == 0 ? 32000 : 0; })));
+    }
+}
+
+TEST(MultiPointImage, DegenerateListsStayWithinReason) {
+    std::mt19937 random(11);
+    std::vector<Point> line, coincident, tiny, many, ring;
+    for (int i = 0; i < 40; ++i) {
+        line.push_back({10.0 + 3 * i, 5.0 + 2 * i, 1.0 + 0.01 * i});
+        coincident.push_back({50, 40, 1.0 + 0.5 * (i % 2)});
+        tiny.push_back({50 + 1e-4 * (i % 7), 40 + 1e-4 * (i % 5), 1.0 + 0.01 * i});
+        ring.push_back({60 + 30 * std::cos(i * 0.157), 45 + 30 * std::sin(i * 0.157), 1.0 + 0.01 * i});
+    }
+    for (int i = 0; i < 10000; ++i) {
+        const double col = Draw(random, 120000) / 1000;
+        many.push_back({col, Draw(random, 90000) / 1000, 1 + col / 300});
+    }
+    const double nan = std::numeric_limits<double>::quiet_NaN(), infinity = HUGE_VAL;
+    const std::vector<std::vector<Point>> lists{
+        {},
+        {{3, 4, 1.5}},
+        {{3, 4, 1.5}, {90, 4, 1}},
+        {{0, 0, 1}, {9, 0, 1.5}, {50, 50, 1.2}},
+        line,
+        coincident,
+        tiny,
+        ring,
+        many,
+        {{nan, 0, 1}, {0, infinity, 1}, {5, 5, nan}, {1e300, 0, 1}, {7, 7, 1.25}},
+        {{1e30, -1e30, 1}, {-1e38, 3, 1.5}, {4, 4, 1.25}},
+        {{3, 3, 3e38}, {9, 5, -3e38}, {60, 60, 3e38}}};
+    for (std::size_t i = 0; i < lists.size(); ++i) {
+        for (int method = 0; method <= 5; ++method) {
+            // The polynomial and the spline share their code with method 2.
+            if (i == 8 && (method == 0 || method > 2)) continue;
+            SCOPED_TRACE(testing::Message() << "list " << i << ", method " << method);
+            const Image image = Build(Settings(method, 120, 90), lists[i]);
+            const double lux = image.Header().LuxPerGrey;
+            ASSERT_TRUE(std::isfinite(lux));
+            if (i == 8) {
+                EXPECT_LT(LargestError(image, [](double c, double) { return 1 + c / 300; }), 0.005);
+            }
+            if (i == 0) {
+                EXPECT_EQ(lux, 0.0);
+            } else if (i < 11) {
+                // Splines and polynomials may swing beyond the values; nothing may explode.
+                const bool mean = method < 2 || method == 5;
+                EXPECT_LE(lux * 32000, mean ? 1.5001 : 10.0);
+                EXPECT_GE(lux * 32000, 0.99);
+            }
+        }
+    }
+}
+
+TEST(MultiPointImage, EveryTypeOfElementAndTheirRefusals) {
+    const auto field = [](int point, int f) {
+        return f == 0 ? 5 * point : f == 1 ? point * point : 3 + point;
+    };
+    const TqMultiPointSettings settings = Settings(4, 20, 12);
+    Image expected;
+    HostArray doubles = tqtest::MakeDoubleArray(4, 3, field);
+    ASSERT_EQ(tqBuildMultiPointImage(expected.Address(), &settings, doubles.Address()), 0);
+    HostArray plain = tqtest::MakeInt32Array(4, 3, field);
+    plain->fFeatures = static_cast<USHORT>(plain->fFeatures & ~FADF_HAVEVARTYPE);
+    HostArray same[] = {tqtest::MakeInt32Array(4, 3, field), tqtest::MakeInt16Array(4, 3, field),
+                        tqtest::MakeArray<float>(VT_R4, 4, 3, field), std::move(plain)};
+    Image image;
+    for (HostArray& list : same) {
+        ASSERT_EQ(tqBuildMultiPointImage(image.Address(), &settings, list.Address()), 0);
+        EXPECT_TRUE(SamePels(expected, image));
+    }
+
+    struct Refusal {
+        HostArray list;
+        std::int32_t status;
+    };
+    Refusal refusals[] = {{HostArray(), 1},
+                          {HostArray(VT_R8, {{3}}), 1},
+                          {HostArray(VT_R8, {{2}, {2}, {3}}), 1},
+                          {HostArray(VT_UI2, {{2}, {3}}), 2},
+                          {HostArray(VT_I8, {{2}, {3}}), 2},
+                          {HostArray(VT_R8, {{2}, {4}}), 3},
+                          {HostArray(VT_I4, {{3}, {2}}), 3},
+                          {HostArray(VT_I4, {{2, 1}, {3}}), 4},
+                          {HostArray(VT_I4, {{2}, {3, 1}}), 4}};
+    for (Refusal& r : refusals) {
+        EXPECT_EQ(tqBuildMultiPointImage(image.Address(), &settings, r.list.Address()), r.status);
+        EXPECT_EQ(r.list.Get() == nullptr ? 0u : r.list.Locks(), 0u);
+    }
+    doubles->cLocks = 65535;
+    EXPECT_EQ(tqBuildMultiPointImage(image.Address(), &settings, doubles.Address()), 5);
+    doubles->cLocks = 0;
+    EXPECT_EQ(tqBuildMultiPointImage(image.Address(), &settings, nullptr), 1);
+    EXPECT_EQ(tqBuildMultiPointImage(nullptr, &settings, doubles.Address()), -2);
+    EXPECT_EQ(tqBuildMultiPointImage(image.Address(), nullptr, doubles.Address()), -2);
+    for (const auto& [cols, rows] : {std::pair{0, 5}, std::pair{5, 8001}, std::pair{-1, 5}}) {
+        const TqMultiPointSettings bad = Settings(0, cols, rows);
+        EXPECT_EQ(tqBuildMultiPointImage(image.Address(), &bad, doubles.Address()), -2);
+    }
+    EXPECT_TRUE(SamePels(expected, image)) << "untouched by all refusals";
+    EXPECT_EQ(doubles.Locks(), 0u);
+}
+
+TEST(MultiPointImage, WithoutMemory) {
+    if (!tqtest::CanFailAllocations()) GTEST_SKIP();
+    HostArray list = tqtest::MakeDoubleArray(9, 3, [](int point, int f) {
+        return f == 0 ? point % 3 * 4.0 : f == 1 ? point / 3 * 3.0 : 1.0 + point;
+    });
+    for (int method = 0; method <= 5; ++method) {
+        const TqMultiPointSettings settings = Settings(method, 10, 8);
+        Image image(2, 2);
+        EXPECT_GE(
+            tqtest::FailEachAllocation(
+                -2, 0, [&] { return tqBuildMultiPointImage(image.Address(), &settings, list.Address()); },
+                [&] { EXPECT_EQ(list.Locks(), 0u); }),
+            5);
+    }
+}
+
+}  // namespace

@@ -1,0 +1,129 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <iterator>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "call_table.h"
+#include "failing_allocator.h"
+
+namespace tqtest {
+namespace {
+
+std::vector<std::uint8_t> BytesOf(const TqImage* image) {
+    if (image == nullptr) return {};
+    TqImageHeader header;
+    std::memcpy(&header, image, sizeof header);
+    const std::size_t pels =
+        header.PelCols < 1 || header.PelRows < 1
+            ? 0
+            : static_cast<std::size_t>(header.PelCols) * static_cast<std::size_t>(header.PelRows);
+    const auto* first = reinterpret_cast<const std::uint8_t*>(image);
+    return {first, first + sizeof header + 2 * pels};
+}
+
+/// Lets allocations fail during the call, and remembers the images that it found.
+class FailingCall : public CallWatch {
+  public:
+    FailingCall(Scene& scene, int nth, Afterwards afterwards)
+        : scene_(scene), nth_(nth), afterwards_(afterwards) {
+        scene.SetWatch(this);
+    }
+    void Before() override {
+        for (std::size_t i = 0; i < kImages; ++i) {
+            blocks_[i] = scene_.Slot(i);
+            bytes_[i] = BytesOf(scene_.Slot(i));
+        }
+        failure_.emplace(nth_, afterwards_);
+    }
+    void After() override {
+        happened_ = AllocationFailure::Happened();
+        failure_.reset();
+    }
+    bool Happened() const { return happened_; }
+    /// Each image as it was before the call, or gone.
+    bool KeptImages() const {
+        for (std::size_t i = 0; i < kImages; ++i) {
+            const TqImage* const now = scene_.Slot(i);
+            if (now != nullptr && (now != blocks_[i] || BytesOf(now) != bytes_[i])) return false;
+        }
+        return true;
+    }
+
+  private:
+    Scene& scene_;
+    int nth_;
+    Afterwards afterwards_;
+    std::optional<AllocationFailure> failure_;
+    std::array<const TqImage*, kImages> blocks_{};
+    std::array<std::vector<std::uint8_t>, kImages> bytes_;
+    bool happened_ = false;
+};
+
+struct Outcome {
+    std::uint64_t print = 0;
+    double result = 0;
+    bool happened = false, kept = false;
+    long leaked = 0;
+};
+
+Outcome CallWithFailure(const CallEntry& entry, int number, int nth, Afterwards afterwards) {
+    Outcome outcome;
+    const long before = LiveAllocations();
+    {
+        Draw draw(FingerprintOf(entry.name) + static_cast<std::uint64_t>(number));
+        Scene scene(draw, 24);
+        FailingCall failing(scene, nth, afterwards);
+        Fingerprint print;
+        entry.call(scene, print);
+        scene.Add(print);
+        outcome = {print.Value(), scene.Result(), failing.Happened(), failing.KeptImages(), 0};
+    }
+    outcome.leaked = LiveAllocations() - before;
+    return outcome;
+}
+
+/// Functions that change an image before they need memory: the passes that stand, the maximum of the source
+/// or of the reference that is brought up to date.
+bool MayChangeImages(std::string_view name) {
+    constexpr std::string_view kNames[] = {"tqHistoEqualize", "tqLocalHistoEqualize", "tqNormalizeImage",
+                                           "tqSmoothImage", "tqSmoothImage0"};
+    return std::find(std::begin(kNames), std::end(kNames), name) != std::end(kNames);
+}
+
+/// Whichever allocation fails, alone or with all that follow, a function either does without it or returns
+/// another code than it would have, leaves every image of the host as it was or releases it, and leaks
+/// nothing.
+TEST(AllocationFailures, EveryFunctionReportsThemAndKeepsTheImages) {
+    constexpr int kCalls = 12, kMostAllocations = 400;
+    int failures = 0;
+    for (const CallEntry& entry : AllCalls()) {
+        for (int number = 0; number < kCalls; ++number) {
+            CallWithFailure(entry, number, 0, Afterwards::kSucceed);  // what is made once in a process
+            const Outcome whole = CallWithFailure(entry, number, 0, Afterwards::kSucceed);
+            EXPECT_EQ(whole.leaked, 0) << entry.name << ", call " << number;
+            for (const Afterwards afterwards : {Afterwards::kSucceed, Afterwards::kFail}) {
+                for (int nth = 1; nth < kMostAllocations; ++nth) {
+                    const Outcome outcome = CallWithFailure(entry, number, nth, afterwards);
+                    if (!outcome.happened) break;
+                    ++failures;
+                    const bool unharmed = outcome.print == whole.print;
+                    const bool reported =
+                        outcome.result != whole.result && (outcome.kept || MayChangeImages(entry.name));
+                    EXPECT_TRUE((unharmed || reported) && outcome.leaked == 0)
+                        << entry.name << ", call " << number << ", allocation " << nth << ": returned "
+                        << outcome.result << " for " << whole.result << ", images "
+                        << (outcome.kept ? "kept" : "changed") << ", leaked " << outcome.leaked;
+                }
+            }
+        }
+    }
+    EXPECT_GT(failures, 1000);
+}
+
+}  // namespace
+}  // namespace tqtest

@@ -1,0 +1,84 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string_view>
+#include <type_traits>
+
+#include "draw.h"
+#include "tqimage/keystone.h"
+#include "tqimage/tqimage.h"
+
+namespace tqtest {
+
+/// Whether a function may be given anything, or only what its contract allows.
+enum class Checking { kChecked, kUnchecked };
+
+constexpr std::size_t kImages = 4;
+
+/// What happens around each call of the library, and nothing else.
+class CallWatch {
+  public:
+    virtual ~CallWatch() = default;
+    virtual void Before() = 0;
+    virtual void After() = 0;
+};
+
+/// What a call finds: a few images of mostly one size in one style. Results land among them, so a sequence of
+/// calls works on what earlier calls made.
+class Scene {
+  public:
+    /// The sizes are below `largest`.
+    Scene(Draw& draw, std::int32_t largest);
+    Scene(const Scene&) = delete;
+    Scene& operator=(const Scene&) = delete;
+    ~Scene();
+
+    Draw& Choice() { return draw_; }
+    std::int32_t Cols() const { return cols_; }
+    std::int32_t Rows() const { return rows_; }
+    TqImage*& Slot(std::size_t index) { return images_.at(index); }
+    /// One of the images; now and then none, unless it must be valid.
+    TqImage* AnyImage(Checking checking);
+    TqImage** AnySlot();
+
+    TqImageHeader DrawHeader(std::int32_t cols, std::int32_t rows);
+    TqImage* MakeImage(std::int32_t cols, std::int32_t rows);
+    TqDistortionMap* MakeMap();
+    std::int32_t DrawInt(std::string_view name, Checking checking);
+    double DrawReal(std::string_view name);
+
+    void Add(Fingerprint& print) const;
+
+    void SetWatch(CallWatch* watch) { watch_ = watch; }
+    /// Makes a call and adds what it returns.
+    template <class Call>
+    void Make(Fingerprint& print, Call&& call) {
+        if (watch_ != nullptr) watch_->Before();
+        if constexpr (std::is_void_v<decltype(call())>) {
+            call();
+        } else {
+            const auto result = call();
+            result_ = static_cast<double>(result);
+            print.Add(result);
+        }
+        if (watch_ != nullptr) watch_->After();
+    }
+    /// What the last call returned.
+    double Result() const { return result_; }
+
+  private:
+    Draw& draw_;
+    CallWatch* watch_ = nullptr;
+    double result_ = 0;
+    std::int32_t largest_;
+    std::int32_t cols_, rows_;
+    std::array<TqImage*, kImages> images_{};
+};
+
+/// Adds header and pels, without the bits that no contract fixes.
+void AddHeader(Fingerprint& print, const TqImageHeader& header);
+void AddImage(Fingerprint& print, const TqImage* image);
+void AddMap(Fingerprint& print, const TqDistortionMap* map);
+
+}  // namespace tqtest

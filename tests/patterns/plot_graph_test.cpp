@@ -1,0 +1,124 @@
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <numbers>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "images.h"
+#include "tqimage/plots.h"
+
+namespace {
+
+using namespace tqtest;
+
+constexpr double kGap = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+enum Type { kPoints, kLine, kBars, kSteps, kFilled, kPolarCurve };
+
+Image Graph(const std::vector<double>& values, int cols, int rows, Type type, double low = 0,
+            double high = 0) {
+    Image graph;
+    EXPECT_EQ(tqCreateGraphType(graph.Address(), values.data(), static_cast<std::int32_t>(values.size()),
+                                cols, rows, type, low, high),
+              0);
+    return graph;
+}
+
+/// The rows that are lit in a column, first and last; {rows, -1} when none is.
+std::pair<int, int> Lit(const Image& graph, int col) {
+    std::pair<int, int> lit{graph.Rows(), -1};
+    for (int row = 0; row < graph.Rows(); ++row) {
+        if (graph(col, row) != 0) lit = {std::min(lit.first, row), row};
+    }
+    return lit;
+}
+
+/// One picture a line, '#' lit.
+std::vector<std::string> Picture(const Image& graph) {
+    std::vector<std::string> lines;
+    for (int row = 0; row < graph.Rows(); ++row) {
+        lines.emplace_back();
+        for (int col = 0; col < graph.Cols(); ++col)
+            lines.back() += graph(col, row) == 65535 ? '#' : graph(col, row) == 0 ? '.' : '?';
+    }
+    return lines;
+}
+
+TEST(Graph, ReadBackThroughItsHeaderGivesItsValues) {
+    std::vector<double> values;
+    for (int i = 0; i < 60; ++i)
+        values.push_back(2.5 + 2.2 * std::sin(i * 0.21));
+    for (const Type type : {kPoints, kLine, kBars, kSteps, kFilled}) {
+        for (const int cols : {60, 200, 613}) {
+            const Image graph = Graph(values, cols, 400, type, -1, 5);
+            const TqImageHeader& header = graph.Header();
+            for (std::size_t i = 0; i < values.size(); ++i) {
+                SCOPED_TRACE(testing::Message()
+                             << "type " << type << ", " << cols << " columns, sample " << i);
+                const double place = header.CenterCol + static_cast<double>(i) * header.PelsPerMeterX;
+                const double row = header.CenterRow - values[i] * header.PelsPerMeterY;
+                const auto [top, bottom] = Lit(graph, static_cast<int>(std::nearbyint(place)));
+                if (type == kLine || type == kSteps) {
+                    EXPECT_TRUE(top <= row + 0.501 && bottom >= row - 0.501);
+                    // A line covers half a column to each side; the joins of steps are beside their middles.
+                    const double steepest = 2.2 * 0.21 * header.PelsPerMeterY / header.PelsPerMeterX;
+                    EXPECT_LE(bottom - top, type == kLine || cols == 60 ? steepest + 1 : 0);
+                } else {
+                    EXPECT_NEAR(top, row, 0.501);
+                }
+            }
+        }
+    }
+}
+
+TEST(Graph, DrawsEachType) {
+    const std::vector<double> values{0, 4, kGap, 2, 3};
+    using Lines = std::vector<std::string>;
+    EXPECT_EQ(Picture(Graph(values, 9, 5, kPoints)),
+              (Lines{"..#......", "........#", "......#..", ".........", "#........"}));
+    EXPECT_EQ(Picture(Graph(values, 9, 5, kLine)),
+              (Lines{"..#......", ".##....##", ".#....##.", "##.......", "#........"}));
+    EXPECT_EQ(Picture(Graph(values, 10, 5, kSteps)),
+              (Lines{"..##......", "..#.....##", "..#...###.", "..#.......", "###......."}));
+    EXPECT_EQ(Picture(Graph(values, 9, 5, kFilled)),
+              (Lines{"..#......", "..#.....#", ".##...###", ".##...###", "###...###"}));
+    EXPECT_EQ(Picture(Graph({-2, 2, 1}, 12, 5, kBars, -2, 2)),
+              (Lines{"....###.....", "....###.###.", "###.###.###.", "###.........", "###........."}));
+    // Beyond the range, infinite, more samples than columns, a range without a value.
+    EXPECT_EQ(Picture(Graph({9, -9, kInfinity, -kInfinity}, 4, 3, kPoints, 0, 1)),
+              (Lines{"#.#.", "....", ".#.#"}));
+    EXPECT_EQ(Picture(Graph({1, 0, 1, 0.5, 0.5, 0.5}, 2, 3, kLine)), (Lines{"##", "##", "#."}));
+    EXPECT_EQ(Picture(Graph({kGap, -kInfinity}, 2, 2, kFilled)), (Lines{"..", ".#"}));
+    EXPECT_EQ(Picture(Graph({5}, 3, 2, kLine)), (Lines{".#.", "..."}));
+}
+
+TEST(Graph, PolarCurveGoesAroundFromTheRight) {
+    // Four samples of the full radius: a square on its tip. With a gap, the sides on it are missing.
+    const Image square = Graph({7, 7, 7, 7}, 21, 31, kPolarCurve, 2, 7);
+    const Image open = Graph({7, 7, kGap, 7}, 21, 31, kPolarCurve, 2, 7);
+    for (int d = 0; d <= 10; ++d) {
+        EXPECT_EQ(square(20 - d, 15 - d), 65535) << d;
+        EXPECT_EQ(square(20 - d, 15 + d), 65535) << d;
+        EXPECT_EQ(square(d, 15 - d), 65535) << d;
+        EXPECT_EQ(open(20 - d, 15 - d), 65535) << d;
+        EXPECT_EQ(open(d, 15 - d), d == 10 ? 65535 : 0) << d;
+    }
+    EXPECT_EQ(square.Header().PelsPerMeterX, 2.0f) << "ten pels for five units";
+    // Many samples of one value are a circle, and of the bottom of the range its middle.
+    const Image circle = Graph(std::vector<double>(5000, 3.0), 201, 201, kPolarCurve, 0, 4);
+    int lit = 0;
+    for (int row = 0; row < 201; ++row) {
+        for (int col = 0; col < 201; ++col) {
+            if (circle(col, row) == 0) continue;
+            ++lit;
+            EXPECT_NEAR(std::hypot(col - 100, row - 100), 75, 0.72);
+        }
+    }
+    EXPECT_GT(lit, 75 * 4 * std::numbers::sqrt2);
+    EXPECT_EQ(Graph({-1, -2}, 5, 5, kPolarCurve, 0, 1)(2, 2), 65535);
+}
+
+}  // namespace
