@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <cstring>
@@ -238,8 +239,11 @@ class Argument<const char*> {
         std::FILE* file = std::fopen(name_.c_str(), "rb");
         if (file == nullptr) return print.Add(-1);
         std::array<char, 4096> buffer;
-        while (const std::size_t got = std::fread(buffer.data(), 1, buffer.size(), file))
-            print.Add(buffer.data(), got);
+        while (const std::size_t got = std::fread(buffer.data(), 1, buffer.size(), file)) {
+            // Text has the line ends of its system.
+            const auto end = std::remove(buffer.begin(), buffer.begin() + got, '\r');
+            print.Add(buffer.data(), static_cast<std::size_t>(end - buffer.begin()));
+        }
         std::fclose(file);
     }
 

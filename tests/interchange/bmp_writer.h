@@ -27,9 +27,9 @@ struct BmpParts {
 
 inline Bytes MakeBmp(const BmpParts& parts) {
     Bytes file{'B', 'M'};
-    const auto put = [&](std::uint32_t value, int bytes) {
-        for (int i = 0; i < bytes; ++i)
-            file.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
+    const auto put = [&](std::uint64_t value, int bytes) {
+        for (int i = 0; i < bytes; ++i, value >>= 8)
+            file.push_back(static_cast<std::uint8_t>(value));
     };
     put(0, 12);
     put(parts.headerBytes, 4);
