@@ -125,20 +125,24 @@ std::unique_ptr<HostImage> ReadBytes(const ConvertOptions& options, const char* 
 }
 
 std::unique_ptr<HostImage> ReadByteString(const ConvertOptions& options, const std::string& bytes) {
-    // Room for the largest image: the stream does not tell its length.
+    // The stream does not tell its length: a block of a few megabytes, or else room for the largest image.
     constexpr std::uint32_t kLargestBlock = sizeof(TqImageHeader) + 2 * kLargestSide * kLargestSide;
-    auto image = std::make_unique<HostImage>(1, 1);
+    const auto* const data = reinterpret_cast<const std::uint8_t*>(bytes.data());
+    const auto length = static_cast<std::uint32_t>(bytes.size());
     void* block = nullptr;
-    if (tqStringToHandle2(reinterpret_cast<const std::uint8_t*>(bytes.data()),
-                          static_cast<std::uint32_t>(bytes.size()), &block, kLargestBlock, 1) != 0) {
+    if (tqStringToHandle(data, length, &block, 1) != 0 &&
+        tqStringToHandle2(data, length, &block, kLargestBlock, 1) != 0) {
         FailFile(options.image, "damaged byte string");
     }
+    auto image = std::make_unique<HostImage>(1, 1);
     tqImageFree(image->Address());
     *image->Address() = static_cast<TqImage*>(block);
-    const TqImageHeader header = *static_cast<const TqImageHeader*>(block);
+    TqImageHeader header = *static_cast<const TqImageHeader*>(block);
     const auto valid = [](std::int32_t side) { return side >= 1 && side <= kLargestSide; };
     if (!valid(header.PelCols) || !valid(header.PelRows))
         FailFile(options.image, "a byte string without an image");
+    Correct(header, FindHeader(options.image, options.headerFile, options.header));
+    image->SetHeader(header);
     return image;
 }
 

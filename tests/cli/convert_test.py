@@ -59,6 +59,15 @@ class Convert(ProgramTest):
         self.assertEqual(struct.unpack("<iiffff", block[:24]), (13, 11, 1000, 500, 6, 5))
         self.assertEqual(struct.unpack("<ffff", block[32:48]), (0.5, 0, max(flat(DEEP)), 3))
         self.assertEqual(list(struct.unpack("<143H", block[56:])), flat(DEEP))
+        # What is typed corrects it, and all else stays.
+        corrected = zlib.decompress(self.convert("d.tqz", "e.tqz", "--center", "1,2"))
+        self.assertEqual(corrected, block[:16] + struct.pack("<ff", 1, 2) + block[24:])
+
+    def test_a_byte_string_of_an_image_larger_than_most(self):
+        pels = struct.pack(">8000H", *range(8000)) * 450
+        self.write("wide.pgm", b"P5\n8000 450\n65535\n" + pels)
+        self.convert("wide.pgm", "wide.tqz")
+        self.assertTrue(self.convert("wide.tqz", "back.pgm").endswith(pels))
 
     def test_what_a_bitmap_shows(self):
         self.write("deep.pgm", pgm([[0, 50, 100, 600, 1100, 4095]]))
