@@ -10,6 +10,11 @@
 extern "C" {
 #endif
 
+/** @defgroup colour_bitmap Colour bitmaps
+ *  @ingroup interchange
+ *  @copydoc colour_bitmap.h
+ *  @{ */
+
 /**
  * @brief Combines up to three images into one bitmap of 24 bits a pixel.
  *
@@ -100,6 +105,8 @@ TQ_API int32_t TQ_CALL tqCombineImagesRGBtoDIB(void** dib, const TqImage* red, c
  */
 TQ_API int32_t TQ_CALL tq24bitColorBitmapToImage(const char* fileName, const TqImageHeader* info,
                                                  TqImage** first, TqImage** second, TqImage** third);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */
