@@ -11,6 +11,11 @@
 extern "C" {
 #endif
 
+/** @defgroup colour_bitmap Colour bitmaps
+ *  @ingroup interchange
+ *  @copydoc colour_bitmap.h
+ *  @{ */
+
 /**
  * @brief Combines up to three images into one bitmap of 24 bits a pixel.
  *
@@ -185,6 +190,8 @@ TQ_API int32_t TQ_CALL tqTransformXYZtoRGB2(const TqImage* x, const TqImage* y, 
                                             TqLeadBitmap* bitmap, float m0, float m1, float m2, float m3,
                                             float m4, float m5, float m6, float m7, float m8, float white,
                                             double gamma, int32_t gamut, int32_t equalise);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */
