@@ -32,22 +32,25 @@ bool HasFiniteSums(const ChannelMix& mix) {
 constexpr double kLevelDoubt = 1e-7;
 constexpr double kMostWeight = 1000.0;
 
-/// What a level of each channel adds to a level of the result, everything multiplied together. False when the
-/// result may be further from the exact one than kLevelDoubt; within the range of `scale` nothing overflows,
-/// and what underflows does not count.
-bool LevelWeights(const ChannelMix& mix, const double* units, double* weights) {
-    for (std::size_t k = 0; k < 3; ++k) {
-        const double scale = mix.factor / (mix.divisor * units[k]);
-        if (!(std::abs(scale) > 1e-100 && std::abs(scale) < 1e100)) return false;
-        double most = 0.0;
-        for (std::size_t j = 0; j < 3; ++j) {
-            weights[3 * k + j] = mix.matrix[3 * k + j] * mix.scales[j] * scale;
-            most += std::abs(weights[3 * k + j]);
+/// What a level of each channel adds to a level of the results, everything multiplied together.
+struct LevelWeights {
+    double each[9];
+    /// False when a result may be further from the exact one than kLevelDoubt. Within the range of `scale`
+    /// nothing overflows, and what underflows does not count.
+    bool close = true;
+
+    LevelWeights(const ChannelMix& mix, const double* units) {
+        for (std::size_t k = 0; k < 3; ++k) {
+            const double scale = mix.factor / (mix.divisor * units[k]);
+            double most = 0.0;
+            for (std::size_t j = 0; j < 3; ++j) {
+                each[3 * k + j] = mix.matrix[3 * k + j] * mix.scales[j] * scale;
+                most += std::abs(each[3 * k + j]);
+            }
+            close = close && std::abs(scale) > 1e-100 && std::abs(scale) < 1e100 && most < kMostWeight;
         }
-        if (!(most < kMostWeight)) return false;
     }
-    return true;
-}
+};
 
 }  // namespace
 }  // namespace tq::kernels
@@ -160,12 +163,14 @@ HWY_INLINE bool StoreClearLevels(D d, const ChannelRuns& runs, const double* wei
 
 void StoreMixedOf(const ChannelRuns& runs, const ChannelMix& mix, const double* units,
                   std::uint16_t* const* out) {
-    double weights[9];
-    const bool close = LevelWeights(mix, units, weights);
-    ForEachVector(runs.count, [&](auto d, std::size_t i) {
-        if (close && StoreClearLevels(d, runs, weights, i, out)) return;
-        MixAt(d, runs, mix, i,
-              [&](std::size_t k, auto value) { StoreLevels(d, value, units[k], out[k] + i); });
+    // Copies: what is only referred to, a store might change, and it would be read again for every vector.
+    const LevelWeights weights(mix, units);
+    const ChannelRuns in = runs;
+    std::uint16_t* const planes[3] = {out[0], out[1], out[2]};
+    ForEachVector(in.count, [&](auto d, std::size_t i) {
+        if (weights.close && StoreClearLevels(d, in, weights.each, i, planes)) return;
+        MixAt(d, in, mix, i,
+              [&](std::size_t k, auto value) { StoreLevels(d, value, units[k], planes[k] + i); });
     });
 }
 

@@ -21,7 +21,8 @@ struct Tristimulus {
     hn::Vec<D> x, y, z;
 };
 
-/// Calls body(rows) with what the row is made of.
+/// Calls body(rows) with what the row is made of. By value, as the kernels' parameters are: a store may write
+/// what is referred to, as far as the compiler knows, and it would read all of it again for every vector.
 template <class Body>
 HWY_INLINE void WithValues(const ChannelValues& row, const Body& body) {
     if (row.averages.first != nullptr) {
@@ -57,9 +58,9 @@ HWY_INLINE UV<D> Chromaticity(D d, const Tristimulus<D>& at, hn::Vec<D> below) {
             hn::IfThenZeroElse(dark, hn::Div(hn::Mul(hn::Set(d, 9.0), at.y), below))};
 }
 
-void StoreRatiosOf(const ChannelValues& row, const ChromaticRatio& ratio, double low, double gain,
+void StoreRatiosOf(const ChannelValues& row, ChromaticRatio ratio, double low, double gain,
                    std::uint16_t* out) {
-    WithValues(row, [&](const auto& rows) {
+    WithValues(row, [&](const auto rows) {
         ForEachVector(rows.count, [&](auto d, std::size_t i) {
             const auto at = TristimulusAt(d, rows, ratio.matrix, i);
             const auto above = ratio.numerator == 0 ? at.x : ratio.numerator == 1 ? at.y : at.z;
@@ -143,12 +144,11 @@ HWY_INLINE bool StoreClearDifference(D d, const Compared<D>& it, const FixedRefe
     return true;
 }
 
-void ColourDifferencesOf(const ChannelValues& row, const ColourWeights& weights, const ColourReference& from,
-                         float* out) {
+void ColourDifferencesOf(const ChannelValues& row, ColourWeights weights, ColourReference from, float* out) {
     const bool lit = from.luminance >= kNoLuminance;
     const FixedReference reference{from, lit ? 1.0 / from.luminance : 0.0,
                                    std::sqrt(weights.chromaticity) * (std::abs(from.u) + std::abs(from.v))};
-    WithValues(row, [&](const auto& rows) {
+    WithValues(row, [&](const auto rows) {
         ForEachVector(rows.count, [&](auto d, std::size_t i) {
             const auto it = ComparedAt(d, rows, weights, i);
             if (StoreClearDifference(d, it, reference, weights, out + i)) return;
@@ -158,9 +158,8 @@ void ColourDifferencesOf(const ChannelValues& row, const ColourWeights& weights,
     });
 }
 
-void LocalDifferencesOf(const ChannelValues& row, const ChannelRows& around, const ColourWeights& weights,
-                        float* out) {
-    WithValues(row, [&](const auto& rows) {
+void LocalDifferencesOf(const ChannelValues& row, ChannelRows around, ColourWeights weights, float* out) {
+    WithValues(row, [&](const auto rows) {
         ForEachVector(rows.count, [&](auto d, std::size_t i) {
             // The reference is rounded as one that a host passes.
             const auto at = TristimulusAt(d, around, weights.matrix, i);
@@ -172,8 +171,8 @@ void LocalDifferencesOf(const ChannelValues& row, const ChannelRows& around, con
     });
 }
 
-void EllipseDistancesOf(const ChannelValues& row, const ToleranceEllipse& ellipse, float* out) {
-    WithValues(row, [&](const auto& rows) {
+void EllipseDistancesOf(const ChannelValues& row, ToleranceEllipse ellipse, float* out) {
+    WithValues(row, [&](const auto rows) {
         ForEachVector(rows.count, [&](auto d, std::size_t i) {
             auto at = TristimulusAt(d, rows, ellipse.matrix, i);
             at = {Rounded(d, at.x), Rounded(d, at.y), Rounded(d, at.z)};
