@@ -51,6 +51,17 @@ void TransposePels(const Pel* in, std::ptrdiff_t inStride, std::ptrdiff_t cols, 
                        outStride);
 }
 
+void ReversePels(const Pel* in, std::ptrdiff_t count, Pel* out) {
+    std::ptrdiff_t i = 0;
+#if HWY_TARGET != HWY_SCALAR
+    const hn::ScalableTag<Pel> d;
+    const auto lanes = static_cast<std::ptrdiff_t>(hn::Lanes(d));
+    for (; i + lanes <= count; i += lanes)
+        hn::StoreU(hn::Reverse(d, hn::LoadU(d, in + count - i - lanes)), d, out + i);
+#endif
+    ReverseRow<Pel>(in, count - i, out + i);
+}
+
 }  // namespace tq::kernels::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
@@ -58,10 +69,15 @@ HWY_AFTER_NAMESPACE();
 namespace tq::kernels {
 
 HWY_EXPORT(TransposePels);
+HWY_EXPORT(ReversePels);
 
 void TransposeTile(const Pel* in, std::ptrdiff_t inStride, std::ptrdiff_t cols, std::ptrdiff_t rows, Pel* out,
                    std::ptrdiff_t outStride) noexcept {
     HWY_DYNAMIC_DISPATCH(TransposePels)(in, inStride, cols, rows, out, outStride);
+}
+
+void ReverseRow(const Pel* in, std::ptrdiff_t count, Pel* out) noexcept {
+    HWY_DYNAMIC_DISPATCH(ReversePels)(in, count, out);
 }
 
 }  // namespace tq::kernels

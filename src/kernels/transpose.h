@@ -44,4 +44,7 @@ void ReverseRow(const Cell* in, std::ptrdiff_t count, Cell* out) noexcept {
     std::reverse_copy(in, in + count, out);
 }
 
+/// The same for pels, in vectors.
+void ReverseRow(const Pel* in, std::ptrdiff_t count, Pel* out) noexcept;
+
 }  // namespace tq::kernels
