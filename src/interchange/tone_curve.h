@@ -32,6 +32,19 @@ struct Stretch {
 /// lies between the two levels. Only a pel of 0 gets byte 0, so that missing data stays apart from dark.
 std::vector<std::uint8_t> MakeStretchTable(double gamma, const Stretch& stretch, Pel largest);
 
+// The encoding of IEC 61966-2-1. Its exponent 1/2.4 is 0.4166 here: the bitmaps that hosts compare with were
+// made so, and 1/2.4 gives other bytes.
+inline constexpr double kToneExponent = 0.4166;
+/// Up to here the encoding is a straight line.
+inline constexpr double kToneLinearLimit = 0.0031308;
+
+/// 255 times the encoded value, not yet truncated; `power()` is the value's power with the exponent.
+template <class Power>
+double EncodedTone(double value, Power&& power) {
+    if (!(value > kToneLinearLimit)) return 12.92 * value * 255.0;
+    return (1.055 * power() - 0.055) * 255.0;
+}
+
 /// The encoding of MakeToneTable for single values: 255 times the encoded value, not yet truncated. The
 /// rough form may differ from platform to platform in the last places.
 double RoughTone(double value, double exponent) noexcept;
@@ -40,8 +53,5 @@ double ExactTone(double value, double exponent);
 bool IsDoubtful(double scaled) noexcept;
 /// Truncated and limited to 0..255.
 std::uint8_t ToneByte(double scaled) noexcept;
-
-/// The exponent of the encoding at gamma 1.
-inline constexpr double kToneExponent = 0.4166;
 
 }  // namespace tq
