@@ -89,8 +89,8 @@ class Rows {
         kPixels,
     };
 
-    /// Tables of powers for all levels take as long as this many pixels one by one.
-    static constexpr std::size_t kWorthTables = 40'000;
+    /// Tables of powers for all levels take longer than fewer pixels one by one.
+    static constexpr std::size_t kWorthTables = 16'000;
 
     Way ChooseWay() const noexcept {
         const auto isFinite = [](double gain) { return std::isfinite(gain); };
@@ -164,7 +164,9 @@ class Rows {
 };
 
 OwnedBitmap Combine(const Sources& sources, const Style& style) {
-    OwnedBitmap bitmap = OwnedBitmap::OfColours(sources.cols, sources.rows);
+    // Without normalisation and a scale nothing is written: black.
+    OwnedBitmap bitmap = OwnedBitmap::OfColours(
+        sources.cols, sources.rows, sources.fullScale > 0.0 ? NewPixels::kUnwritten : NewPixels::kZero);
     Rows rows(sources, style);
     for (std::int32_t row = 0; row < sources.rows; ++row)
         rows.Fill(row, bitmap.Row(row));

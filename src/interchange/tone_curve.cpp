@@ -5,6 +5,7 @@
 #include <cstddef>
 
 #include "core/portable_math.h"
+#include "kernels/span_statistics.h"
 
 namespace tq {
 namespace {
@@ -91,6 +92,11 @@ bool IsDoubtful(double scaled) noexcept {
 
 std::uint8_t ToneByte(double scaled) noexcept {
     return static_cast<std::uint8_t>(std::clamp(TruncToInt32(std::min(scaled, kLargestByte)), 0, 255));
+}
+
+Pel LargestToTabulate(const ConstImageView& image) noexcept {
+    return image.Count() > kLargestPel ? Pel{kLargestPel}
+                                       : kernels::FindMinMax(image.pels, image.Count()).max;
 }
 
 std::vector<std::uint8_t> MakeToneTable(double gamma, double fullScale, Pel largest, double gain) {

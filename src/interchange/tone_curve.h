@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "core/image_view.h"
 #include "core/numerics.h"
 #include "tqimage/base.h"
 
@@ -16,6 +17,10 @@ inline constexpr float kByteScale = 255.0f;
 inline void EnsureScale(TqImageHeader& header) noexcept {
     if (header.MaxPelValue <= 0.0f) header.MaxPelValue = kByteScale;
 }
+
+/// A pel that no pel of the image exceeds. An image with more pels than there are levels is not searched for
+/// its largest: a table of all levels is made sooner.
+Pel LargestToTabulate(const ConstImageView& image) noexcept;
 
 /// The displayed byte of every pel from 0 to `largest`, times `gain`, at this full scale. A gamma of 0 counts
 /// as 1, a negative one leaves the grey levels linear.
