@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "arguments.h"
+#include "record_arguments.h"
 #include "special_calls.h"
 
 namespace tqtest {
@@ -37,9 +38,7 @@ void Call(Result(TQ_CALL* function)(Parameters...), Checking checking, Scene& sc
 template <class Result, class... Parameters>
 constexpr bool ReadsOnly(Result(TQ_CALL*)(Parameters...)) {
     return (std::is_same_v<Parameters, const TqImage*> || ...) &&
-           !((std::is_same_v<Parameters, TqImage*> || std::is_same_v<Parameters, TqImage**> ||
-              std::is_same_v<Parameters, const char*>) ||
-             ...);
+           !((std::is_same_v<Parameters, TqImage*> || std::is_same_v<Parameters, TqImage**>) || ...);
 }
 
 std::vector<CallEntry> MakeTable() {

@@ -9,15 +9,6 @@ sys.dont_write_bytecode = True
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "exports"))
 import declarations  # noqa: E402
 
-# What these take is not drawn yet: handles of global memory, bitmaps and files that must exist, records of
-# other devices. Their own tests and the fuzz targets provoke them.
-NOT_DRAWN = {
-    "TqConvertKorvelinToImage", "tq24bitColorBitmapToImage", "tqBmpToClipBoard", "tqBuildMultiPointImage",
-    "tqCombineImagesRGBtoDIB", "tqCompressImage", "tqDecompressImage", "tqDiskBmpToImage", "tqImageSumToImage",
-    "tqImageToDIB", "tqImageToImageSum", "tqImageToLeadBmp0", "tqImageToLeadBmpScale", "tqLeadBmpToDiskBmp",
-    "tqLeadBmpToImage", "tqTransformXYZtoRGB", "tqTransformXYZtoRGB2",
-}
-
 
 def main():
     parser = argparse.ArgumentParser()
@@ -26,7 +17,7 @@ def main():
     arguments = parser.parse_args()
     lines = []
     for function in declarations.declared_functions(arguments.include):
-        if function.header == "automation.h" or function.name in NOT_DRAWN:
+        if function.header == "automation.h":
             continue
         how = "kUnchecked" if "not checked" in " ".join(function.comment.split()) else "kChecked"
         names = "".join(f', "{name}"' for name in function.arguments)

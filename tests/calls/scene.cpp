@@ -76,7 +76,16 @@ Scene::Scene(Draw& draw, std::int32_t largest) : draw_(draw), largest_(largest) 
     if (draw.OneIn(40)) reinterpret_cast<TqImageHeader*>(images_[0])->PelCols = draw.Between(-1, 0);
 }
 
+Scene::Scene(Draw& draw, const Scene& lender)
+    : draw_(draw),
+      largest_(lender.largest_),
+      cols_(lender.cols_),
+      rows_(lender.rows_),
+      images_(lender.images_),
+      areLent_(true) {}
+
 Scene::~Scene() {
+    if (areLent_) return;
     for (TqImage*& image : images_)
         if (image != nullptr) tqImageFree(&image);
 }

@@ -30,6 +30,8 @@ class Scene {
   public:
     /// The sizes are below `largest`.
     Scene(Draw& draw, std::int32_t largest);
+    /// The images of another scene, for calls that write none of them.
+    Scene(Draw& draw, const Scene& lender);
     Scene(const Scene&) = delete;
     Scene& operator=(const Scene&) = delete;
     ~Scene();
@@ -74,6 +76,7 @@ class Scene {
     std::int32_t largest_;
     std::int32_t cols_, rows_;
     std::array<TqImage*, kImages> images_{};
+    bool areLent_ = false;
 };
 
 /// Adds header and pels, without the bits that no contract fixes.
