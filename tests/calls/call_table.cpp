@@ -43,12 +43,15 @@ constexpr bool ReadsOnly(Result(TQ_CALL*)(Parameters...)) {
 
 std::vector<CallEntry> MakeTable() {
     std::vector<CallEntry> table = {
-#define CALL(function, how, ...)                                                                            \
+#define CODES(...) \
+    { __VA_ARGS__ }
+#define CALL(function, how, codes, ...)                                                                     \
     {#function,                                                                                             \
      [](Scene& scene, Fingerprint& print) { Call(&function, Checking::how, scene, print, {__VA_ARGS__}); }, \
-     ReadsOnly(&function)},
+     ReadsOnly(&function), codes},
 #include "calls.inc"
 #undef CALL
+#undef CODES
     };
     for (CallEntry& entry : table) {
         if (const auto special = SpecialCall(entry.name)) entry.call = special;
