@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <numeric>
 #include <string_view>
 #include <type_traits>
 #include <vector>
@@ -44,6 +45,10 @@ class Argument<T*> {
 
     Argument(Scene& scene, std::string_view name, Checking) : isAddress_(name == "blockAddress") {
         Draw noise(scene.Choice().Any());
+        if (name == "limits" && !scene.Choice().OneIn(8)) {
+            std::iota(values_.begin(), values_.end(), Value{});
+            return;
+        }
         const double scale = scene.Choice().OneIn(2) ? 1.0 : 100.0;
         for (Value& value : values_) {
             if constexpr (std::is_floating_point_v<Value>) {
@@ -155,10 +160,10 @@ class Argument<SAFEARRAY**> {
             array_ = MakeInt32Array(length, name == "points" ? 3 : 5, [&](int, int field) {
                 return noise.Between(field == 0 ? 0 : -1, field == 0 ? 6 : scene.Cols());
             });
-        } else if (usual && name == "table") {
-            array_ = MakeDoubleArray(1 + length, 9, [&](int, int field) {
-                return field < 3 ? 10.0 + field * noise.Fraction() : 0.01 * noise.Fraction();
-            });
+        } else if (usual && name == "array") {
+            const auto rows = static_cast<std::uint32_t>(draw.Between(1, 12));
+            array_ =
+                draw.OneIn(2) ? MakeInt32Array(length, rows, number) : MakeInt16Array(length, rows, number);
         } else if (draw.OneIn(2)) {
             array_ = MakeInt16Array(length, static_cast<std::uint32_t>(draw.Between(1, 12)), number);
         } else {

@@ -9,10 +9,15 @@ namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 
-/// Cuts the bytes or changes one of them, now and then. Not in the first 60: there lie the sizes, which no
-/// function can doubt until it runs out of memory.
-Bytes Spoilt(Bytes bytes, Draw& draw) {
+/// What another call writes, without the watch. Some are cut or have a byte changed: none of the first 60,
+/// for there lie the sizes, which no function can doubt until it runs out of memory.
+template <class Make>
+Bytes Prepare(Scene& scene, Make&& make) {
     constexpr std::int32_t kFirst = 60;
+    CallWatch* const watch = scene.SetWatch(nullptr);
+    Bytes bytes = make();
+    scene.SetWatch(watch);
+    Draw& draw = scene.Choice();
     const auto size = static_cast<std::int32_t>(bytes.size());
     if (size <= kFirst) return bytes;
     if (draw.OneIn(6)) bytes[static_cast<std::size_t>(draw.Between(kFirst, size - 1))] ^= 0x10;
@@ -36,7 +41,7 @@ Bytes MakeByteString(Scene& scene, Fingerprint& print) {
 /// Restores a string; `call` gets its bytes and the place of the block.
 template <class Call>
 void Restore(Scene& scene, Fingerprint& print, Call&& call) {
-    const Bytes bytes = Spoilt(MakeByteString(scene, print), scene.Choice());
+    const Bytes bytes = Prepare(scene, [&] { return MakeByteString(scene, print); });
     const bool compressed = scene.Choice().OneIn(2);
     void* block = nullptr;
     scene.Make(print, [&] {
@@ -70,7 +75,7 @@ void ReadBmp(Scene& scene, Fingerprint& print, Call&& call) {
         Argument<const TqLeadBitmap*> bitmap(scene, "bitmap", Checking::kChecked);
         tqLeadBmpToDiskBmp(file.Name(), bitmap.Pass());
     }
-    if (file.Exists()) file.Write(Spoilt(file.Bytes(), scene.Choice()));
+    if (file.Exists()) file.Write(Prepare(scene, [&] { return file.Bytes(); }));
     Argument<const TqImageHeader*> info(scene, "info", Checking::kChecked);
     scene.Make(print, [&] { return call(file.Name(), info.Pass()); });
 }
@@ -97,7 +102,7 @@ void CallCompressImage(Scene& scene, Fingerprint& print) {
 }
 
 void CallDecompressImage(Scene& scene, Fingerprint& print) {
-    const Bytes bytes = Spoilt(MakeJpeg(scene, print), scene.Choice());
+    const Bytes bytes = Prepare(scene, [&] { return MakeJpeg(scene, print); });
     Argument<const TqImageHeader*> info(scene, "info", Checking::kChecked);
     TqImage** const image = scene.AnySlot();
     scene.Make(print, [&] {

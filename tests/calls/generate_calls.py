@@ -11,7 +11,8 @@ sys.dont_write_bytecode = True
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "exports"))
 import declarations  # noqa: E402
 
-WANT_OF_MEMORY = re.compile(r"\bmemory\b|no block|no bitmap|cannot be (allocated|created|made|computed)|could not be created")
+WANT_OF_MEMORY = re.compile(
+    r"\bmemory\b|no block|no bitmap|cannot be (allocated|created|computed)|array (cannot be made|could not be created)")
 
 
 def plain_comment(function):

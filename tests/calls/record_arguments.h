@@ -267,7 +267,7 @@ class Argument<const TqProjection*> {
             const bool isSize = field == 20.0 || field == 15.0;
             if (isSize) {
                 field = scene.Choice().Between(0, 40);
-            } else if (scene.Choice().OneIn(3)) {
+            } else if (scene.Choice().OneIn(12)) {
                 field = scene.DrawReal("Col");
             }
         }

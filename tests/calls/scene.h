@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 
 #include "draw.h"
 #include "tqimage/keystone.h"
@@ -52,7 +53,8 @@ class Scene {
 
     void Add(Fingerprint& print) const;
 
-    void SetWatch(CallWatch* watch) { watch_ = watch; }
+    /// Returns the one before.
+    CallWatch* SetWatch(CallWatch* watch) { return std::exchange(watch_, watch); }
     /// Makes a call and adds what it returns.
     template <class Call>
     void Make(Fingerprint& print, Call&& call) {
