@@ -7,8 +7,8 @@
  *  and never part of a reference.
  *
  *  The neighbourhood is a square of size / 2 pels (integer division) to each side of the pel, which belongs
- * to it. Unlike the sizes of the filters an even one is not reduced: 4 means 5 x 5. A size below 2 means 1,
- * and it is limited to the image. Pels closer than size / 2 to the border are never defects.
+ *  to it. Unlike the sizes of the filters an even one is not reduced: 4 means 5 x 5. A size below 2 means 1,
+ *  and it is limited to the image. Pels closer than size / 2 to the border are never defects.
  *
  *  With reference 0 a pel is compared with the mean of the neighbourhood in single precision, with any other
  *  with its median, the upper middle one of an even number of pels. It is bright above

@@ -70,7 +70,7 @@ TQ_API int32_t TQ_CALL tqMedianFilterInRegion(TqImage** image, int32_t width, in
 TQ_API int32_t TQ_CALL tqNeighborhoodAverage(TqImage** image, int32_t width, int32_t height);
 
 /** @brief Replaces every pel with data by the mean of the pels with data in its clipped window, rounded half
- * up.
+ *  up.
  *  @param[in,out] image address of the host's image; the result, with the image's whole header, replaces it
  *  @param[in] width window width, pels, any value
  *  @param[in] height window height, pels, any value
@@ -116,7 +116,7 @@ TQ_API int32_t TQ_CALL tqNeighborhoodAverageInRegion0(TqImage** image, int32_t w
                                                       int32_t bottom);
 
 /** @brief Repeated smoothing: each pass replaces every pel by the mean of its clipped 3 x 3 window,
- * truncated.
+ *  truncated.
  *  @param[in,out] image address of the host's image; the result, with the image's whole header, replaces it
  *  @param[in] passes number of repetitions; 0 and below do nothing
  *  @return 0; -1 image null or invalid; -2 no memory
@@ -176,7 +176,7 @@ TQ_API int32_t TQ_CALL tqSharpenImageInRegion(TqImage** image, float strength, i
 TQ_API int32_t TQ_CALL tqLowPassFilter(TqImage** image);
 
 /** @brief Fills a rectangle, row by row, with the straight line between the means of 5 x 5 blocks left and
- * right of it.
+ *  right of it.
  *  @param[in,out] image image to change in place
  *  @param[in] left first column of the hole, pels, any value
  *  @param[in] top first row, pels, any value

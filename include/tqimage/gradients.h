@@ -30,8 +30,8 @@ extern "C" {
  *  @param[in,out] out address of the pointer that receives the new image
  *  @param[in] image source; only read
  *  @param[in] method 0 Sobel, 2 forward, 3 central, 5 five-point
- *  @return 0; -2 image null or invalid; -3 no horizontal gradient by this method; -4 no vertical one (never alone:
- *          both take the same methods); -5 no memory
+ *  @return 0; -2 image null or invalid; -3 no horizontal gradient by this method; -4 no vertical one (never
+ *          alone: both take the same methods); -5 no memory
  *  @par Ownership
  *  The block that out held is freed, after its last use where it is an input; the host frees the new one with
  *  tqImageFree.
@@ -90,9 +90,9 @@ TQ_API int32_t TQ_CALL tqCalcGradY0(TqImage** out, const TqImage* image, int32_t
  *  @par Ownership
  *  The block that out held is freed, after its last use where it is an input; the host frees the new one with
  *  tqImageFree.
- *  @note v = sqrt(la^2 * |weightA| + (lb^2 + lc^2) * |weightBc|) of the luminances pel * LuxPerGrey, in single
- *        precision. Pels are trunc(v * scale) with scale = 65000 / largest v (1 when that is below 1e-10);
- *        MaxPelValue is 65000 and LuxPerGrey 1 / scale.
+ *  @note v = sqrt(la^2 * |weightA| + (lb^2 + lc^2) * |weightBc|) of the luminances pel * LuxPerGrey, in
+ *        single precision. Pels are trunc(v * scale) with scale = 65000 / largest v (1 when that is below
+ *        1e-10); MaxPelValue is 65000 and LuxPerGrey 1 / scale.
  */
 TQ_API int32_t TQ_CALL tqCombineGradients(TqImage** out, const TqImage* a, const TqImage* b, const TqImage* c,
                                           float weightA, float weightBc);

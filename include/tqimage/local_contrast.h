@@ -2,7 +2,7 @@
  *  How much pels differ from what surrounds them.
  *
  *  A pel of 0 means "no data": it is in no figure and gives 0. Window sizes follow the rule of filters.h.
- * Mura images of differences: 32000 is no difference, the largest of either sign lies 32000 away from it,
+ *  Mura images of differences: 32000 is no difference, the largest of either sign lies 32000 away from it,
  *  LuxPerGrey is scaled by largest / 32000 and MaxPelValue is 64000; pels without a difference are 0.
  */
 #ifndef TQIMAGE_LOCAL_CONTRAST_H

@@ -54,8 +54,8 @@ TQ_API double TQ_CALL tqCalcANSILumens(const TqImage* image, int32_t shape, int3
  *  @return 0; -2 image null or invalid; -3 PelsPerMeterX or PelsPerMeterY not positive
  *  @par Source
  *  The thirteen points of ANSI IT7.228-1997 for the uniformity of projectors.
- *  @note Nine dark samples have no mean to deviate from: the outputs are then not a number, or infinite when a
- *        corner is lit.
+ *  @note Nine dark samples have no mean to deviate from: the outputs are then not a number, or infinite when
+ *        a corner is lit.
  */
 TQ_API int32_t TQ_CALL tqCalcANSIUniformity(const TqImage* image, double* maximumDeviation,
                                             double* minimumDeviation, int32_t shape, int32_t width,
@@ -118,8 +118,8 @@ TQ_API double TQ_CALL tqCalcSemu(const TqImage* image, int32_t threshold, double
 
 /** @brief A contrast map: the Michelson contrast of each pel against the mean, scaled so that the strongest
  *  becomes 65535.
- *  @param[out] out address of the host's image pointer; receives the map, an image of the source's size with
- *              its whole header. Untouched by -2 and -5
+ *  @param[in,out] out address of the host's image pointer; receives the map, an image of the source's size
+ *              with its whole header. Untouched by -2 and -5
  *  @param[in] source image to map; may be the image that *out holds
  *  @return 0; -2 source null or invalid, or out null; -5 no memory; -3 PelsPerMeterX or PelsPerMeterY not
  *          positive: *out is then an image of zeros
