@@ -89,6 +89,8 @@ TQ_API int32_t TQ_CALL tqAdaptiveColor(TqImage** outX, TqImage** outY, TqImage**
  *  The blocks that the pointers held are freed; the host frees the new ones with tqImageFree.
  *  @par Memory
  *  The three results and a few rows: 366 MiB for 8000 x 8000 pels.
+ *  @par Source
+ *  As tqAdaptiveColor.
  */
 TQ_API int32_t TQ_CALL tqAdaptiveColor4(TqImage** outX, TqImage** outY, TqImage** outZ, const TqImage* first,
                                         const TqImage* second, const TqImage* third, float m0, float m1,

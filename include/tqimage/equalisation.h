@@ -87,6 +87,9 @@ TQ_API int32_t TQ_CALL tqHistoEqualizeInRegion(TqImage** out, const TqImage* sou
  * As tqHistoEqualize.
  * @par Memory
  * The result, the histogram and a table of the grey levels.
+ * @par Source
+ * S. M. Pizer and others, Adaptive histogram equalization and its variations, Computer Vision, Graphics, and
+ * Image Processing 39 (1987).
  * @note At the border the neighbourhood slides inward and keeps its size. Pels of 0 in it count. The time
  *       grows with the height of the neighbourhood and hardly with its width.
  */

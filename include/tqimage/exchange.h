@@ -89,6 +89,8 @@ TQ_API int32_t TQ_CALL tqReplacePelValue(TqImage* image, uint32_t oldValue, uint
  * @param[in] oldValue grey level to replace; above 65535 no pel has it
  * @param[in] newValue grey level to put there
  * @return 0; -2 when the image is invalid
+ * @par Ownership
+ * The block stays the one that it is.
  */
 TQ_API int32_t TQ_CALL tqSubstituteValue(TqImage** image, uint32_t oldValue, uint16_t newValue);
 

@@ -35,6 +35,8 @@ extern "C" {
  *  @par Ownership
  *  The block that out held is freed, after its last use where it is an input; the host frees the new one with
  *  tqImageFree.
+ *  @par Memory
+ *  The result.
  */
 TQ_API int32_t TQ_CALL tqCalcGradient(TqImage** out, const TqImage* image, int32_t method);
 
@@ -46,6 +48,8 @@ TQ_API int32_t TQ_CALL tqCalcGradient(TqImage** out, const TqImage* image, int32
  *  @par Ownership
  *  The block that out held is freed, after its last use where it is an input; the host frees the new one with
  *  tqImageFree.
+ *  @par Memory
+ *  The result and a few working rows.
  *  @note A pel is measured when the 3 x 3 (method 5: 5 x 5) pels around it lie inside the image and none is
  *        0; others give 0.
  */
@@ -59,6 +63,8 @@ TQ_API int32_t TQ_CALL tqCalcGradient0(TqImage** out, const TqImage* image, int3
  *  @par Ownership
  *  The block that out held is freed, after its last use where it is an input; the host frees the new one with
  *  tqImageFree.
+ *  @par Memory
+ *  The result.
  *  @note Pels of 0 split each line into runs; the ends of a run count as first and last pel. A run of one
  *        gives 0. Method 0 uses the lines beside only where the pels that it reads there are inside and not
  *        0, else the rule of the first and last line.
@@ -73,6 +79,8 @@ TQ_API int32_t TQ_CALL tqCalcGradX0(TqImage** out, const TqImage* image, int32_t
  *  @par Ownership
  *  The block that out held is freed, after its last use where it is an input; the host frees the new one with
  *  tqImageFree.
+ *  @par Memory
+ *  The result.
  *  @note Pels of 0 split each line into runs; the ends of a run count as first and last pel. A run of one
  *        gives 0. Method 0 uses the lines beside only where the pels that it reads there are inside and not
  *        0, else the rule of the first and last line.
@@ -90,6 +98,8 @@ TQ_API int32_t TQ_CALL tqCalcGradY0(TqImage** out, const TqImage* image, int32_t
  *  @par Ownership
  *  The block that out held is freed, after its last use where it is an input; the host frees the new one with
  *  tqImageFree.
+ *  @par Memory
+ *  The result.
  *  @note v = sqrt(la^2 * |weightA| + (lb^2 + lc^2) * |weightBc|) of the luminances pel * LuxPerGrey, in
  *        single precision. Pels are trunc(v * scale) with scale = 65000 / largest v (1 when that is below
  *        1e-10); MaxPelValue is 65000 and LuxPerGrey 1 / scale.

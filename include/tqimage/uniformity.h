@@ -137,9 +137,9 @@ TQ_API int32_t TQ_CALL tqCalcAbsContrast(TqImage** out, const TqImage* source);
 
 /** @brief The lit field in the image of a lamp.
  *
- *  A cell is a square of 2 x 2 pels. Its level is the truncated mean of those pels v with v < 2 m and
- *  v > trunc(m / 2), m being the mean of the four: a hot pel does not light a cell. When none qualifies it is
- *  trunc(m). A cell is lit when its level exceeds the threshold.
+ *  A cell is a square of 2 x 2 pels; cells begin at every pel, so they overlap. Its level is the truncated
+ *  mean of those pels v with v < 2 m and v > trunc(m / 2), m being the mean of the four: a hot pel does not
+ *  light a cell. When none qualifies it is trunc(m). A cell is lit when its level exceeds the threshold.
  *  @param[in] image image of the field
  *  @param[in] threshold level that a lit cell exceeds, grey levels, any value
  *  @param[out] left first column of the first column of cells with a lit one
@@ -147,6 +147,7 @@ TQ_API int32_t TQ_CALL tqCalcAbsContrast(TqImage** out, const TqImage* source);
  *  @param[out] right last column of the last column of cells with a lit one, but at least left + 1
  *  @param[out] bottom last row of the last row of cells with a lit one
  *  @return 0; -1 image null or invalid (the outputs untouched)
+ *  @note A cell half in the dark is lit, so the range reaches one pel beyond a field with sharp borders.
  *  @note Without a field left and right are PelCols / 2 - 1 and PelCols / 2, top and bottom PelRows / 2 - 1
  *        and PelRows / 2, and the result is 0. An image of one column or row has no cell and no field.
  *  @note A cell that begins in the last column takes its right-hand pels from the start of the next row, in
