@@ -5,7 +5,9 @@ set -euo pipefail
 
 packages=(
     # native build, checks
-    cmake ninja-build g++ binutils make git ccache python3 pkgconf doxygen
+    cmake ninja-build g++ binutils make git ccache python3 pkgconf
+    # the reference, the examples of the guide
+    doxygen mono-mcs mono-runtime
     clang clang-format clang-tidy libclang-rt-14-dev
     # the library, the program, tests (netpbm: another reader and writer of BMP files), benchmarks
     libhwy-dev zlib1g-dev libjpeg62-turbo-dev libeigen3-dev googletest

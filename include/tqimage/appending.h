@@ -33,7 +33,7 @@ extern "C" {
  * @param[in] blockHeight     height of that block, pels
  * @return 0; -2 *accumulated is null or invalid; -3 added is null or invalid; -4 no memory, a LuxPerGrey that
  *         is not above 0, a centre that is not finite, or a joined image of more than 8000 columns or rows;
- * -5 no memory for smoothing. After a failure both images are as they were
+ *         -5 no memory for smoothing. After a failure both images are as they were
  * @par Ownership
  * The block that *accumulated held is freed. The joined image belongs to the host.
  * @par Memory

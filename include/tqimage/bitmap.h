@@ -133,7 +133,7 @@ TQ_API int32_t TQ_CALL tqImageToLeadBmpScale(TqLeadBitmap* bitmap, double* scale
  * 0 for the rest.
  *
  * @param[in] bitmap The bitmap, by value. Of a row of colours the first `width` bytes become pels.
- * @param[out] image Receives the image; the block it held is freed. Untouched when the function fails.
+ * @param[in,out] image Receives the image; the block it held is freed. Untouched when the function fails.
  * @return 0; -1 the bitmap's rows cannot be read (no rows, a size below 1, a depth other than 8 or 24, lines
  *         that are too short), no memory, or image is null.
  * @par Ownership

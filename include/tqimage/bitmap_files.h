@@ -53,7 +53,7 @@ TQ_API int32_t TQ_CALL tqLeadBmpToDiskBmp(const char* fileName, const TqLeadBitm
  * @param[in] fileName Name of the file.
  * @param[in] info     Header of the new image; sizes and MaxPelValue (the largest pel, at least 1) are the
  *                     file's. May lie in the image that is replaced.
- * @param[out] image   Receives the image; the block it held is freed. Untouched when the function fails.
+ * @param[in,out] image   Receives the image; the block it held is freed. Untouched when the function fails.
  * @return 0; -100 the file cannot be read or is malformed, or no memory for its bitmap; -3 no memory for the
  *         image, or info or image is null.
  * @par Ownership

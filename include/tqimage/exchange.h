@@ -4,9 +4,9 @@
  *  Co-ordinates outside an image mean the nearest pel of its border; pel access never fails on them.
  *
  *  SAFEARRAYs that hold images are indexed (column, row): a host declares (columns, rows) in that order, and
- * the column varies fastest in memory. Indices start at 0 whatever lower bound the host declared, so an array
- * whose lower bounds are not 0 is not read in full. Where an array carries its element type, it must be an
- * integer of the size named; the wrong type and a null array are refused like a wrong element size.
+ *  the column varies fastest in memory. Indices start at 0 whatever lower bound the host declared, so an
+ *  array whose lower bounds are not 0 is not read in full. Where an array carries its element type, it must
+ *  be an integer of the size named; the wrong type and a null array are refused like a wrong element size.
  *
  *  Plain arrays hold column after column: the value of column c and row r is element PelRows x c + r.
  */
@@ -89,6 +89,8 @@ TQ_API int32_t TQ_CALL tqReplacePelValue(TqImage* image, uint32_t oldValue, uint
  * @param[in] oldValue grey level to replace; above 65535 no pel has it
  * @param[in] newValue grey level to put there
  * @return 0; -2 when the image is invalid
+ * @par Ownership
+ * The block stays the one that it is.
  */
 TQ_API int32_t TQ_CALL tqSubstituteValue(TqImage** image, uint32_t oldValue, uint16_t newValue);
 
@@ -237,9 +239,9 @@ TQ_API int32_t TQ_CALL tqHandleToShortSafeArrayNew(const TqImage* image, uint16_
  * @param[in] array address of the host's array: one or two dimensions, 4-byte elements, grey levels clamped
  * to 0..65535
  * @return 0; -1 when the pels cannot be allocated or pels is null; -2 when the array is null or its elements
- * are not 4-byte integers; -3 when it cannot be locked; -4 when an element of one dimension, -5 when an
- *         element of two dimensions cannot be read; -6 when it has another number of dimensions; -7 when it
- * cannot be unlocked. After -4, -5 and -6 the array stays locked.
+ *         are not 4-byte integers; -3 when it cannot be locked; -4 when an element of one dimension, -5 when
+ *         an element of two dimensions cannot be read; -6 when it has another number of dimensions; -7 when
+ *         it cannot be unlocked. After -4, -5 and -6 the array stays locked.
  * @par Ownership
  * The pels belong to the host, which releases them with tqImageFree; from -3 on they have been allocated and
  * handed over as well.
@@ -254,8 +256,8 @@ TQ_API int32_t TQ_CALL tqGetSafeArrayHandle(uint16_t** pels, SAFEARRAY** array);
  * @param[in,out] array address of the host's array: one or two dimensions, 4-byte elements
  * @return 0; -2 when a pointer is null or the elements are not 4-byte integers; -3 when the array cannot be
  *         locked; -4 when an element of one dimension, -5 when an element of two dimensions cannot be
- * written; -6 when it has another number of dimensions; -7 when it cannot be unlocked. After -4, -5 and -6
- * the array stays locked.
+ *         written; -6 when it has another number of dimensions; -7 when it cannot be unlocked. After -4, -5
+ *         and -6 the array stays locked.
  * @note In two dimensions consecutive pels run along the rightmost index, the other way round than
  *       tqGetSafeArrayHandle reads. The range of either index is the count of the other dimension, so only an
  *       array with as many columns as rows is written in full; for others writing ends with -5. Hosts rely on

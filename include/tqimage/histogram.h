@@ -25,7 +25,7 @@ extern "C" {
  *          locked; -4 the array could not be created; -5 it could not be locked; -6 it could not be unlocked
  *  @par Ownership
  *  The old array is destroyed. The new one belongs to the host, which releases it with SafeArrayDestroy;
- * after -5 and -6, too.
+ *  after -5 and -6, too.
  *  @par Memory
  *  The array, and up to 256 KiB of counters while it works.
  *  @note After -2 and -3 the pointer is as before. After -4 it is null, or as before when the counters could

@@ -54,7 +54,7 @@ typedef struct TqProjection {
  * @param[in] map        Distortion map in the image's pels; null: the image is that of a pinhole.
  * @return 0; -1 image is null or invalid; -2 projection is null, a resolution, focal length or, of a curved
  *         surface, radius is not positive, or the surface is unknown; -3 a size outside 1..8000, or no
- * memory; -4 nothing is visible.
+ *         memory; -4 nothing is visible.
  * @par Ownership
  * The block that image held is freed and replaced; the host frees the new one with tqImageFree.
  * @par Memory

@@ -80,7 +80,7 @@ TQ_API int32_t TQ_CALL tqShiftImage(TqImage** image, double shiftCols, double sh
  * @note The first and last columns and rows fall on each other; samples are rounded. The optical centre and
  *       the resolutions are scaled; an image of one column or row has no such scale, and that centre
  *       co-ordinate becomes infinite or no number. Each binning factor becomes the whole number of old pels
- * in a new one, at least 1, whatever it was before. The total stays.
+ *       in a new one, at least 1, whatever it was before. The total stays.
  */
 TQ_API int32_t TQ_CALL tqSizeImage(TqImage** image, int32_t newCols);
 
@@ -96,7 +96,7 @@ TQ_API int32_t TQ_CALL tqSizeImage(TqImage** image, int32_t newCols);
  * The new block.
  * @note Columns and rows beyond the last whole block are dropped. Means are truncated; the sum of a block has
  *       32 bits with sign and wraps, which takes more than 32768 pels. Optical centre, resolutions and total
- * are divided, the binning factors multiplied, in 16 bits.
+ *       are divided, the binning factors multiplied, in 16 bits.
  */
 TQ_API int32_t TQ_CALL tqBinImage(TqImage** image, int32_t binCols, int32_t binRows);
 
@@ -128,7 +128,7 @@ TQ_API int32_t TQ_CALL tqBinImage0(TqImage** image, int32_t binCols, int32_t bin
  * The new block.
  * @note The first and last columns and rows fall on each other; samples are rounded. Optical centre and
  *       resolutions are scaled by the quotient of the factors. Grey levels stay those of the binned image,
- * while the total is multiplied by the whole quotients.
+ *       while the total is multiplied by the whole quotients.
  */
 TQ_API int32_t TQ_CALL tqUnBinImage(TqImage** image, int32_t binCols, int32_t binRows);
 

@@ -21,6 +21,10 @@ def comment_faults(function):
     documented = re.findall(r"@param\[(?:in|out|in,out)\]\s+(\w+)\s+\S", comment)
     if documented != function.arguments:
         faults.append(f"@param[in|out|in,out] names {documented}, the arguments are {function.arguments}")
+    # A host that took such a pointer for a mere output would hand over one that was never set, and it would be freed.
+    for name in function.block_pointers:
+        if not re.search(rf"@param\[in,out\]\s+{name}\s", comment):
+            faults.append(f"{name} points at a block that is replaced, so it goes in and out")
     returns = re.search(r"@return\s+\S", comment) is not None
     if returns != (function.type != "void"):
         faults.append("no @return" if not returns else "@return on a function without a result")
