@@ -21,6 +21,8 @@ int Run(int count, char** arguments) {
     AddUniformity(app);
     AddMtf(app);
     AddDefects(app);
+    AddCorrect(app);
+    AddTransform(app);
     AddSimulate(app);
     AddPattern(app);
     AddPlot(app);
