@@ -8,9 +8,10 @@
 #include <vector>
 
 #include "core/numerics.h"
+#include "core/replaced_image.h"
 #include "measure/mura.h"
+#include "measure/window_sweep.h"
 #include "process/filter_result.h"
-#include "process/window_sweep.h"
 
 namespace tq {
 namespace {

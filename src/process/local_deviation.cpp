@@ -5,8 +5,9 @@
 
 #include "core/numerics.h"
 #include "core/population_deviation.h"
+#include "core/replaced_image.h"
+#include "measure/window_sweep.h"
 #include "process/filter_result.h"
-#include "process/window_sweep.h"
 #include "tqimage/local_contrast.h"
 
 namespace tq {
@@ -101,7 +102,7 @@ OwnedImage MakeLocalDeviation(const ConstImageView& view, const WindowSize& size
 using namespace tq;
 
 std::int32_t TQ_CALL tqCalcLocalStdDev(TqImage** image, std::int32_t width, std::int32_t height) {
-    const ConstImageView view = LocateHostImage(image);
+    const ConstImageView view = LocateHeld(image);
     if (!view) return kInvalidImage;
     const WindowSize size(width, height, view);
     if (size.IsPel()) return 0;
