@@ -4,7 +4,7 @@
 #include <memory>
 
 #include "core/image_view.h"
-#include "process/window_sweep.h"
+#include "measure/window_sweep.h"
 
 namespace tq {
 
