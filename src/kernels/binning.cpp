@@ -41,7 +41,7 @@ template <std::size_t kWidth, bool kLit>
 HWY_INLINE void Sum(const PelRows& pels, std::size_t count, std::uint32_t* sums, std::uint32_t* counts) {
     constexpr std::size_t kTogether = 8;
     for (std::size_t from = 0; from < pels.rows; from += kTogether) {
-        const std::size_t rows = std::min(kTogether, pels.rows - from);
+        const auto rows = static_cast<std::ptrdiff_t>(std::min(kTogether, pels.rows - from));
         const Pel* first = pels.first + static_cast<std::ptrdiff_t>(from) * pels.stride;
         std::size_t i = 0;
 #if HWY_TARGET != HWY_SCALAR
@@ -51,9 +51,8 @@ HWY_INLINE void Sum(const PelRows& pels, std::size_t count, std::uint32_t* sums,
             auto sum = from == 0 ? hn::Zero(d) : hn::LoadU(d, sums + i);
             [[maybe_unused]] auto lit = hn::Zero(d);
             if constexpr (kLit) lit = from == 0 ? lit : hn::LoadU(d, counts + i);
-            const Pel* row = first + i * kWidth;
-            for (std::size_t r = 0; r < rows; ++r, row += pels.stride) {
-                const auto v = hn::LoadU(d16, row);
+            for (std::ptrdiff_t r = 0; r < rows; ++r) {
+                const auto v = hn::LoadU(d16, first + r * pels.stride + i * kWidth);
                 sum = hn::Add(sum, AddUp<kWidth>(d16, v));
                 if constexpr (kLit) lit = hn::Add(lit, AddUp<kWidth>(d16, Marks(d16, v)));
             }
@@ -65,8 +64,8 @@ HWY_INLINE void Sum(const PelRows& pels, std::size_t count, std::uint32_t* sums,
             std::uint32_t sum = from == 0 ? 0 : sums[i];
             [[maybe_unused]] std::uint32_t lit = 0;
             if constexpr (kLit) lit = from == 0 ? 0 : counts[i];
-            const Pel* row = first + i * kWidth;
-            for (std::size_t r = 0; r < rows; ++r, row += pels.stride) {
+            for (std::ptrdiff_t r = 0; r < rows; ++r) {
+                const Pel* row = first + r * pels.stride + i * kWidth;
                 for (std::size_t w = 0; w < kWidth; ++w) {
                     sum += row[w];
                     lit += row[w] != 0;

@@ -45,10 +45,14 @@ void TransposePels(const Pel* in, std::ptrdiff_t inStride, std::ptrdiff_t cols, 
             TransposeBlock(in + r * inStride + c, inStride, out + c * outStride + r, outStride);
     }
 #endif
-    TransposeTile<Pel>(in + wholeCols, inStride, cols - wholeCols, wholeRows, out + wholeCols * outStride,
-                       outStride);
-    TransposeTile<Pel>(in + wholeRows * inStride, inStride, cols, rows - wholeRows, out + wholeRows,
-                       outStride);
+    if (wholeCols < cols) {
+        TransposeTile<Pel>(in + wholeCols, inStride, cols - wholeCols, wholeRows, out + wholeCols * outStride,
+                           outStride);
+    }
+    if (wholeRows < rows) {
+        TransposeTile<Pel>(in + wholeRows * inStride, inStride, cols, rows - wholeRows, out + wholeRows,
+                           outStride);
+    }
 }
 
 void ReversePels(const Pel* in, std::ptrdiff_t count, Pel* out) {
