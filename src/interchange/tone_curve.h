@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -40,14 +42,19 @@ std::vector<std::uint8_t> MakeStretchTable(double gamma, const Stretch& stretch,
 // The encoding of IEC 61966-2-1. Its exponent 1/2.4 is 0.4166 here: the bitmaps that hosts compare with were
 // made so, and 1/2.4 gives other bytes.
 inline constexpr double kToneExponent = 0.4166;
-/// Up to here the encoding is a straight line.
+/// Up to here the encoding is a straight line, from here on a power.
 inline constexpr double kToneLinearLimit = 0.0031308;
+inline constexpr double kToneLinearSlope = 12.92;
+inline constexpr double kToneGain = 1.055;
+inline constexpr double kToneOffset = 0.055;
+
+inline constexpr double kLargestByte = 255.0;
 
 /// 255 times the encoded value, not yet truncated; `power()` is the value's power with the exponent.
 template <class Power>
 double EncodedTone(double value, Power&& power) {
-    if (!(value > kToneLinearLimit)) return 12.92 * value * 255.0;
-    return (1.055 * power() - 0.055) * 255.0;
+    if (!(value > kToneLinearLimit)) return kToneLinearSlope * value * kLargestByte;
+    return (kToneGain * power() - kToneOffset) * kLargestByte;
 }
 
 /// The encoding of MakeToneTable for single values: 255 times the encoded value, not yet truncated. The
@@ -58,5 +65,26 @@ double ExactTone(double value, double exponent);
 bool IsDoubtful(double scaled) noexcept;
 /// Truncated and limited to 0..255.
 std::uint8_t ToneByte(double scaled) noexcept;
+
+/// The displayed byte of any light from 0 to 1, where there are too many values for a table and too many
+/// pixels for a power each: the light at which each byte begins is found once.
+class ToneSteps {
+  public:
+    /// A gamma of 0 counts as 1, a negative one leaves the light linear.
+    explicit ToneSteps(double gamma);
+
+    std::uint8_t ByteOf(double light) const;
+
+  private:
+    /// Sections of the curve, each of which knows the byte at its start.
+    static constexpr std::size_t kSections = 4096;
+    static constexpr std::size_t kBytes = 256;
+
+    bool linear_;
+    double exponent_ = 0.0;
+    std::array<double, kBytes> possible_;  ///< from this light on the curve may show the byte
+    std::array<double, kBytes> sure_;      ///< and from this it shows it, or a larger one
+    std::array<std::uint8_t, kSections + 1> atStart_{};
+};
 
 }  // namespace tq

@@ -15,7 +15,7 @@ NOT_DRAWN = {
     "TqConvertKorvelinToImage", "tq24bitColorBitmapToImage", "tqBmpToClipBoard", "tqBuildMultiPointImage",
     "tqCombineImagesRGBtoDIB", "tqCompressImage", "tqDecompressImage", "tqDiskBmpToImage", "tqImageSumToImage",
     "tqImageToDIB", "tqImageToImageSum", "tqImageToLeadBmp0", "tqImageToLeadBmpScale", "tqLeadBmpToDiskBmp",
-    "tqLeadBmpToImage", "tqTransformXYZtoRGB", "tqTransformXYZtoRGB2",
+    "tqLeadBmpToImage",
 }
 
 
