@@ -133,7 +133,7 @@ class Rows {
         const double largest = Largest(light);
         if (style_.normalize && largest > 0.0) {
             std::ranges::transform(light, pixel,
-                                   [=](double value) { return ToneByte(value * 255.0 / largest); });
+                                   [=](double value) { return ToneByte(value * kLargestByte / largest); });
         } else if (sources_.fullScale > 0.0) {
             for (double& value : light)
                 value /= sources_.fullScale;

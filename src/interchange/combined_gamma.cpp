@@ -67,10 +67,9 @@ CombinedGamma::CombinedGamma(double gamma, double fullScale, const Triple& gains
         tables_.toneFactorGains[i] = Power(gains[i], exponent * kToneExponent);
     }
     tables_.linearLimit = static_cast<float>(kToneLinearLimit);
-    tables_.linearSlope =
-        static_cast<float>(EncodedTone(kToneLinearLimit, [] { return 0.0; }) / kToneLinearLimit);
-    tables_.toneOffset = static_cast<float>(-EncodedTone(1.0, [] { return 0.0; }));
-    tables_.toneGain = static_cast<float>(EncodedTone(1.0, [] { return 1.0; })) + tables_.toneOffset;
+    tables_.linearSlope = static_cast<float>(kToneLinearSlope * kLargestByte);
+    tables_.toneGain = static_cast<float>(kToneGain * kLargestByte);
+    tables_.toneOffset = static_cast<float>(kToneOffset * kLargestByte);
 }
 
 void CombinedGamma::Encode(const kernels::ChannelRuns& runs, const ByteRows& out, std::uint8_t* left) const {

@@ -11,8 +11,6 @@
 namespace tq {
 namespace {
 
-constexpr double kLargestByte = 255.0;
-
 /// A stretch has this many steps above its byte 1.
 constexpr double kStretchSteps = 254.0;
 
@@ -102,7 +100,7 @@ ToneSteps::ToneSteps(double gamma) : linear_(!(gamma >= 0.0)) {
 
 std::uint8_t ToneSteps::ByteOf(double light) const {
     if (linear_) return ToneByte(light * kLargestByte);
-    if (!(light > kToneLinearLimit)) return ToneByte(EncodedTone(light, [] { return 0.0; }));
+    if (!(light > kToneLinearLimit)) return ToneByte(kToneLinearSlope * light * kLargestByte);
     std::size_t byte = atStart_[static_cast<std::size_t>(TruncToInt32(light * kSections))];
     while (light >= sure_[byte + 1])
         ++byte;

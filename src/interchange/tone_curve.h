@@ -42,16 +42,19 @@ std::vector<std::uint8_t> MakeStretchTable(double gamma, const Stretch& stretch,
 // The encoding of IEC 61966-2-1. Its exponent 1/2.4 is 0.4166 here: the bitmaps that hosts compare with were
 // made so, and 1/2.4 gives other bytes.
 inline constexpr double kToneExponent = 0.4166;
-/// Up to here the encoding is a straight line.
+/// Up to here the encoding is a straight line, from here on a power.
 inline constexpr double kToneLinearLimit = 0.0031308;
+inline constexpr double kToneLinearSlope = 12.92;
 inline constexpr double kToneGain = 1.055;
 inline constexpr double kToneOffset = 0.055;
+
+inline constexpr double kLargestByte = 255.0;
 
 /// 255 times the encoded value, not yet truncated; `power()` is the value's power with the exponent.
 template <class Power>
 double EncodedTone(double value, Power&& power) {
-    if (!(value > kToneLinearLimit)) return 12.92 * value * 255.0;
-    return (kToneGain * power() - kToneOffset) * 255.0;
+    if (!(value > kToneLinearLimit)) return kToneLinearSlope * value * kLargestByte;
+    return (kToneGain * power() - kToneOffset) * kLargestByte;
 }
 
 /// The encoding of MakeToneTable for single values: 255 times the encoded value, not yet truncated. The

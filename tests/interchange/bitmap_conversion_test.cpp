@@ -66,18 +66,22 @@ int PlainCurve(int pel, double gamma, double fullScale) {
 
 TEST(ImageToLeadBmp, EveryLevelOnTheCurve) {
     Image image = AllLevels();
-    for (const double gamma : {1.0, 0.0, 2.2, 0.45, 1e-300, 5.0}) {
-        for (const float fullScale : {65535.0f, 4095.0f, 65000.0f, 1.5f}) {
-            SCOPED_TRACE(testing::Message() << "gamma " << gamma << ", full scale " << fullScale);
-            image.Header().MaxPelValue = fullScale;
-            Bitmap bitmap;
-            double scale = 0.0;
-            ASSERT_EQ(tqImageToLeadBmp(&bitmap, &scale, image, 0, gamma), 0);
-            for (std::int32_t pel = 0; pel < 65536; ++pel) {
-                ASSERT_EQ(bitmap.At(pel % 256, pel / 256),
-                          PlainCurve(pel, gamma == 0.0 ? 1.0 : gamma, fullScale))
-                    << "pel " << pel;
-            }
+    struct Case {
+        double gamma;
+        float fullScale;
+    };
+    for (const auto& [gamma, fullScale] :
+         {Case{1.0, 65535.0f}, Case{1.0, 4095.0f}, Case{1.0, 1.5f}, Case{0.0, 65000.0f}, Case{2.2, 65535.0f},
+          Case{2.2, 1023.0f}, Case{0.45, 65535.0f}, Case{0.45, 4095.5f}, Case{5.0, 65000.0f},
+          Case{1e-300, 255.0f}}) {
+        SCOPED_TRACE(testing::Message() << "gamma " << gamma << ", full scale " << fullScale);
+        image.Header().MaxPelValue = fullScale;
+        Bitmap bitmap;
+        double scale = 0.0;
+        ASSERT_EQ(tqImageToLeadBmp(&bitmap, &scale, image, 0, gamma), 0);
+        for (std::int32_t pel = 0; pel < 65536; ++pel) {
+            ASSERT_EQ(bitmap.At(pel % 256, pel / 256), PlainCurve(pel, gamma == 0.0 ? 1.0 : gamma, fullScale))
+                << "pel " << pel;
         }
     }
 }

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <fstream>
 #include <string>
 #include <vector>
@@ -56,6 +57,8 @@ inline Bytes MakeBmp(const BmpParts& parts) {
 }
 
 inline void WriteBytes(const std::string& name, const Bytes& bytes) {
+    // A new file: what overwrites another one goes to the disk at once on some systems.
+    std::remove(name.c_str());
     std::ofstream(name, std::ios::binary)
         .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
 }
