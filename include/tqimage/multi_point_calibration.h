@@ -88,7 +88,7 @@ TQ_API int32_t TQ_CALL tqBuildMultiPointImage(TqImage** image, const TqMultiPoin
  * @par Ownership
  * The block that image held is freed and replaced; the host frees the new one with tqImageFree.
  * @par Memory
- * The result and 16 bytes a column.
+ * The result and, for a binned measurement, 16 bytes a column.
  * @note TotalPelValue and MaxPelValue are not updated.
  */
 TQ_API int32_t TQ_CALL tqApplyMultiPointCalibration(TqImage** image, const TqImage* correction);

@@ -15,13 +15,10 @@ class LocalShepardSurface final : public Surface {
   public:
     explicit LocalShepardSurface(SurfacePoints points) : points_(std::move(points)) {}
 
-    void Evaluate(const SurfaceTile& tile, float* values) override {
+    void Evaluate(const SurfaceTile& tile, double* values) override {
         Gather(tile);
         places_.MoveTo(tile, points_.frame);
-        means_.resize(places_.Count());
-        kernels::NeighbourMeans({x_.data(), y_.data(), value_.data(), x_.size()}, places_.All(),
-                                means_.data());
-        std::transform(means_.begin(), means_.end(), values, ToSurfaceValue);
+        kernels::NeighbourMeans({x_.data(), y_.data(), value_.data(), x_.size()}, places_.All(), values);
     }
 
   private:
@@ -67,7 +64,6 @@ class LocalShepardSurface final : public Surface {
     std::vector<double> x_;
     std::vector<double> y_;
     std::vector<double> value_;
-    std::vector<double> means_;
 };
 
 }  // namespace

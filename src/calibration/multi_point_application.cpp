@@ -6,6 +6,7 @@
 #include "core/image_block.h"
 #include "core/image_view.h"
 #include "core/numerics.h"
+#include "kernels/signed_factors.h"
 #include "tqimage/multi_point_calibration.h"
 
 namespace tq {
@@ -49,28 +50,35 @@ struct BinSums {
     }
 };
 
-/// A pel of 0 has no data and gets none.
-Pel Scaled(Pel pel, double factor) noexcept {
-    const double value = pel * factor + 0.5;
-    // Before the conversion, in which what is beyond 32 bits would come out dark.
-    if (pel != 0 && value >= kLargestPel) return kLargestPel;
-    return pel == 0 ? Pel{0} : ClampToPel(TruncToInt32(value));
-}
-
-OwnedImage ScaleImage(const ConstImageView& image, const SensorFrame& frame) {
+/// The rows that lie on the correction image, each by scaleRow(row, its pels, where they go).
+template <class ScaleRow>
+OwnedImage ScaleRows(const ConstImageView& image, const SensorFrame& frame, ScaleRow&& scaleRow) {
     OwnedImage result(image, NewPels::kUnwritten);
     const ImageView out = result.View();
-    const float luxPerGrey = frame.correction.header->LuxPerGrey;
-    BinSums bins(frame);
     for (std::int32_t row = 0; row < image.rows; ++row) {
         const Pel* pels = image.Row(row);
         const std::int32_t covered = row < frame.rows.covered ? frame.cols.covered : 0;
-        if (covered > 0) bins.Collect(frame, row);
-        for (std::int32_t col = 0; col < covered; ++col)
-            out.At(col, row) = Scaled(pels[col], bins.Factor(static_cast<std::size_t>(col), luxPerGrey));
+        if (covered > 0) scaleRow(row, pels, out.Row(row));
         std::copy(pels + covered, pels + image.cols, out.Row(row) + covered);
     }
     return result;
+}
+
+/// A pel of 0 has no data and gets none, whatever its factor.
+OwnedImage ScaleImage(const ConstImageView& image, const SensorFrame& frame) {
+    const float luxPerGrey = frame.correction.header->LuxPerGrey;
+    const auto covered = static_cast<std::size_t>(frame.cols.covered);
+    if (frame.cols.bin == 1 && frame.rows.bin == 1) {
+        return ScaleRows(image, frame, [&](std::int32_t row, const Pel* pels, Pel* out) {
+            kernels::ScaleBySigned(pels, frame.Row(row).first, luxPerGrey, covered, out);
+        });
+    }
+    BinSums bins(frame);
+    return ScaleRows(image, frame, [&](std::int32_t row, const Pel* pels, Pel* out) {
+        bins.Collect(frame, row);
+        for (std::size_t col = 0; col < covered; ++col)
+            out[col] = kernels::ScaledPel(pels[col], bins.Factor(col, luxPerGrey));
+    });
 }
 
 }  // namespace

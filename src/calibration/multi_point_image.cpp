@@ -13,16 +13,12 @@
 #include "core/image_block.h"
 #include "core/image_view.h"
 #include "core/numerics.h"
+#include "kernels/surface_values.h"
 #include "platform/automation.h"
 #include "platform/message_queue.h"
 #include "tqimage/multi_point_calibration.h"
 
 namespace tq {
-
-float ToSurfaceValue(double value) noexcept {
-    constexpr double kLargest = std::numeric_limits<float>::max();
-    return std::isnan(value) ? 0.0f : static_cast<float>(std::clamp(value, -kLargest, kLargest));
-}
 
 namespace {
 
@@ -43,8 +39,8 @@ constexpr double kLargestCorrection = 32000.0;
 /// No points, no surface: 0 everywhere.
 class ZeroSurface final : public Surface {
   public:
-    void Evaluate(const SurfaceTile& tile, float* values) override {
-        std::fill_n(values, tile.cols * tile.rows, 0.0f);
+    void Evaluate(const SurfaceTile& tile, double* values) override {
+        std::fill_n(values, tile.cols * tile.rows, 0.0);
     }
 };
 
@@ -124,10 +120,8 @@ class ValueField {
             std::fill_n(pels, values_.size(), Pel{0});
             return;
         }
-        std::transform(values_.begin(), values_.end(), pels, [&](float value) {
-            if (value < kLeastValue) return kNoData;
-            return WrapToPel(TruncToInt32(value * kLargestCorrection / static_cast<double>(largest_)));
-        });
+        kernels::EncodeValues(values_.data(), {kLargestCorrection, largest_, kLeastValue, kNoData},
+                              values_.size(), pels);
     }
 
   private:
@@ -148,18 +142,15 @@ class ValueField {
             Take(tile);
             PumpMessages();
         }
-        largest_ = 0.0f;
-        for (const float value : values_) {
-            if (value > kLeastValue) largest_ = std::max(largest_, std::abs(value));
-        }
+        largest_ = kernels::LargestAbove(values_.data(), kLeastValue, values_.size());
     }
 
     void Take(const SurfaceTile& tile) noexcept {
+        const double least = mode_ == kNoNegatives ? 0.0 : std::numeric_limits<float>::lowest();
+        const auto count = static_cast<std::size_t>(tile.cols);
         for (std::int32_t row = 0; row < tile.rows; ++row) {
-            const float* from = tile_ + row * tile.cols;
             const auto to = static_cast<std::ptrdiff_t>(tile.row + row) * cols_ + tile.col;
-            std::transform(from, from + tile.cols, values_.begin() + to,
-                           [&](float value) { return mode_ == kNoNegatives && value < 0.0f ? 0.0f : value; });
+            kernels::NarrowValues(tile_ + row * tile.cols, least, count, values_.data() + to);
         }
     }
 
@@ -168,7 +159,7 @@ class ValueField {
     std::int32_t mode_;
     std::vector<float> values_;
     float largest_ = 0.0f;
-    float tile_[kTileSide * kTileSide];
+    double tile_[kTileSide * kTileSide];
 };
 
 OwnedImage CorrectionImage(const TqMultiPointSettings& settings, const ValueField& field) {

@@ -1,11 +1,14 @@
 #include "calibration/polynomial.h"
 
+#include <array>
+#include <cstddef>
+#include <cstdint>
 #include <memory>
+#include <tuple>
 #include <vector>
 
 #include "calibration/linear_algebra.h"
 #include "calibration/surface.h"
-#include "calibration/tile_places.h"
 
 namespace tq {
 namespace {
@@ -33,16 +36,23 @@ class PolynomialSurface final : public Surface {
     PolynomialSurface(const SurfaceFrame& frame, const Polynomial& polynomial)
         : frame_(frame), polynomial_(polynomial) {}
 
-    void Evaluate(const SurfaceTile& tile, float* values) override {
-        places_.MoveTo(tile, frame_);
-        for (std::size_t i = 0; i < places_.Count(); ++i)
-            values[i] = ToSurfaceValue(polynomial_.At(places_.X(i), places_.Y(i)));
+    void Evaluate(const SurfaceTile& tile, double* values) override {
+        std::array<double, kTileSide> x;
+        for (std::int32_t col = 0; col < tile.cols; ++col)
+            x[static_cast<std::size_t>(col)] = frame_.X(static_cast<double>(tile.col) + col);
+        for (std::int32_t row = 0; row < tile.rows; ++row, values += tile.cols) {
+            const auto k = polynomial_.OfARow(frame_.Y(static_cast<double>(tile.row) + row));
+            static_assert(std::tuple_size_v<decltype(k)> == 5);
+            for (std::int32_t col = 0; col < tile.cols; ++col) {
+                const double at = x[static_cast<std::size_t>(col)];
+                values[col] = k[0] + at * (k[1] + at * (k[2] + at * (k[3] + at * k[4])));
+            }
+        }
     }
 
   private:
     SurfaceFrame frame_;
     Polynomial polynomial_;
-    TilePlaces places_;
 };
 
 }  // namespace

@@ -26,6 +26,15 @@ struct Polynomial {
         }
         return sum;
     }
+    /// The coefficients of the powers of x where y is fixed.
+    std::array<double, kMaxDegree + 1> OfARow(double y) const noexcept {
+        std::array<double, kMaxDegree + 1> row{};
+        for (std::size_t j = row.size(); j-- > 0;) {
+            for (std::size_t i = 0; i < row.size(); ++i)
+                row[i] = row[i] * y + coefficients[j][i];
+        }
+        return row;
+    }
     Polynomial& operator+=(const Polynomial& other) noexcept {
         for (std::size_t j = 0; j < coefficients.size(); ++j) {
             for (std::size_t i = 0; i < coefficients.size(); ++i)

@@ -24,7 +24,7 @@ class ShepardSurface final : public Surface {
         SetTolerance(kFirstTolerance * points_.LargestValue());
     }
 
-    void Evaluate(const SurfaceTile& tile, float* values) override {
+    void Evaluate(const SurfaceTile& tile, double* values) override {
         far_.MoveTo(tile);
         places_.MoveTo(tile, points_.frame);
         for (std::vector<double>* sums : {&sums_, &norms_, &farSums_, &farNorms_})
@@ -33,7 +33,7 @@ class ShepardSurface final : public Surface {
         far_.ToPels(far_.AtNodes(0).data(), tile, farSums_.data());
         far_.ToPels(far_.AtNodes(1).data(), tile, farNorms_.data());
         for (std::size_t i = 0; i < places_.Count(); ++i)
-            values[i] = ToSurfaceValue((sums_[i] + farSums_[i]) / (norms_[i] + farNorms_[i]));
+            values[i] = (sums_[i] + farSums_[i]) / (norms_[i] + farNorms_[i]);
     }
 
     double Tolerance() const noexcept override { return tolerance_; }

@@ -23,8 +23,9 @@ struct SurfaceTile {
 class Surface {
   public:
     virtual ~Surface() = default;
-    /// The surface at the pels of a tile, row after row. Not const: surfaces keep their buffers.
-    virtual void Evaluate(const SurfaceTile& tile, float* values) = 0;
+    /// The surface at the pels of a tile, row after row. What is not finite is left to the reader. Not const:
+    /// surfaces keep their buffers.
+    virtual void Evaluate(const SurfaceTile& tile, double* values) = 0;
     /// How far from the surface the values may be, but for rounding; and no farther than this from now on.
     virtual double Tolerance() const noexcept { return 0.0; }
     virtual void SetTolerance(double) {}
@@ -46,8 +47,5 @@ std::unique_ptr<Surface> MakeThinPlateSurface(SurfacePoints points);
 std::unique_ptr<Surface> MakePolynomialThinPlateSurface(SurfacePoints points);
 /// Linear on the triangles between the points.
 std::unique_ptr<Surface> MakeTriangulatedSurface(const SurfacePoints& points);
-
-/// A finite number whatever the surface does.
-float ToSurfaceValue(double value) noexcept;
 
 }  // namespace tq

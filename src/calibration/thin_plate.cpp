@@ -1,8 +1,10 @@
 #include "calibration/thin_plate.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <span>
 #include <utility>
@@ -27,15 +29,13 @@ class ThinPlateSurface final : public Surface {
         SetTolerance(kFirstTolerance * points_.LargestValue());
     }
 
-    void Evaluate(const SurfaceTile& tile, float* values) override {
+    void Evaluate(const SurfaceTile& tile, double* values) override {
         far_.MoveTo(tile);
         places_.MoveTo(tile, points_.frame);
         near_.resize(places_.Count());
         kernels::LogRadialSums(far_.Near(), places_.All(), near_.data());
-        sums_.resize(places_.Count());
-        far_.ToPels(FarWithTrend().data(), tile, sums_.data());
-        for (std::size_t i = 0; i < sums_.size(); ++i)
-            values[i] = ToSurfaceValue(sums_[i] + near_[i]);
+        far_.ToPels(FarWithTrend().data(), tile, values);
+        std::transform(near_.begin(), near_.end(), values, values, std::plus<>());
     }
 
     double Tolerance() const noexcept override { return tolerance_; }
@@ -69,7 +69,6 @@ class ThinPlateSurface final : public Surface {
     TilePlaces places_;
     std::array<double, kSquareNodes> atNodes_{};
     std::vector<double> near_;
-    std::vector<double> sums_;
 };
 
 static_assert(Polynomial::kMaxDegree < kNodes);

@@ -117,7 +117,7 @@ class TriangulatedSurface final : public Surface {
             hull_.emplace_back(corner(a), corner(b));
     }
 
-    void Evaluate(const SurfaceTile& tile, float* values) override {
+    void Evaluate(const SurfaceTile& tile, double* values) override {
         const auto cols = static_cast<std::size_t>(tile.cols);
         known_.assign(cols * static_cast<std::size_t>(tile.rows), false);
         for (const Triangle& triangle : triangles_)
@@ -126,14 +126,14 @@ class TriangulatedSurface final : public Surface {
         GatherEdges(tile);
         for (std::size_t i = 0; i < known_.size(); ++i) {
             if (known_[i]) continue;
-            values[i] = ToSurfaceValue(NearestOnHull(tile.col + static_cast<double>(i % cols),
-                                                     tile.row + static_cast<double>(i / cols)));
+            values[i] = NearestOnHull(tile.col + static_cast<double>(i % cols),
+                                      tile.row + static_cast<double>(i / cols));
         }
     }
 
   private:
     /// On an edge both triangles have the same value; the first one writes it.
-    void Draw(const Triangle& triangle, const SurfaceTile& tile, float* values) {
+    void Draw(const Triangle& triangle, const SurfaceTile& tile, double* values) {
         const Range rows = triangle.Rows(tile);
         for (std::int32_t row = rows.from; row <= rows.to; ++row) {
             const double y = static_cast<double>(tile.row) + row;
@@ -143,7 +143,7 @@ class TriangulatedSurface final : public Surface {
                 const std::size_t i = first + static_cast<std::size_t>(col);
                 if (known_[i]) continue;
                 known_[i] = true;
-                values[i] = ToSurfaceValue(triangle.ValueAt(static_cast<double>(tile.col) + col, y));
+                values[i] = triangle.ValueAt(static_cast<double>(tile.col) + col, y);
             }
         }
     }

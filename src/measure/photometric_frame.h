@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstdint>
 
+#include "kernels/polar_ring.h"
 #include "tqimage/base.h"
 
 namespace tq {
@@ -40,6 +41,10 @@ class PhotometricFrame {
     double ColumnOf(const TargetPoint& point) const noexcept { return pelsPerMeterX_ * point.x + centerCol_; }
     double RowOf(const TargetPoint& point) const noexcept { return centerRow_ - point.y * pelsPerMeterY_; }
     double CenterCol() const noexcept { return centerCol_; }
+    /// Where ColumnOf and RowOf put a circle about the axis.
+    kernels::RingPlaces Circle(double radius) const noexcept {
+        return {radius, centerCol_, centerRow_, pelsPerMeterX_, pelsPerMeterY_};
+    }
 
     double SquaredRange(const TargetPoint& point) const noexcept {
         return point.SquaredRho() + distance_ * distance_;

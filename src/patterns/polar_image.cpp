@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -10,6 +11,7 @@
 #include "core/numerics.h"
 #include "core/portable_math.h"
 #include "geometry/bilinear.h"
+#include "kernels/polar_ring.h"
 #include "measure/photometric_frame.h"
 #include "patterns/azimuth.h"
 #include "patterns/pattern_image.h"
@@ -56,72 +58,71 @@ Ring MakeRing(const PhotometricFrame& frame, double degrees, std::int32_t projec
     return {distance * (sine / cosine), candela};
 }
 
-/// The grey levels of an image in polar co-ordinates.
-class PolarSampler {
-  public:
-    PolarSampler(const ConstImageView& image, const PhotometricFrame& frame)
-        : image_(image), frame_(frame), sampler_(image) {}
-
-    /// 0.0 outside the image.
-    double Grey(const Ring& ring, const Direction& direction) const noexcept {
-        const TargetPoint point{ring.radius * direction.cosine, ring.radius * direction.sine};
-        const double col = frame_.ColumnOf(point);
-        const double row = frame_.RowOf(point);
-        const bool inside =
-            ring.exists && col >= 0.0 && row >= 0.0 && col <= image_.cols - 1 && row <= image_.rows - 1;
-        return inside ? sampler_.AnyPlace(col, row) : 0.0;
-    }
-
-  private:
-    ConstImageView image_;
-    PhotometricFrame frame_;
-    BilinearSampler sampler_;
-};
-
 /// The polar image as numbers, before they are scaled to pels.
 class PolarField {
   public:
     PolarField(const ConstImageView& image, std::int32_t cols, std::int32_t rows, double maxAngle,
                std::int32_t projection)
-        : sampler_(image, PhotometricFrame(*image.header)) {
-        const PhotometricFrame frame(*image.header);
+        : image_(image), frame_(*image.header), sampler_(image) {
         const TurnParts parts(cols);
-        for (std::int32_t col = 0; col < cols; ++col)
-            directions_.push_back(parts[col]);
+        for (std::int32_t col = 0; col < cols; ++col) {
+            cosines_.push_back(parts[col].cosine);
+            sines_.push_back(parts[col].sine);
+        }
         for (std::int32_t row = 0; row < rows; ++row) {
             const double degrees = rows == 1 ? 0.0 : row * maxAngle / (rows - 1);
-            rings_.push_back(MakeRing(frame, degrees, projection));
+            rings_.push_back(MakeRing(frame_, degrees, projection));
         }
     }
 
-    /// visit(row, column, grey, candela of a grey level) for every pel. Sectors are walked one by one from
-    /// the axis outward, for neighbouring rings share the cache lines of the image.
+    /// visit(row, first column, number of columns, greys, candela of a grey level) for runs of pels. Sectors
+    /// are walked one by one from the axis outward, for neighbouring rings share the cache lines of the
+    /// image.
     template <class Visit>
-    void ForEach(Visit&& visit) const {
-        constexpr std::int32_t kSector = 256;
-        const auto cols = static_cast<std::int32_t>(directions_.size());
-        const auto rows = static_cast<std::int32_t>(rings_.size());
-        for (std::int32_t left = 0; left < cols; left += kSector) {
-            const std::int32_t end = std::min(left + kSector, cols);
-            for (std::int32_t row = 0; row < rows; ++row) {
-                const Ring& ring = rings_[static_cast<std::size_t>(row)];
-                for (std::int32_t col = left; col < end; ++col) {
-                    const double grey = sampler_.Grey(ring, directions_[static_cast<std::size_t>(col)]);
-                    visit(row, col, grey, ring.candela);
-                }
+    void ForEachRun(Visit&& visit) const {
+        constexpr std::size_t kSector = 256;
+        std::array<double, kSector> greys;
+        for (std::size_t left = 0; left < cosines_.size(); left += kSector) {
+            const std::size_t count = std::min(kSector, cosines_.size() - left);
+            for (std::size_t row = 0; row < rings_.size(); ++row) {
+                Sample(rings_[row], left, count, greys.data());
+                visit(static_cast<std::int32_t>(row), left, count, greys.data(), rings_[row].candela);
             }
         }
     }
 
   private:
-    PolarSampler sampler_;
-    std::vector<Direction> directions_;
+    /// 0.0 outside the image.
+    void Sample(const Ring& ring, std::size_t first, std::size_t count, double* greys) const noexcept {
+        if (ring.exists && image_.cols > 1 && image_.rows > 1) {
+            kernels::SampleRing({image_.pels, image_.cols, image_.rows}, frame_.Circle(ring.radius),
+                                &cosines_[first], &sines_[first], count, greys);
+            return;
+        }
+        for (std::size_t i = 0; i < count; ++i)
+            greys[i] = ring.exists ? SampleAt(ring, cosines_[first + i], sines_[first + i]) : 0.0;
+    }
+
+    /// In an image of one column or row, which has no cells.
+    double SampleAt(const Ring& ring, double cosine, double sine) const noexcept {
+        const TargetPoint point{ring.radius * cosine, ring.radius * sine};
+        const double col = frame_.ColumnOf(point);
+        const double row = frame_.RowOf(point);
+        const bool inside = col >= 0.0 && row >= 0.0 && col <= image_.cols - 1 && row <= image_.rows - 1;
+        return inside ? sampler_.AnyPlace(col, row) : 0.0;
+    }
+
+    ConstImageView image_;
+    PhotometricFrame frame_;
+    BilinearSampler sampler_;
+    std::vector<double> cosines_;
+    std::vector<double> sines_;
     std::vector<Ring> rings_;
 };
 
 void StoreGrey(const PolarField& field, const ImageView& out, const TqImageHeader& source) {
-    field.ForEach([&](std::int32_t row, std::int32_t col, double grey, double) {
-        out.At(col, row) = ClampToPel(TruncToInt32(grey + 0.5));
+    field.ForEachRun([&](std::int32_t row, std::size_t col, std::size_t count, const double* greys, double) {
+        kernels::StoreProducts(greys, 1.0, 1.0, count, out.Row(row) + col);
     });
     out.header->LuxPerGrey = source.LuxPerGrey;
 }
@@ -129,13 +130,14 @@ void StoreGrey(const PolarField& field, const ImageView& out, const TqImageHeade
 /// The field is sampled twice, for its largest value and to store it: cheaper than an array of doubles.
 void StoreIntensity(const PolarField& field, const ImageView& out) {
     double largest = 0.0;
-    field.ForEach([&](std::int32_t, std::int32_t, double grey, double candela) {
-        if (grey * candela > largest) largest = grey * candela;
+    field.ForEachRun([&](std::int32_t, std::size_t, std::size_t count, const double* greys, double candela) {
+        largest = kernels::LargestProduct(greys, candela, count, largest);
     });
     const double scale = largest > 0.0 && std::isfinite(largest) ? kLargestIntensity / largest : 0.0;
-    field.ForEach([&](std::int32_t row, std::int32_t col, double grey, double candela) {
-        out.At(col, row) = ClampToPel(TruncToInt32(grey * candela * scale + 0.5));
-    });
+    field.ForEachRun(
+        [&](std::int32_t row, std::size_t col, std::size_t count, const double* greys, double candela) {
+            kernels::StoreProducts(greys, candela, scale, count, out.Row(row) + col);
+        });
     out.header->MaxPelValue = static_cast<float>(kLargestIntensity);
     out.header->LuxPerGrey = static_cast<float>(largest / kLargestIntensity);
 }

@@ -95,7 +95,7 @@ TEST(MultiPointApplication, RefusalsLeaveTheImage) {
         Image flat = Correction(MakeImage(8, 6, [](int, int) { return 1; }), 1.0f);
         EXPECT_GE(tqtest::FailEachAllocation(
                       -9, 0, [&] { return tqApplyMultiPointCalibration(image.Address(), flat); }),
-                  2);
+                  1);
     }
     EXPECT_TRUE(SamePels(RandomImage(8, 6, 4), image));
     // The host's image may correct itself.
