@@ -4,13 +4,14 @@
 #   make test     builds and tests everything: Linux, sanitizers, both Windows DLLs under Wine
 #   make bench    speed, next to OpenCV
 #   make fuzz     ten minutes of hostile input for everything that reads bytes; FUZZ_SECONDS=n for another time
+#   make docs     the guide and the reference of all functions, in build/docs/index.html
 #   make format   lays the sources out as .clang-format says
 #   make tidy     clang-tidy over the library and the program
 #   make clean    removes build/
 #
 # Each one first installs what a Debian 12 machine lacks for it (make setup).
 
-.PHONY: all setup release demo test bench fuzz format tidy clean
+.PHONY: all setup release demo test bench fuzz docs format tidy clean
 
 all: release
 
@@ -33,6 +34,10 @@ bench: release
 FUZZ_SECONDS ?= 600
 fuzz: setup
 	@tools/fuzz.sh $(FUZZ_SECONDS)
+
+docs: setup
+	@cmake --preset release
+	@cmake --build --preset release --target docs
 
 format: setup
 	@tools/format.sh

@@ -34,13 +34,17 @@ const NoiseImage& ImageOf(std::int32_t cols, std::int32_t rows) {
 }
 
 void Run(benchmark::State& state, const Contest& contest, const NoiseImage& image) {
-    // The first turns pay for memory that no turn has touched before.
-    contest.ours(image);
-    if (contest.peer) contest.peer(image);
-    Turns ours, peer, read;
     const auto prepare = [&] {
         if (contest.prepare) contest.prepare(image);
     };
+    // The first turns pay for memory that no turn has touched before.
+    prepare();
+    contest.ours(image);
+    if (contest.peer) {
+        prepare();
+        contest.peer(image);
+    }
+    Turns ours, peer, read;
     for ([[maybe_unused]] auto _ : state) {
         prepare();
         state.SetIterationTime(ours.Take([&] { contest.ours(image); }));

@@ -21,6 +21,7 @@ int Run(int count, char** arguments) {
     AddUniformity(app);
     AddMtf(app);
     AddDefects(app);
+    AddConvert(app);
     AddSimulate(app);
     AddPattern(app);
     AddPlot(app);

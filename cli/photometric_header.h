@@ -47,5 +47,7 @@ PhotometricHeader FindHeader(const std::string& image, const std::string& header
 /// The library's header. Unknown scales are 0, the centre is the image's middle and the binning 1 unless
 /// known.
 TqImageHeader MakeHeader(const PhotometricHeader& header, std::int32_t cols, std::int32_t rows);
+/// Replaces what is known in a header that an image brings along.
+void Correct(TqImageHeader& image, const PhotometricHeader& known);
 
 }  // namespace cli

@@ -5,7 +5,7 @@ set -euo pipefail
 
 packages=(
     # native build, checks
-    cmake ninja-build g++ binutils make git ccache python3 pkgconf
+    cmake ninja-build g++ binutils make git ccache python3 pkgconf doxygen
     clang clang-format clang-tidy libclang-rt-14-dev
     # the library, the program, tests, benchmarks
     libhwy-dev zlib1g-dev libjpeg62-turbo-dev libeigen3-dev googletest

@@ -15,6 +15,11 @@
 extern "C" {
 #endif
 
+/** @defgroup adaptive_colour Adaptive transforms
+ *  @ingroup colour
+ *  @copydoc adaptive_colour.h
+ *  @{ */
+
 /** @brief X, Y and Z images by matrices that are blended for each pel.
  *
  *  A pel's matrix is the weighted mean of the calibrations' matrices with the weights 1 / d^p, d being the
@@ -121,6 +126,8 @@ TQ_API int32_t TQ_CALL tqAdaptiveSelect(TqImage** out, const TqImage* first, con
                                         const TqImage* third, float m0, float m1, float m2, float m3,
                                         float m4, float m5, float m6, float m7, float m8, int32_t count,
                                         const float* chroma);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

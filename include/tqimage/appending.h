@@ -10,6 +10,11 @@
 extern "C" {
 #endif
 
+/** @defgroup appending Appending captures
+ *  @ingroup interchange
+ *  @copydoc appending.h
+ *  @{ */
+
 /**
  * @brief Joins an image to another one so that their centres (CenterCol, CenterRow) coincide.
  *
@@ -38,6 +43,8 @@ extern "C" {
  */
 TQ_API int32_t TQ_CALL tqAppendImage(TqImage** accumulated, TqImage* added, int32_t blockWidth,
                                      int32_t blockHeight);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -10,6 +10,11 @@
 extern "C" {
 #endif
 
+/** @defgroup bitmap Bitmaps for the screen
+ *  @ingroup interchange
+ *  @copydoc bitmap.h
+ *  @{ */
+
 /** A bitmap in memory. The host keeps the record and fills it with zeros before its first use; the library
  *  makes palette and rows, and tqFreeLeadBmp releases them. Bitmaps that the library makes are top-down. */
 typedef struct TqLeadBitmap {
@@ -147,6 +152,8 @@ TQ_API int32_t TQ_CALL tqLeadBmpToImage(TqLeadBitmap bitmap, TqImage** image);
  * The record itself stays the host's and may be used again.
  */
 TQ_API int32_t TQ_CALL tqFreeLeadBmp(TqLeadBitmap* bitmap);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -10,6 +10,11 @@
 extern "C" {
 #endif
 
+/** @defgroup bitmap_files BMP files and the clipboard
+ *  @ingroup interchange
+ *  @copydoc bitmap_files.h
+ *  @{ */
+
 /**
  * @brief Writes an image as an 8-bit Windows BMP file.
  *
@@ -88,6 +93,8 @@ TQ_API int32_t TQ_CALL tqImageToDIB(void** dib, TqImage* image, int32_t palette)
  *       the process, which frees the handle when the next one comes.
  */
 TQ_API int32_t TQ_CALL tqBmpToClipBoard(void* owner, void* dib);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

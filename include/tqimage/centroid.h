@@ -12,6 +12,11 @@
 extern "C" {
 #endif
 
+/** @defgroup centroid Centroids
+ *  @ingroup analysis
+ *  @copydoc centroid.h
+ *  @{ */
+
 /** @brief Centroid of an image from the averages of the block around every pel.
  *  @param[in] image image to measure
  *  @param[out] column column of the centroid, pels; may be null
@@ -92,6 +97,8 @@ TQ_API int32_t TQ_CALL tqFindGeometricCenterInRegion(const TqImage* image, doubl
 TQ_API int32_t TQ_CALL tqFindCentroidInEllipse(const TqImage* image, double* column, double* row,
                                                int32_t threshold, int32_t centerCol, int32_t centerRow,
                                                int32_t width, int32_t height);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

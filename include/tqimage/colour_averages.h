@@ -17,6 +17,11 @@
 extern "C" {
 #endif
 
+/** @defgroup colour_averages Mean colours and histograms
+ *  @ingroup colour
+ *  @copydoc colour_averages.h
+ *  @{ */
+
 /** @brief X, Y and Z of the mean colour of the pels above a threshold.
  *
  *  A pel counts when its test value is greater than threshold + 1. The result is the matrix times the means
@@ -170,6 +175,8 @@ TQ_API int32_t TQ_CALL tqGetColorArraysDefined(SAFEARRAY** results, SAFEARRAY** 
                                                const TqImage* second, const TqImage* third, int32_t useLux,
                                                float m0, float m1, float m2, float m3, float m4, float m5,
                                                float m6, float m7, float m8);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -18,6 +18,11 @@
 extern "C" {
 #endif
 
+/** @defgroup colour_difference Colour differences
+ *  @ingroup colour
+ *  @copydoc colour_difference.h
+ *  @{ */
+
 /** @brief Difference of chromaticity and luminance from a target.
  *
  *  sqrt(((v' - v)^2 + (u' - u)^2) * wC + dL^2 * wL) with dL = (second channel * its LuxPerGrey - Lref) /
@@ -220,6 +225,8 @@ TQ_API int32_t TQ_CALL tqCalcColorError(TqImage** out, const TqImage* first, con
                                         float semiAxisB, float degrees, int32_t blockCols, int32_t blockRows,
                                         float m0, float m1, float m2, float m3, float m4, float m5, float m6,
                                         float m7, float m8);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

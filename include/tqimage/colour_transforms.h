@@ -14,6 +14,11 @@
 extern "C" {
 #endif
 
+/** @defgroup colour_transforms Colour transforms
+ *  @ingroup colour
+ *  @copydoc colour_transforms.h
+ *  @{ */
+
 /** @brief X, Y and Z images of three filter images, with the scales of their pels returned to the host.
  *
  *  Values are the matrix times the pels, times LuxPerGrey of the green image. The largest value of each image
@@ -193,6 +198,8 @@ TQ_API int32_t TQ_CALL tqSetColorGraysInRegion(TqImage* first, TqImage* second, 
                                                int32_t top, int32_t right, int32_t bottom, float x, float y,
                                                float z, float m0, float m1, float m2, float m3, float m4,
                                                float m5, float m6, float m7, float m8);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -10,6 +10,11 @@
 extern "C" {
 #endif
 
+/** @defgroup comparison Comparison of images
+ *  @ingroup analysis
+ *  @copydoc comparison.h
+ *  @{ */
+
 /** @brief Image of the relative differences of two images, pel by pel in lux.
  *
  *  With r and t the reference and test pel, each times its image's LuxPerGrey, the difference is |t - r| / r.
@@ -31,6 +36,8 @@ extern "C" {
  *        too there is no difference, and the pel is 0.
  */
 TQ_API int32_t TQ_CALL tqCompareImages(TqImage** result, const TqImage* reference, const TqImage* test);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

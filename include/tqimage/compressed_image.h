@@ -11,6 +11,11 @@
 extern "C" {
 #endif
 
+/** @defgroup compressed_image Compressed images
+ *  @ingroup interchange
+ *  @copydoc compressed_image.h
+ *  @{ */
+
 /**
  * @brief Writes an image as a grey JPEG file to a buffer of the host.
  *
@@ -61,6 +66,8 @@ TQ_API int32_t TQ_CALL tqCompressImage(TqImage* image, uint8_t* destination, uin
  */
 TQ_API int32_t TQ_CALL tqDecompressImage(const uint8_t* source, uint32_t length, const TqImageHeader* info,
                                          TqImage** image);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

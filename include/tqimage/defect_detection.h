@@ -24,6 +24,11 @@
 extern "C" {
 #endif
 
+/** @defgroup defect_detection Detection of defects
+ *  @ingroup process
+ *  @copydoc defect_detection.h
+ *  @{ */
+
 /**
  * @brief Finds the defects among the pels whose whole neighbourhood has data.
  *
@@ -108,6 +113,8 @@ TQ_API int32_t TQ_CALL tqFindPixelDefects2(TqImage** out, const TqImage* source,
 TQ_API int32_t TQ_CALL tqFindPixelDefects3(TqImage** out, const TqImage* source, int32_t kind,
                                            int32_t reference, int32_t size, double percent,
                                            double floorPercent, int32_t* bright, int32_t* dark);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

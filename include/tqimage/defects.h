@@ -15,6 +15,11 @@
 extern "C" {
 #endif
 
+/** @defgroup defects Repair of defects
+ *  @ingroup process
+ *  @copydoc defects.h
+ *  @{ */
+
 /**
  * @brief Replaces one pel by the mean of the pels around it.
  *
@@ -174,6 +179,8 @@ TQ_API int32_t TQ_CALL tqReplaceHotPixels(TqImage* image, int32_t threshold, flo
  */
 TQ_API int32_t TQ_CALL tqEditSpikes(TqImage* image, int32_t threshold, int32_t value, int32_t width,
                                     int32_t height);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

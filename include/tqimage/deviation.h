@@ -14,6 +14,11 @@
 extern "C" {
 #endif
 
+/** @defgroup deviation Deviations from the mean
+ *  @ingroup measure
+ *  @copydoc deviation.h
+ *  @{ */
+
 /** @brief Standard deviation of the pels of an image, with 32-bit squares.
  *  @param[in] image image to measure
  *  @param[out] mean mean of the pels that are not 0, grey levels; untouched after a failure
@@ -75,6 +80,8 @@ TQ_API int32_t TQ_CALL tqCalcDevInRegion(const TqImage* image, double* mean, dou
  */
 TQ_API int32_t TQ_CALL tqCalcImageDevInRegion(TqImage** out, const TqImage* image, int32_t left, int32_t top,
                                               int32_t right, int32_t bottom);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

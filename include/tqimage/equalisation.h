@@ -14,6 +14,11 @@
 extern "C" {
 #endif
 
+/** @defgroup equalisation Histogram equalisation
+ *  @ingroup process
+ *  @copydoc equalisation.h
+ *  @{ */
+
 /**
  * @brief Maps each grey level to the share of the pels up to its bin.
  *
@@ -87,6 +92,8 @@ TQ_API int32_t TQ_CALL tqHistoEqualizeInRegion(TqImage** out, const TqImage* sou
  */
 TQ_API int32_t TQ_CALL tqLocalHistoEqualize(TqImage** out, TqImage* source, int32_t levels, int32_t width,
                                             int32_t height);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -24,6 +24,11 @@
 extern "C" {
 #endif
 
+/** @defgroup filters Filters
+ *  @ingroup process
+ *  @copydoc filters.h
+ *  @{ */
+
 /** @brief Replaces every pel by the median of its shifted square window.
  *  @param[in,out] image address of the host's image; the result, with the image's whole header, replaces it
  *  @param[in] size side of the window, pels, any value; limited to the shorter side of the image
@@ -183,6 +188,8 @@ TQ_API int32_t TQ_CALL tqLowPassFilter(TqImage** image);
  *        reaches to the last column.
  */
 TQ_API int32_t TQ_CALL tqFillInHole(TqImage* image, int32_t left, int32_t top, int32_t right, int32_t bottom);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

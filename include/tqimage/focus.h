@@ -10,6 +10,11 @@
 extern "C" {
 #endif
 
+/** @defgroup focus Focus
+ *  @ingroup analysis
+ *  @copydoc focus.h
+ *  @{ */
+
 /** @brief Sharpness of a target with edges in nine regions: the corners, the middles of the sides, the
  * centre.
  *
@@ -27,6 +32,8 @@ extern "C" {
  * go to the nearest pel, half-way cases to the even one.
  */
 TQ_API int32_t TQ_CALL tqAnalyzeFocusImage(const TqImage* image, double* first, double* second, double* mean);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -21,6 +21,11 @@
 extern "C" {
 #endif
 
+/** @defgroup gradients Gradients
+ *  @ingroup process
+ *  @copydoc gradients.h
+ *  @{ */
+
 /** @brief Magnitude of the gradient at every pel.
  *  @param[in,out] out address of the pointer that receives the new image
  *  @param[in] image source; only read
@@ -91,6 +96,8 @@ TQ_API int32_t TQ_CALL tqCalcGradY0(TqImage** out, const TqImage* image, int32_t
  */
 TQ_API int32_t TQ_CALL tqCombineGradients(TqImage** out, const TqImage* a, const TqImage* b, const TqImage* c,
                                           float weightA, float weightBc);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

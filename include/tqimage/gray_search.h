@@ -18,6 +18,11 @@
 extern "C" {
 #endif
 
+/** @defgroup gray_search Brightest and darkest place
+ *  @ingroup measure
+ *  @copydoc gray_search.h
+ *  @{ */
+
 /** @brief Largest block mean of an image.
  *  @param[in] image image to measure
  *  @param[out] column reference column of the block, pels; -1 after a failure
@@ -55,6 +60,8 @@ TQ_API double TQ_CALL tqFindMinGray(const TqImage* image, int32_t* column, int32
  */
 TQ_API double TQ_CALL tqFindMinGray0(const TqImage* image, int32_t* column, int32_t* row, int32_t blockKind,
                                      int32_t blockWidth, int32_t blockHeight);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -11,6 +11,11 @@
 extern "C" {
 #endif
 
+/** @defgroup histogram Histograms
+ *  @ingroup measure
+ *  @copydoc histogram.h
+ *  @{ */
+
 /** @brief Makes an array of the number of pels of each grey level.
  *  @param[in] image image to measure
  *  @param[in,out] array address of the host's array pointer, which holds an array or null; receives a
@@ -40,6 +45,8 @@ TQ_API int32_t TQ_CALL tqGetHistogram(const TqImage* image, SAFEARRAY** array);
  *  @note A file that cannot be written completely, on a full disk, is removed.
  */
 TQ_API int32_t TQ_CALL tqWriteHistogram(const TqImage* image, const char* path);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -11,6 +11,11 @@
 extern "C" {
 #endif
 
+/** @defgroup keystone Keystone maps
+ *  @ingroup geometry
+ *  @copydoc keystone.h
+ *  @{ */
+
 /**
  * @brief Resamples an image, bilinearly, through a map of exactly its size.
  *
@@ -150,6 +155,8 @@ TQ_API int32_t TQ_CALL tqCalcKeyStone(TqDistortionMap** map, const TqImage* imag
 TQ_API int32_t TQ_CALL tqCalcCylinderKeyStone(TqDistortionMap** map, const TqImage* image,
                                               const double* points, double halfAngle, double heightOverRadius,
                                               double* rms);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

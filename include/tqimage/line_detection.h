@@ -10,6 +10,11 @@
 extern "C" {
 #endif
 
+/** @defgroup line_detection Lines
+ *  @ingroup analysis
+ *  @copydoc line_detection.h
+ *  @{ */
+
 /** @brief Image of the response to thin lines of one direction.
  *  @param[out] result address of the pointer that receives the result, with the whole header of the source: the
  *              magnitude of the response of a 3 x 3 mask that weighs the pels of the line with 2 and the
@@ -24,6 +29,8 @@ extern "C" {
  *  @note An image of fewer than three rows or columns gives an image of zeros.
  */
 TQ_API int32_t TQ_CALL tqDetectLine(TqImage** result, const TqImage* source, uint32_t direction);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

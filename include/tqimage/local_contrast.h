@@ -14,6 +14,11 @@
 extern "C" {
 #endif
 
+/** @defgroup local_contrast Local contrast
+ *  @ingroup process
+ *  @copydoc local_contrast.h
+ *  @{ */
+
 /** @brief Standard deviation of the pels with data in the shifted window of every pel.
  *  @param[in,out] image address of the host's image; the result, replaces it
  *  @param[in] width window width, pels, any value
@@ -59,6 +64,8 @@ TQ_API int32_t TQ_CALL tqCalcLocalLumDiff(TqImage** out, const TqImage* image, i
  */
 TQ_API int32_t TQ_CALL tqCalcLocalLumDiffDir(TqImage** out, const TqImage* image, int32_t width,
                                              int32_t height, int32_t distance, int32_t direction);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

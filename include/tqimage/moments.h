@@ -10,6 +10,11 @@
 extern "C" {
 #endif
 
+/** @defgroup moments Local moments
+ *  @ingroup analysis
+ *  @copydoc moments.h
+ *  @{ */
+
 /** @brief Image of the central moments of the window around each pel.
  *
  *  Over the pels v of the window that are not 0, which means no data, with their mean m: the mean of
@@ -36,6 +41,8 @@ extern "C" {
  */
 TQ_API int32_t TQ_CALL tqCalcMoment(TqImage** result, const TqImage* image, int32_t order, int32_t windowCols,
                                     int32_t windowRows);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

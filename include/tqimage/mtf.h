@@ -10,6 +10,11 @@
 extern "C" {
 #endif
 
+/** @defgroup mtf Modulation transfer
+ *  @ingroup analysis
+ *  @copydoc mtf.h
+ *  @{ */
+
 /** @brief Modulation transfer function of an imaging system from the image of a slanted edge.
  *  @param[in] image image of one straight edge between two even areas
  *  @param[in] left first column, pels, any value (clamped)
@@ -40,6 +45,8 @@ extern "C" {
  */
 TQ_API int32_t TQ_CALL tqCalcMTF(const TqImage* image, int32_t left, int32_t top, int32_t right,
                                  int32_t bottom, int32_t count, double* mtf, double* mtf50, double* angle);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

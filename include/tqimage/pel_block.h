@@ -26,6 +26,11 @@
 extern "C" {
 #endif
 
+/** @defgroup pel_block Blocks of pels
+ *  @ingroup measure
+ *  @copydoc pel_block.h
+ *  @{ */
+
 /** @brief Sum of the pels of a rectangle that reach a threshold.
  *  @param[in] image image to measure
  *  @param[in] threshold smallest pel that is summed, grey levels; its low 16 bits count, so 65536 acts as 0
@@ -142,6 +147,8 @@ TQ_API int32_t TQ_CALL tqCountAllPelBlocksEllipse(const TqImage* image, uint32_t
  */
 TQ_API int32_t TQ_CALL tqCountAllPelBlocksEllipseLess(const TqImage* image, uint32_t* count, double threshold,
                                                       int32_t blockWidth, int32_t blockHeight);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -39,6 +39,11 @@
 extern "C" {
 #endif
 
+/** @defgroup photometry Intensity, angles and flux
+ *  @ingroup measure
+ *  @copydoc photometry.h
+ *  @{ */
+
 /** @brief Luminous intensity toward a pel, from the mean illuminance of the elliptic spot around it.
  *  @param[in] image image to measure
  *  @param[in] column column of the direction, pels, any value
@@ -255,6 +260,8 @@ TQ_API int32_t TQ_CALL tqPelToAngle(const TqImage* image, int32_t column, int32_
  */
 TQ_API int32_t TQ_CALL tqAngleToPel(const TqImage* image, int32_t* column, int32_t* row, double firstAngle,
                                     double secondAngle, uint32_t angleMode);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

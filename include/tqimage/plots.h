@@ -17,6 +17,11 @@
 extern "C" {
 #endif
 
+/** @defgroup plots Plots
+ *  @ingroup patterns
+ *  @copydoc plots.h
+ *  @{ */
+
 /**
  * @brief Unrolls an image about its optical axis: columns are azimuths, rows are angles off the axis.
  *
@@ -138,6 +143,8 @@ TQ_API int32_t TQ_CALL tqPadRadarPlot(TqImage** image, int32_t margin, int32_t r
  */
 TQ_API int32_t TQ_CALL tqCreateGraphType(TqImage** out, const double* values, int32_t count, int32_t cols,
                                          int32_t rows, int32_t type, double low, double high);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

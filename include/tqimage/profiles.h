@@ -13,6 +13,11 @@
 extern "C" {
 #endif
 
+/** @defgroup profiles Profiles
+ *  @ingroup measure
+ *  @copydoc profiles.h
+ *  @{ */
+
 /** @brief Makes an array of the means of the columns of a rectangle.
  *  @param[in] image image to measure
  *  @param[in] left first column, pels, any value (clamped)
@@ -72,6 +77,8 @@ TQ_API int32_t TQ_CALL tqGetRowAvg(const TqImage* image, int32_t left, int32_t t
  */
 TQ_API int32_t TQ_CALL tqGetXSectionMinMax(const TqImage* image, int32_t col1, int32_t row1, int32_t col2,
                                            int32_t row2, int32_t* min, int32_t* max);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

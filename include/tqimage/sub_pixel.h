@@ -10,6 +10,11 @@
 extern "C" {
 #endif
 
+/** @defgroup sub_pixel Sub-pixel positions
+ *  @ingroup analysis
+ *  @copydoc sub_pixel.h
+ *  @{ */
+
 /** @brief Position of the brightest spot of a rectangle to a fraction of a pel.
  *
  *  Starts from the brightest pel above the threshold, of equal ones the first in row order. Mode 0 fits a
@@ -36,6 +41,8 @@ extern "C" {
 TQ_API int32_t TQ_CALL tqFindSubPixelInRegion(const TqImage* image, double* column, double* row, double* peak,
                                               int32_t threshold, int32_t left, int32_t top, int32_t right,
                                               int32_t bottom, int32_t mode);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

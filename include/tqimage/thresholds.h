@@ -13,6 +13,11 @@
 extern "C" {
 #endif
 
+/** @defgroup thresholds Thresholds
+ *  @ingroup process
+ *  @copydoc thresholds.h
+ *  @{ */
+
 /**
  * @brief Clears the pels below a threshold and keeps or marks the others.
  * @param[in,out] image Address of the pointer to the image; the result, with the image's header and refreshed
@@ -194,6 +199,8 @@ TQ_API int32_t TQ_CALL tqLocalThresholdImage2(TqImage** out, const TqImage* sour
 TQ_API int32_t TQ_CALL tqLocalThresholdImage3(TqImage** out, const TqImage* source, int32_t kind,
                                               int32_t width, int32_t height, double percent, int32_t* bright,
                                               int32_t* dark);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

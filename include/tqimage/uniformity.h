@@ -22,6 +22,11 @@
 extern "C" {
 #endif
 
+/** @defgroup uniformity Displays and projectors
+ *  @ingroup measure
+ *  @copydoc uniformity.h
+ *  @{ */
+
 /** @brief Luminous flux of a projected white field: the mean illuminance of the nine grid points times the
  *  lit area.
  *  @param[in] image image of the field; what lies outside it has been set to 0
@@ -150,6 +155,8 @@ TQ_API int32_t TQ_CALL tqCalcAbsContrast(TqImage** out, const TqImage* source);
  */
 TQ_API int32_t TQ_CALL tqCalcLampClipRange(const TqImage* image, int32_t threshold, int32_t* left,
                                            int32_t* top, int32_t* right, int32_t* bottom);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -14,6 +14,11 @@
 extern "C" {
 #endif
 
+/** @defgroup whole_image Whole images
+ *  @ingroup measure
+ *  @copydoc whole_image.h
+ *  @{ */
+
 /** @brief Counts the pels that reach a level.
  *  @param[in] image image to measure
  *  @param[out] count pels of at least the level; untouched after a failure
@@ -120,6 +125,8 @@ TQ_API int32_t TQ_CALL tqColAverage(TqImage* image);
  *  @note The sum of a row is formed left to right in single precision, as those of tqColAverage are.
  */
 TQ_API int32_t TQ_CALL tqRowAverage(TqImage* image);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <limits>
 
 #include "core/portable_math.h"
 
@@ -87,6 +88,39 @@ double Stretched(std::size_t pel, const Stretch& stretch) {
 }
 
 }  // namespace
+
+ToneSteps::ToneSteps(double gamma) : linear_(!(gamma >= 0.0)) {
+    if (linear_) return;
+    exponent_ = (gamma == 0.0 ? 1.0 : gamma) * kToneExponent;
+    // Full light is 254.99...: no light up to it shows the last byte.
+    possible_.fill(std::numeric_limits<double>::infinity());
+    sure_ = possible_;
+    // The doubt covers the error of the power's base, and this that of its result.
+    constexpr double kResultDoubt = 1e-12;
+    const auto lightOf = [&](double scaled) {
+        return std::pow((scaled / kLargestByte + kOffset) / kGain, 1.0 / exponent_);
+    };
+    for (std::size_t byte = 0; byte + 1 < kBytes; ++byte) {
+        possible_[byte] = lightOf(static_cast<double>(byte) - kDoubt) * (1.0 - kResultDoubt);
+        sure_[byte] = lightOf(static_cast<double>(byte) + kDoubt) * (1.0 + kResultDoubt);
+    }
+    std::size_t byte = 0;
+    for (std::size_t i = 0; i <= kSections; ++i) {
+        while (sure_[byte + 1] <= static_cast<double>(i) / static_cast<double>(kSections))
+            ++byte;
+        atStart_[i] = static_cast<std::uint8_t>(byte);
+    }
+}
+
+std::uint8_t ToneSteps::ByteOf(double light) const {
+    if (linear_) return ToneByte(light * kLargestByte);
+    if (!(light > kLinearLimit)) return ToneByte(kLinearSlope * light * kLargestByte);
+    std::size_t byte = atStart_[static_cast<std::size_t>(TruncToInt32(light * kSections))];
+    while (light >= sure_[byte + 1])
+        ++byte;
+    if (light >= possible_[byte + 1]) return ToneByte(ExactTone(light, exponent_));
+    return static_cast<std::uint8_t>(byte);
+}
 
 double RoughTone(double value, double exponent) noexcept {
     return Encoded(value, exponent, [](double base, double power) { return std::pow(base, power); });

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -43,5 +45,26 @@ std::uint8_t ToneByte(double scaled) noexcept;
 
 /// The exponent of the encoding at gamma 1.
 inline constexpr double kToneExponent = 0.4166;
+
+/// The displayed byte of any light from 0 to 1, where there are too many values for a table and too many
+/// pixels for a power each: the light at which each byte begins is found once.
+class ToneSteps {
+  public:
+    /// A gamma of 0 counts as 1, a negative one leaves the light linear.
+    explicit ToneSteps(double gamma);
+
+    std::uint8_t ByteOf(double light) const;
+
+  private:
+    /// Sections of the curve, each of which knows the byte at its start.
+    static constexpr std::size_t kSections = 4096;
+    static constexpr std::size_t kBytes = 256;
+
+    bool linear_;
+    double exponent_ = 0.0;
+    std::array<double, kBytes> possible_;  ///< from this light on the curve may show the byte
+    std::array<double, kBytes> sure_;      ///< and from this it shows it, or a larger one
+    std::array<std::uint8_t, kSections + 1> atStart_{};
+};
 
 }  // namespace tq

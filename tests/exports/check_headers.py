@@ -49,7 +49,13 @@ def collection_faults(include):
         return ["tqimage.h, which brings every header, is missing"]
     brought = set(re.findall(r'^#include\s+[<"](?:tqimage/)?(\w+\.h)[>"]', everything.read_text(), re.MULTILINE))
     expected = {header.name for header in public_headers(include)} - {"tqimage.h", "base.h"}
-    return [f"tqimage.h does not include {name}" for name in sorted(expected - brought)]
+    faults = [f"tqimage.h does not include {name}" for name in sorted(expected - brought)]
+    subsystems = set(re.findall(r"@defgroup (\w+)", everything.read_text()))
+    for header in set(public_headers(include)) - {everything}:
+        group = re.search(rf"@defgroup {header.stem} .*\n \*  @ingroup (\w+)$", header.read_text(), re.MULTILINE)
+        if not group or group[1] not in subsystems:
+            faults.append(f"{header.name} is in no part of the reference")
+    return faults
 
 
 def main():
