@@ -2,7 +2,7 @@
 #
 #   make demo     measures a simulated lamp through the whole chain, next to the true values
 #   make test     builds and tests everything: Linux, sanitizers, both Windows DLLs under Wine
-#   make bench    speed, next to OpenCV
+#   make bench    speed, next to OpenCV, as one table
 #   make fuzz     ten minutes of hostile input for everything that reads bytes; FUZZ_SECONDS=n for another time
 #   make docs     the guide and the reference of all functions, in build/docs/index.html
 #   make format   lays the sources out as .clang-format says
@@ -29,7 +29,7 @@ test: setup
 	@tools/test.sh
 
 bench: release
-	build/release/bin/tqimage_bench
+	build/release/bin/tqimage_bench --table
 
 FUZZ_SECONDS ?= 600
 fuzz: setup

@@ -22,6 +22,8 @@ int Run(int count, char** arguments) {
     AddMtf(app);
     AddDefects(app);
     AddConvert(app);
+    AddCorrect(app);
+    AddTransform(app);
     AddSimulate(app);
     AddPattern(app);
     AddPlot(app);

@@ -39,7 +39,7 @@ bool IsScale(double value) {
 bool Accepts(const Field& field, const Values& values) {
     if (values.size() < field.least || values.size() > field.most) return false;
     for (const double value : values) {
-        if (&field == &kCenter ? !(std::fabs(value) < 1e6) : !IsScale(value)) return false;
+        if (&field == &kCenter ? !(std::fabs(value) < kFarthestCenter) : !IsScale(value)) return false;
         if (&field == &kBin && (value != std::floor(value) || value > 32767)) return false;
     }
     return true;
@@ -163,6 +163,19 @@ void Correct(TqImageHeader& image, const PhotometricHeader& known) {
     if (known.luxPerGrey) image.LuxPerGrey = *known.luxPerGrey;
     if (known.distance) image.SourceDistance = *known.distance;
     if (known.bin) Spread(*known.bin, image.BinCols, image.BinRows);
+}
+
+PhotometricHeader ReadBack(const TqImageHeader& header) {
+    PhotometricHeader result;
+    const auto take = [&](const Field& field, const Values& values) {
+        Store(result, field, values, [](const std::string&) {});
+    };
+    take(kPelsPerMeter, {header.PelsPerMeterX, header.PelsPerMeterY});
+    take(kCenter, {header.CenterCol, header.CenterRow});
+    take(kLuxPerGrey, {header.LuxPerGrey});
+    take(kDistance, {header.SourceDistance});
+    take(kBin, {static_cast<double>(header.BinCols), static_cast<double>(header.BinRows)});
+    return result;
 }
 
 }  // namespace cli

@@ -5,8 +5,8 @@
  *  - Columns come before rows; the centre of the first pel is at (0, 0).
  *  - A pel is an unsigned 16-bit grey level. An image block is one allocation: the 56-byte TqImageHeader
  *    followed by PelCols x PelRows pels, row 0 first. It is valid when 1 <= PelCols, PelRows <= 8000.
- *  - The host owns every image block and every distortion map; release them with tqImageFree. A function
- *    that replaces the host's image builds the new block completely before it frees the old one.
+ *  - The host owns every image block and every distortion map; release them with tqImageFree. Unless it says
+ *    otherwise, a function that replaces the host's image builds the new block before it frees the old one.
  *  - Functions keep no state and no reference to a block after they return, and start no threads: calls
  *    may run side by side unless two of them write the same block or the same block pointer.
  *  - Unless a function says otherwise it returns 0 for success and a negative number for failure.

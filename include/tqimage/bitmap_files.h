@@ -54,8 +54,8 @@ TQ_API int32_t TQ_CALL tqLeadBmpToDiskBmp(const char* fileName, const TqLeadBitm
  * @param[in] info     Header of the new image; sizes and MaxPelValue (the largest pel, at least 1) are the
  *                     file's. May lie in the image that is replaced.
  * @param[in,out] image   Receives the image; the block it held is freed. Untouched when the function fails.
- * @return 0; -100 the file cannot be read or is malformed; -3 no memory for the image, or info or image is
- *         null.
+ * @return 0; -100 the file cannot be read or is malformed, or no memory for its bitmap; -3 no memory for the
+ *         image, or info or image is null.
  * @par Ownership
  * The host owns the image and releases it with tqImageFree.
  * @par Memory

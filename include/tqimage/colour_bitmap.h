@@ -94,8 +94,8 @@ TQ_API int32_t TQ_CALL tqCombineImagesRGBtoDIB(void** dib, const TqImage* red, c
  * @param[in,out] first   Receives the X image; the block it held is freed.
  * @param[in,out] second  Receives the Y image; the block it held is freed.
  * @param[in,out] third   Receives the Z image; the block it held is freed.
- * @return 0; -100 the file cannot be read or is malformed; -4 no memory for the images, or an address is
- * null. The host's images are untouched when the function fails.
+ * @return 0; -100 the file cannot be read or is malformed, or no memory for its bitmap; -4 no memory for the
+ * images, or an address is null. The host's images are untouched when the function fails.
  * @par Ownership
  * The host owns the images and releases them with tqImageFree.
  * @par Memory

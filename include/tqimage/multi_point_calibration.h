@@ -57,8 +57,8 @@ typedef struct TqMultiPointSettings {
  * The block that image held is freed, and image is null when just the new block could not be had; after any
  * other failure but 6 it is untouched. The host frees the new block with tqImageFree.
  * @par Memory
- * The result, 4 bytes a pel, and what the surface needs: for a thin-plate spline 16 bytes for each pair of up
- * to 1000 points, above that 500 bytes a point.
+ * The result, 4 bytes a pel, and what the surface needs: 300 bytes a point, and for a thin-plate spline 16
+ * bytes for each pair of up to 1000 points, above that 500 bytes a point.
  * @par Source
  * D. Shepard, A two-dimensional interpolation function, 1968; R. Franke, Scattered data interpolation, 1982;
  * J. Duchon, Splines minimizing rotation-invariant semi-norms, 1977; A. Faul, G. Goodsell, M. Powell, A

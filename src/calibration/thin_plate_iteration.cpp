@@ -135,17 +135,10 @@ double LargestRest(const SurfacePoints& points, std::span<const double> rest) {
     return largest;
 }
 
-double LargestOf(std::span<const double> values) noexcept {
-    double largest = 0.0;
-    for (const double value : values)
-        largest = std::max(largest, std::abs(value));
-    return largest;
-}
-
 }  // namespace
 
 std::vector<double> ThinPlateWeightsOfMany(const SurfacePoints& points, std::span<const double> values) {
-    const double enough = kTolerance * LargestOf(points.value);
+    const double enough = kTolerance * points.LargestValue();
     std::vector<double> weights(values.size());
     std::vector<double> rest(values.begin(), values.end());
     if (LargestRest(points, rest) <= enough) return weights;

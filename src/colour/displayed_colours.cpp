@@ -94,7 +94,7 @@ Rgb TowardGrey(Rgb colour, double luminance) noexcept {
 }
 
 OwnedBitmap BitmapOf(const Tristimuli& from, const Display& display) {
-    OwnedBitmap bitmap = OwnedBitmap::OfColours(from.cols, from.rows);
+    OwnedBitmap bitmap = OwnedBitmap::OfColours(from.cols, from.rows, NewPixels::kZero);
     const double white = display.white > 0.0 ? display.white : from.Largest();
     // Without light there is nothing to divide by, and nothing to see.
     if (!(white > 0.0)) return bitmap;

@@ -13,9 +13,13 @@ class PairedRows {
   public:
     PairedRows(const ConstImageView& source, const AxisPlaces& cols)
         : source_(source),
-          places_{cols.cells.data(), cols.weights.data(), cols.cells.size(), source.cols == 1 ? 0 : 1},
+          groups_(kernels::GroupPlaces(cols.cells.data(), cols.cells.size(), source.cols)),
+          places_{cols.cells.data(), cols.cells.size(), source.cols, groups_.data(), groups_.size()},
+          weights_(cols.weights.data()),
           near_(places_.count),
           far_(places_.count) {}
+    PairedRows(const PairedRows&) = delete;
+    PairedRows& operator=(const PairedRows&) = delete;
 
     void GoTo(std::int32_t row) noexcept {
         if (row == farRow_ && row != nearRow_) {
@@ -27,7 +31,7 @@ class PairedRows {
         Load(std::min(row + 1, source_.rows - 1), farRow_, far_);
     }
     void Blend(double fy, double bias, Pel* out) const noexcept {
-        kernels::BlendRow(near_.data(), far_.data(), places_.weights, places_.count, fy, bias, out);
+        kernels::BlendRow(near_.data(), far_.data(), weights_, places_.count, fy, bias, out);
     }
 
   private:
@@ -38,7 +42,9 @@ class PairedRows {
     }
 
     ConstImageView source_;
+    std::vector<kernels::PlaceGroup> groups_;
     kernels::RowPlaces places_;
+    const double* weights_;
     std::vector<kernels::PelPair> near_;
     std::vector<kernels::PelPair> far_;
     std::int32_t nearRow_ = -1;

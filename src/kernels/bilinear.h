@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <vector>
 
 #include "core/numerics.h"
 
@@ -55,20 +56,29 @@ inline PelPair MakePair(const Pel* left, std::ptrdiff_t next) noexcept {
     return left[0] | PelPair{left[next]} << 16;
 }
 
-/// The places of a row that are sampled, for every row the same: the cell's first column and the distance
-/// from it. `next` is 1, or 0 where the rows have one pel only.
-struct RowPlaces {
-    const std::int32_t* cells;
-    const double* weights;
-    std::size_t count;
-    std::ptrdiff_t next;
+/// Four places whose neighbours lie within eight pels, so that one load and one shuffle fetch them all.
+struct PlaceGroup {
+    static constexpr std::size_t kPlaces = 4;
+    static constexpr std::int32_t kReach = 8;
+
+    std::uint8_t bytes[kPlaces * sizeof(PelPair)];  ///< of the pels from `first` on
+    std::int32_t first;
 };
 
-/// The neighbours of every place in one row.
-inline void PairUp(const Pel* row, const RowPlaces& places, PelPair* pairs) noexcept {
-    for (std::size_t i = 0; i < places.count; ++i)
-        pairs[i] = MakePair(row + places.cells[i], places.next);
-}
+/// The places of a row that are sampled, for every row the same: the cell's first column, in rows of `cols`
+/// pels, and as many groups of four places, from the first place on, as are close enough together.
+struct RowPlaces {
+    const std::int32_t* cells;
+    std::size_t count;
+    std::int32_t cols;
+    const PlaceGroup* groups;
+    std::size_t groupCount;
+};
+
+std::vector<PlaceGroup> GroupPlaces(const std::int32_t* cells, std::size_t count, std::int32_t cols);
+
+/// The neighbours of every place in one row. A row of one pel has that pel only.
+void PairUp(const Pel* row, const RowPlaces& places, PelPair* pairs);
 
 /// out[i] = low 16 bits of trunc(Blend + bias) between the pairs near[i] and far[i] of two rows. The weights
 /// lie in 0 .. 2, so every value fits into 32 bits.

@@ -2,9 +2,9 @@
 #include <cstdint>
 #include <utility>
 
-#include "core/guard.h"
 #include "core/image_block.h"
 #include "core/image_view.h"
+#include "core/replaced_image.h"
 #include "kernels/grey_arithmetic.h"
 #include "tqimage/gradients.h"
 
@@ -50,8 +50,5 @@ std::int32_t TQ_CALL tqCombineGradients(TqImage** out, const TqImage* a, const T
         {first.header->LuxPerGrey, second.header->LuxPerGrey, third.header->LuxPerGrey},
         std::abs(weightA),
         std::abs(weightBc)};
-    return Guarded(kNoMemory, [&] {
-        CommitImage(out, Combine(first, gradients));
-        return 0;
-    });
+    return ReplaceImage(out, kNoMemory, [&] { return Combine(first, gradients); });
 }

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "core/numerics.h"
+#include "core/replaced_image.h"
 #include "kernels/low_pass.h"
 #include "process/filter_result.h"
 #include "tqimage/filters.h"
@@ -69,7 +70,7 @@ OwnedImage LowPass(const ConstImageView& view) {
 using namespace tq;
 
 std::int32_t TQ_CALL tqLowPassFilter(TqImage** image) {
-    const ConstImageView view = LocateHostImage(image);
+    const ConstImageView view = LocateHeld(image);
     if (!view) return kInvalidImage;
     if (view.cols < 5 || view.rows < 5) return kTooSmall;
     return ReplaceImage(image, kNoMemory, [&] { return LowPass(view); });

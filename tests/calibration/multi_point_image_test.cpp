@@ -153,6 +153,112 @@ TEST(MultiPointImage, BuiltFromTheInverseItFlattensTheField) {
     }
 }
 
+/// The solution of as many equations as unknowns, by elimination.
+std::vector<double> Solve(std::vector<std::vector<double>> rows, std::vector<double> right) {
+    const std::size_t n = right.size();
+    for (std::size_t k = 0; k < n; ++k) {
+        std::size_t pivot = k;
+        for (std::size_t i = k + 1; i < n; ++i)
+            pivot = std::abs(rows[i][k]) > std::abs(rows[pivot][k]) ? i : pivot;
+        std::swap(rows[k], rows[pivot]);
+        std::swap(right[k], right[pivot]);
+        for (std::size_t i = k + 1; i < n; ++i) {
+            const double factor = rows[i][k] / rows[k][k];
+            for (std::size_t j = k; j < n; ++j)
+                rows[i][j] -= factor * rows[k][j];
+            right[i] -= factor * right[k];
+        }
+    }
+    for (std::size_t k = n; k-- > 0;) {
+        for (std::size_t j = k + 1; j < n; ++j)
+            right[k] -= rows[k][j] * right[j];
+        right[k] /= rows[k][k];
+    }
+    return right;
+}
+
+double Bend(double dx, double dy) {
+    const double square = (dx * dx + dy * dy) / 1e6;
+    return square == 0.0 ? 0.0 : square * std::log(square);
+}
+
+/// The spline by the equations that define it, over all points at every pel.
+Formula PlainSpline(const std::vector<Point>& points) {
+    const std::size_t n = points.size();
+    std::vector<std::vector<double>> rows(n + 3, std::vector<double>(n + 3));
+    std::vector<double> right(n + 3);
+    for (std::size_t i = 0; i < n; ++i) {
+        for (std::size_t j = 0; j < n; ++j)
+            rows[i][j] = Bend(points[i].col - points[j].col, points[i].row - points[j].row);
+        rows[i][n] = rows[n][i] = 1.0;
+        rows[i][n + 1] = rows[n + 1][i] = points[i].col / 1e3;
+        rows[i][n + 2] = rows[n + 2][i] = points[i].row / 1e3;
+        right[i] = points[i].value;
+    }
+    return [points, n, w = Solve(rows, right)](double col, double row) {
+        double sum = w[n] + w[n + 1] * col / 1e3 + w[n + 2] * row / 1e3;
+        for (std::size_t i = 0; i < n; ++i)
+            sum += w[i] * Bend(col - points[i].col, row - points[i].row);
+        return sum;
+    };
+}
+
+Formula PlainShepard(const std::vector<Point>& points) {
+    return [points](double col, double row) {
+        double sum = 0.0, norm = 0.0;
+        for (const Point& p : points) {
+            const double square = std::pow(col - p.col, 2) + std::pow(row - p.row, 2);
+            if (square == 0.0) return p.value;
+            sum += p.value / square;
+            norm += 1.0 / square;
+        }
+        return sum / norm;
+    };
+}
+
+TEST(MultiPointImage, OnLargeImagesTheyAreWhatTheirDefinitionsSay) {
+    // Pairs of points a pel apart with a jump between them, and points outside of the image.
+    std::mt19937 random(3);
+    std::vector<Point> rough;
+    for (int i = 0; i < 60; ++i) {
+        const double col = Draw(random, 900) - 100, row = Draw(random, 700) - 100;
+        rough.push_back({col, row, Draw(random, 100) / 99});
+        if (i % 6 == 0) rough.push_back({col + 1, row, Draw(random, 100) / 99});
+    }
+    // Next to the middle, which is all that is asked for, all but 0 beside the values of the points.
+    std::vector<Point> odd;
+    for (int i = 0; i < 150; ++i) {
+        const double side = 1 + Draw(random, 350), row = Draw(random, 501);
+        const double value = 9000 * std::pow(side / 350, 7);
+        odd.push_back({350 + side, row, value});
+        odd.push_back({350 - side, row, -value});
+    }
+    TqMultiPointSettings narrow = Settings(4, 701, 501);
+    narrow.MinColumn = 349;
+    narrow.MaxColumn = 351;
+    struct Case {
+        TqMultiPointSettings settings;
+        std::vector<Point> points;
+        Formula (*plain)(const std::vector<Point>&);
+    };
+    for (const Case& c : {Case{Settings(0, 701, 501), rough, PlainShepard},
+                          Case{Settings(4, 701, 501), rough, PlainSpline}, Case{narrow, odd, PlainSpline}}) {
+        const Image image = Build(c.settings, c.points);
+        const Formula plain = c.plain(c.points);
+        double largest = 0.0;
+        for (int row = 0; row < 501; row += 5) {
+            for (int col = 349 % 5; col < 701; col += 5) {
+                if (image(col, row) == 65535) continue;
+                const double value = plain(col, row);
+                largest = std::max(largest, std::abs(value));
+                // Truncated to a step, and half a step off at most.
+                ASSERT_NEAR(ValueAt(image, col, row), value, 1.5 * Step(image)) << col << ", " << row;
+            }
+        }
+        EXPECT_GT(largest, 4000 * Step(image));
+    }
+}
+
 TEST(MultiPointImage, HeaderAndEncoding) {
     Image image = Build(Settings(5, 31, 20), {{0, 0, 1.0}, {30, 0, -4.0}, {0, 19, 2.0}, {30, 19, 3.0}});
     const TqImageHeader h = image.Header();

@@ -153,38 +153,50 @@ TEST(ResamplingKernels, TurnedRowsAreTheSameOnEveryTarget) {
     }
 }
 
-// Weights beyond 1 extrapolate: values leave the range of a pel on both sides and wrap.
+// Weights beyond 1 extrapolate: values leave the range of a pel on both sides and wrap. Places a few cells
+// apart, in either direction, are fetched four at a time, others one by one; rows of one pel have no cell.
 TEST(ResamplingKernels, RowsBlendAlikeOnEveryTarget) {
-    const Image image(90, 2);
-    for (const float row : {0.0f, 0.375f, 1.0f, 1.96875f}) {
-        for (const double bias : {0.0, 0.5}) {
-            tqtest::ForEachTarget([&] {
-                for (std::size_t count = 0; count <= 80; ++count) {
-                    std::vector<std::int32_t> cells;
-                    std::vector<double> weights;
-                    std::vector<Pel> expected, out(count + 1, kGuard);
-                    for (std::size_t i = 0; i < count; ++i) {
-                        const auto cell = static_cast<std::int32_t>(i * 31 % 89);
-                        const double fx = static_cast<double>(i * 7 % 64) / 32.0;
-                        cells.push_back(cell);
-                        weights.push_back(fx);
-                        double value = (1.0 - row) * fx * image.At(cell + 1, 0) +
-                                       (1.0 - row) * (1.0 - fx) * image.At(cell, 0);
-                        value += fx * row * image.At(cell + 1, 1);
-                        value += row * (1.0 - fx) * image.At(cell, 1);
-                        expected.push_back(
-                            static_cast<Pel>(static_cast<std::int32_t>(value + bias) & 0xFFFF));
-                    }
-                    expected.push_back(kGuard);
-                    const kernels::RowPlaces places{cells.data(), weights.data(), count, 1};
-                    std::vector<kernels::PelPair> near(count), far(count);
-                    kernels::PairUp(image.pels.data(), places, near.data());
-                    kernels::PairUp(image.pels.data() + image.cols, places, far.data());
-                    kernels::BlendRow(near.data(), far.data(), weights.data(), count,
-                                      static_cast<double>(row), bias, out.data());
-                    ASSERT_EQ(out, expected) << count << " at " << row;
+    for (const std::int32_t cols : {1, 7, 8, 90}) {
+        const Image image(cols, 2);
+        for (const int step : {0, 1, 2, 3, -1, 31}) {
+            for (const double row : {0.0, 0.375, 1.0, 1.96875}) {
+                constexpr std::size_t kMost = 81;
+                std::vector<std::int32_t> cells;
+                std::vector<double> weights;
+                std::vector<Pel> down, nearest;
+                for (std::size_t i = 0; i < kMost; ++i) {
+                    const int last = std::max(cols - 2, 0), at = static_cast<int>(i) * step;
+                    cells.push_back(step < 0 ? std::max(last + at, 0) : at % (last + 1));
+                    weights.push_back(cols == 1 ? 0.0 : static_cast<double>(i * 7 % 64) / 32.0);
+                    const std::int32_t left = cells[i], right = std::min(left + 1, cols - 1);
+                    const double fx = weights[i];
+                    double value = (1.0 - row) * fx * image.At(right, 0);
+                    value += (1.0 - row) * (1.0 - fx) * image.At(left, 0);
+                    value += fx * row * image.At(right, 1);
+                    value += row * (1.0 - fx) * image.At(left, 1);
+                    down.push_back(static_cast<Pel>(static_cast<std::int32_t>(value) & 0xFFFF));
+                    nearest.push_back(static_cast<Pel>(static_cast<std::int32_t>(value + 0.5) & 0xFFFF));
                 }
-            });
+                tqtest::ForEachTarget([&] {
+                    for (std::size_t count = 0; count <= kMost; count += count < 20 ? 1 : 20) {
+                        const auto groups = kernels::GroupPlaces(cells.data(), count, cols);
+                        const kernels::RowPlaces places{cells.data(), count, cols, groups.data(),
+                                                        groups.size()};
+                        std::vector<kernels::PelPair> near(count), far(count);
+                        kernels::PairUp(image.pels.data(), places, near.data());
+                        kernels::PairUp(image.pels.data() + cols, places, far.data());
+                        for (const bool rounded : {false, true}) {
+                            std::vector<Pel> out(count + 1, kGuard);
+                            kernels::BlendRow(near.data(), far.data(), weights.data(), count, row,
+                                              rounded ? 0.5 : 0.0, out.data());
+                            const std::vector<Pel>& expected = rounded ? nearest : down;
+                            ASSERT_TRUE(std::equal(out.begin(), out.end() - 1, expected.begin()))
+                                << cols << " pels, " << count << " places " << step << " apart at " << row;
+                            ASSERT_EQ(out[count], kGuard);
+                        }
+                    }
+                });
+            }
         }
     }
 }
