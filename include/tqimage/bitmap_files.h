@@ -26,7 +26,7 @@ extern "C" {
  * @param[in] palette   Palette code, as for tqImageToLeadBmp.
  * @return 0; -2 image is null or invalid, or no memory; -3 fileName is null or the file cannot be written.
  * @par Memory
- * The bitmap.
+ * The bitmap and a table of up to 65536 bytes.
  * @note A file that cannot be written completely is removed.
  */
 TQ_API int32_t TQ_CALL tqImageToDiskBmp(const char* fileName, TqImage* image, int32_t palette);

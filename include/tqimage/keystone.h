@@ -1,4 +1,5 @@
-/** @file keystone.h Keystone maps: distortion maps of exactly an image's size, that make the picture on a
+/** @file keystone.h
+ *  Keystone maps: distortion maps of exactly an image's size, that make the picture on a
  *  screen which was seen obliquely rectangular again. They turn together with the image they belong to.
  */
 #ifndef TQIMAGE_KEYSTONE_H
