@@ -16,6 +16,10 @@
 
 #include <stdint.h>
 
+/** @def TQ_CALL
+ *  The calling convention: stdcall on 32-bit Windows, the platform's only one elsewhere.
+ *  @def TQ_API
+ *  Makes a function visible to hosts. */
 #if defined(_WIN32) && !defined(_WIN64)
 #define TQ_CALL __stdcall
 #else
@@ -36,6 +40,11 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
+
+/** @defgroup base Types
+ *  @ingroup core
+ *  @copydoc base.h
+ *  @{ */
 
 /** An image block: only its address means anything to a host. */
 typedef struct TqImage TqImage;
@@ -61,11 +70,13 @@ typedef struct TqImageHeader {
 /** The 12-byte head of a distortion map; Cols x Rows pairs of float (source column, source row) follow it,
  *  row 0 first. A negative source column or row means that the pel has no source. */
 typedef struct TqDistortionMap {
-    uint16_t Cols;
-    uint16_t Rows;
-    float CenterCol; /**< optical centre, unbinned pels */
-    float CenterRow;
+    uint16_t Cols;   /**< columns of the map */
+    uint16_t Rows;   /**< rows of the map */
+    float CenterCol; /**< column of the optical centre, unbinned pels */
+    float CenterRow; /**< row of the optical centre, unbinned pels */
 } TqDistortionMap;
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -11,6 +11,11 @@
 extern "C" {
 #endif
 
+/** @defgroup multi_point_calibration Multi-point calibration
+ *  @ingroup calibration
+ *  @copydoc multi_point_calibration.h
+ *  @{ */
+
 /** What tqBuildMultiPointImage is asked for. */
 typedef struct TqMultiPointSettings {
     int32_t Mode;      /**< 0: pels outside the valid area count as 1.0; others: as without value; 2 also
@@ -52,8 +57,8 @@ typedef struct TqMultiPointSettings {
  * The block that image held is freed, and image is null when just the new block could not be had; after any
  * other failure but 6 it is untouched. The host frees the new block with tqImageFree.
  * @par Memory
- * The result, 4 bytes a pel, and what the surface needs: for a thin-plate spline 16 bytes for each pair of up
- * to 1000 points, above that 500 bytes a point.
+ * The result, 4 bytes a pel, and what the surface needs: 300 bytes a point, and for a thin-plate spline 16
+ * bytes for each pair of up to 1000 points, above that 500 bytes a point.
  * @par Source
  * D. Shepard, A two-dimensional interpolation function, 1968; R. Franke, Scattered data interpolation, 1982;
  * J. Duchon, Splines minimizing rotation-invariant semi-norms, 1977; A. Faul, G. Goodsell, M. Powell, A
@@ -87,6 +92,8 @@ TQ_API int32_t TQ_CALL tqBuildMultiPointImage(TqImage** image, const TqMultiPoin
  * @note TotalPelValue and MaxPelValue are not updated.
  */
 TQ_API int32_t TQ_CALL tqApplyMultiPointCalibration(TqImage** image, const TqImage* correction);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

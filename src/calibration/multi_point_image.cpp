@@ -79,7 +79,23 @@ struct ValidRange {
         while (end > first && static_cast<float>(end - 1) > high)
             --end;
     }
+    /// What lies in the pels from..from + kTileSide - 1.
+    ValidRange Cut(std::int32_t from) const noexcept {
+        ValidRange cut = *this;
+        cut.first = std::max(first, from);
+        cut.end = std::min(end, from + kTileSide);
+        return cut;
+    }
+    std::int32_t Count() const noexcept { return std::max(end - first, 0); }
 };
+
+/// Every second binary digit.
+std::int32_t EvenDigits(std::uint32_t number) noexcept {
+    std::uint32_t digits = 0;
+    for (int i = 0; i < 16; ++i)
+        digits |= (number >> 2 * i & 1) << i;
+    return static_cast<std::int32_t>(digits);
+}
 
 /// The values of a whole image, row after row.
 class ValueField {
@@ -92,17 +108,12 @@ class ValueField {
                   mode_ == kOneOutside ? 1.0f : kNoValue) {
         const ValidRange cols(settings.MinColumn, settings.MaxColumn, cols_);
         const ValidRange rows(settings.MinRow, settings.MaxRow, rows_);
-        for (SurfaceTile tile{0, rows.first, 0, 0}; tile.row < rows.end; tile.row += kTileSide) {
-            tile.rows = std::min(kTileSide, rows.end - tile.row);
-            for (tile.col = cols.first; tile.col < cols.end; tile.col += kTileSide) {
-                tile.cols = std::min(kTileSide, cols.end - tile.col);
-                surface.Evaluate(tile, tile_);
-                Take(tile);
-                PumpMessages();
-            }
-        }
-        for (const float value : values_) {
-            if (value > kLeastValue) largest_ = std::max(largest_, std::abs(value));
+        Fill(surface, cols, rows);
+        // A surface may be all but 0 where it is asked for, and its error must be small beside that as well.
+        // What is asked of it then is so much less that this ends soon, at 0 at the latest.
+        while (surface.Tolerance() > HalfAStep()) {
+            surface.SetTolerance(HalfAStep() / 256.0);
+            Fill(surface, cols, rows);
         }
     }
 
@@ -120,6 +131,29 @@ class ValueField {
     }
 
   private:
+    /// Of the pels that the values become.
+    double HalfAStep() const noexcept { return largest_ / kLargestCorrection / 2.0; }
+
+    /// Square after square, each one with its quarters one after the other: surfaces keep what neighbouring
+    /// tiles share.
+    void Fill(Surface& surface, const ValidRange& cols, const ValidRange& rows) {
+        constexpr std::uint32_t kSide = 128;
+        static_assert(kSide * kTileSide >= kMaxSide);
+        for (std::uint32_t i = 0; i < kSide * kSide; ++i) {
+            const ValidRange tileCols = cols.Cut(EvenDigits(i) * kTileSide);
+            const ValidRange tileRows = rows.Cut(EvenDigits(i >> 1) * kTileSide);
+            const SurfaceTile tile{tileCols.first, tileRows.first, tileCols.Count(), tileRows.Count()};
+            if (tile.cols == 0 || tile.rows == 0) continue;
+            surface.Evaluate(tile, tile_);
+            Take(tile);
+            PumpMessages();
+        }
+        largest_ = 0.0f;
+        for (const float value : values_) {
+            if (value > kLeastValue) largest_ = std::max(largest_, std::abs(value));
+        }
+    }
+
     void Take(const SurfaceTile& tile) noexcept {
         for (std::int32_t row = 0; row < tile.rows; ++row) {
             const float* from = tile_ + row * tile.cols;

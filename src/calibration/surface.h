@@ -11,7 +11,7 @@ namespace tq {
 /// much the same from all of its pels, and its values stay in the first-level cache.
 inline constexpr std::int32_t kTileSide = 64;
 
-/// A rectangle of pels, up to kTileSide long.
+/// A rectangle of pels within one of the squares of kTileSide pels that the sensor divides into.
 struct SurfaceTile {
     std::int32_t col;
     std::int32_t row;
@@ -25,7 +25,14 @@ class Surface {
     virtual ~Surface() = default;
     /// The surface at the pels of a tile, row after row. Not const: surfaces keep their buffers.
     virtual void Evaluate(const SurfaceTile& tile, float* values) = 0;
+    /// How far from the surface the values may be, but for rounding; and no farther than this from now on.
+    virtual double Tolerance() const noexcept { return 0.0; }
+    virtual void SetTolerance(double) {}
 };
+
+/// The tolerance of surfaces before they are told another one, as a share of the largest value of their
+/// points: no more than storing a value in single precision takes away.
+inline constexpr double kFirstTolerance = 0x1p-24;
 
 /// The mean of all points, weighted by the inverse squared distance (Shepard 1968).
 std::unique_ptr<Surface> MakeShepardSurface(SurfacePoints points);

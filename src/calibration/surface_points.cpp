@@ -40,6 +40,13 @@ struct RoundedPoint {
 
 }  // namespace
 
+double SurfacePoints::LargestValue() const noexcept {
+    double largest = 0.0;
+    for (const double v : value)
+        largest = std::max(largest, std::abs(v));
+    return largest;
+}
+
 SurfacePoints PrepareSurfacePoints(std::vector<CalibrationPoint> points) {
     std::erase_if(points, [](const CalibrationPoint& point) { return !IsFinite(point); });
     SurfacePoints surface;

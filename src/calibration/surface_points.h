@@ -42,6 +42,7 @@ struct SurfacePoints {
     std::vector<double> value;
 
     std::size_t Count() const noexcept { return col.size(); }
+    double LargestValue() const noexcept;
     kernels::Centers Weighted(std::span<const double> weights) const noexcept {
         return {x.data(), y.data(), weights.data(), x.size()};
     }

@@ -22,8 +22,9 @@ namespace {
 constexpr std::size_t kNeighbours = 30;
 /// Where the points are so badly placed that it does not converge, the surface stays close to them.
 constexpr int kMostSteps = 60;
-/// What may be left at a point, as a share of the largest value: far below single precision.
-constexpr double kTolerance = 1e-11;
+/// What may be left at a point, as a share of the largest value of the points: a sixtieth of what single
+/// precision tells apart. Of the values and not of what a polynomial left of them, which can be all rounding.
+constexpr double kTolerance = 1e-9;
 
 double Dot(std::span<const double> a, std::span<const double> b) noexcept {
     return std::inner_product(a.begin(), a.end(), b.begin(), 0.0);
@@ -134,17 +135,10 @@ double LargestRest(const SurfacePoints& points, std::span<const double> rest) {
     return largest;
 }
 
-double LargestOf(std::span<const double> values) noexcept {
-    double largest = 0.0;
-    for (const double value : values)
-        largest = std::max(largest, std::abs(value));
-    return largest;
-}
-
 }  // namespace
 
 std::vector<double> ThinPlateWeightsOfMany(const SurfacePoints& points, std::span<const double> values) {
-    const double enough = kTolerance * LargestOf(values);
+    const double enough = kTolerance * points.LargestValue();
     std::vector<double> weights(values.size());
     std::vector<double> rest(values.begin(), values.end());
     if (LargestRest(points, rest) <= enough) return weights;

@@ -17,6 +17,7 @@
 #include <type_traits>
 
 #include "core/numerics.h"
+#include "kernels/vectors-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace tq::kernels::HWY_NAMESPACE {
@@ -84,8 +85,7 @@ HWY_INLINE V SquareRoot(V value) {
 
 template <class V>
 HWY_INLINE V RoundToFloat(V value) {
-    const hn::DFromV<V> d;
-    return hn::PromoteTo(d, hn::DemoteTo(hn::Rebind<float, decltype(d)>(), value));
+    return Rounded(hn::DFromV<V>(), value);
 }
 
 template <class V>
