@@ -28,31 +28,38 @@ void SortByLevel(const std::vector<std::uint16_t>& levels, std::vector<std::uint
     }
 }
 
-/// The ranks in a window. The middle is looked for from where it was last: `below` counts the ranks in the
-/// words before `word_`.
+/// The ranks in a window of so many pels. The middle is looked for from where it was last: `below` counts the
+/// ranks in the words before `word_`. With kLit the first ranks, `dark` of them, are those of pels of 0: they
+/// are held like the others, and the middle of the others lies so many ranks further on.
+template <bool kLit>
 class RankSet {
   public:
-    RankSet(std::vector<std::uint64_t>& words, std::size_t middle) : words_(words.data()), middle_(middle) {}
+    RankSet(std::vector<std::uint64_t>& words, std::size_t pels, std::size_t dark)
+        : words_(words.data()), pels_(pels), dark_(dark) {}
 
     HWY_INLINE void Add(std::uint32_t rank) {
         words_[rank >> 6] |= std::uint64_t{1} << (rank & 63);
         below_ += (rank >> 6) < word_ ? 1 : 0;
+        if (kLit) darkHeld_ += rank < dark_ ? 1 : 0;
     }
     HWY_INLINE void Remove(std::uint32_t rank) {
         words_[rank >> 6] &= ~(std::uint64_t{1} << (rank & 63));
         below_ -= (rank >> 6) < word_ ? 1 : 0;
+        if (kLit) darkHeld_ -= rank < dark_ ? 1 : 0;
     }
 
-    /// Of a complete window, so that the middle exists.
+    /// Of a complete window, so that the middle exists; where all pels are 0, the rank of one of them.
     HWY_INLINE std::uint32_t Middle() {
-        while (below_ > middle_)
+        const std::size_t middle =
+            kLit ? std::min(darkHeld_ + (pels_ - darkHeld_) / 2, pels_ - 1) : pels_ / 2;
+        while (below_ > middle)
             below_ -= Count(--word_);
-        for (std::size_t here = Count(word_); below_ + here <= middle_; here = Count(word_)) {
+        for (std::size_t here = Count(word_); below_ + here <= middle; here = Count(word_)) {
             below_ += here;
             ++word_;
         }
         std::uint64_t bits = words_[word_];
-        for (std::size_t skip = middle_ - below_; skip > 0; --skip)
+        for (std::size_t skip = middle - below_; skip > 0; --skip)
             bits &= bits - 1;
         return static_cast<std::uint32_t>(word_ * 64) + static_cast<std::uint32_t>(std::countr_zero(bits));
     }
@@ -63,7 +70,9 @@ class RankSet {
     }
 
     std::uint64_t* words_;
-    std::size_t middle_;
+    std::size_t pels_;
+    std::size_t dark_;
+    std::size_t darkHeld_ = 0;
     std::size_t below_ = 0;
     std::size_t word_ = 0;
 };
@@ -81,8 +90,8 @@ struct RankGrid {
 
 /// Moves the window to and fro over the lines, one place further after each turn, and calls
 /// visit(line, place, rank of the middle).
-template <class Visit>
-HWY_INLINE void SlideOver(const RankGrid& grid, RankSet& set, Visit&& visit) {
+template <class Set, class Visit>
+HWY_INLINE void SlideOver(const RankGrid& grid, Set set, Visit&& visit) {
     const std::size_t lastLine = grid.lines - grid.across;
     const std::size_t lastPlace = grid.length - grid.along;
     for (std::size_t line = 0; line < grid.across; ++line) {
@@ -130,12 +139,18 @@ void RankMedians(const MedianTile& tile, std::uint16_t* out, std::size_t outStri
     }
     const RankGrid grid{buffers.ranks.data(), turned ? tile.cols : tile.rows, turned ? tile.rows : tile.cols,
                         turned ? tile.height : tile.width, turned ? tile.width : tile.height};
-    RankSet set(buffers.present, tile.width * tile.height / 2);
-    SlideOver(grid, set, [&](std::size_t line, std::size_t place, std::uint32_t rank) {
+    const auto store = [&](std::size_t line, std::size_t place, std::uint32_t rank) {
         const std::size_t row = turned ? place : line;
         const std::size_t col = turned ? line : place;
         out[row * outStride + col] = buffers.levels[buffers.order[rank]];
-    });
+    };
+    const std::size_t pels = tile.width * tile.height;
+    if (tile.lit) {
+        const auto dark = std::count(buffers.levels.begin(), buffers.levels.end(), std::uint16_t{0});
+        SlideOver(grid, RankSet<true>(buffers.present, pels, static_cast<std::size_t>(dark)), store);
+    } else {
+        SlideOver(grid, RankSet<false>(buffers.present, pels, 0), store);
+    }
 }
 
 }  // namespace tq::kernels::HWY_NAMESPACE

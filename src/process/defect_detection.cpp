@@ -13,7 +13,7 @@
 #include "core/window.h"
 #include "kernels/defect_tests.h"
 #include "measure/block_sweep.h"
-#include "process/sliding_median.h"
+#include "process/tiled_medians.h"
 #include "tqimage/defect_detection.h"
 
 namespace tq {
@@ -118,20 +118,44 @@ class CountedMedianTest final : public RowTest {
     std::vector<Pel> dark_;
 };
 
-/// Against the median of a large window. A whole number is its own mean.
-class SlidingMedianTest final : public RowTest {
+/// Against the median of a large window, a strip of rows at a time. A whole number is its own mean.
+class RankedMedianTest final : public RowTest {
   public:
-    SlidingMedianTest(const ConstImageView& view, std::int32_t half, const DefectFactors& factors)
-        : factors_(factors), medians_(view, 2 * half + 1), ones_(Size(view.cols - 2 * half), 1.0) {}
+    RankedMedianTest(const ConstImageView& view, std::int32_t half, const DefectFactors& factors)
+        : view_(view),
+          half_(half),
+          factors_(factors),
+          stripRows_(std::min(MedianTileSide(2 * half + 1, 2 * half + 1), view.rows - 2 * half)),
+          strip_(Size(stripRows_) * Size(view.cols - 2 * half)),
+          medians_(Size(view.cols - 2 * half)),
+          ones_(medians_.size(), 1.0) {}
 
-    DefectCounts Test(std::int32_t, const Pel* pels, Pel* out) override {
-        return kernels::FlagByMean(pels, medians_.Next().data(), ones_.data(), ones_.size(), factors_, out);
+    DefectCounts Test(std::int32_t row, const Pel* pels, Pel* out) override {
+        const std::int32_t inStrip = (row - half_) % stripRows_;
+        if (inStrip == 0) Fill(row);
+        const auto first = strip_.begin() + static_cast<std::ptrdiff_t>(Size(inStrip) * medians_.size());
+        std::copy_n(first, medians_.size(), medians_.begin());
+        return kernels::FlagByMean(pels, medians_.data(), ones_.data(), ones_.size(), factors_, out);
     }
 
   private:
+    /// The strip that begins at this row.
+    void Fill(std::int32_t row) {
+        const std::int32_t side = 2 * half_ + 1;
+        const std::int32_t cols = view_.cols - 2 * half_;
+        const std::int32_t rows = std::min(stripRows_, view_.rows - half_ - row);
+        TiledMedians({view_.Row(row - half_), view_.cols, cols, rows, side, side, true}, strip_.data(), cols,
+                     buffers_);
+    }
+
+    ConstImageView view_;
+    std::int32_t half_;
     DefectFactors factors_;
-    SlidingMedian medians_;
+    std::int32_t stripRows_;
+    std::vector<Pel> strip_;
+    std::vector<double> medians_;
     std::vector<double> ones_;
+    kernels::RankBuffers buffers_;
 };
 
 /// What all detectors share; `kind` and `reference` are the host's codes.
@@ -201,16 +225,16 @@ class Detector {
     }
 
     std::unique_ptr<RowTest> MakeTest(const ConstImageView& neighbours) const {
-        // Counting costs the window's area a pel, but many pels at once; sliding costs two sides, one pel
-        // after the other. Where the two meet depends on the vectors: at sides of about 60 with 128 bits, 160
-        // with 512.
-        constexpr std::int32_t kLargestCountedHalf = 40;
+        // Counting costs the window's area a pel, but many pels at once; ranks cost two sides, one pel after
+        // the other. Where the two meet depends on the vectors: at sides of about 20 with 128 bits, 40 with
+        // 512.
+        constexpr std::int32_t kLargestCountedHalf = 15;
         const bool zeroFree = radius_ >= half_ && radius_ > 0;
         if (!byMedian_) return std::make_unique<MeanTest>(neighbours, half_, zeroFree, factors_);
         if (half_ <= kLargestCountedHalf) {
             return std::make_unique<CountedMedianTest>(neighbours, half_, zeroFree, factors_);
         }
-        return std::make_unique<SlidingMedianTest>(neighbours, half_, factors_);
+        return std::make_unique<RankedMedianTest>(neighbours, half_, factors_);
     }
 
     ConstImageView source_;

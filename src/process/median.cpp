@@ -8,6 +8,7 @@
 #include "kernels/median_ranks.h"
 #include "measure/window_sweep.h"
 #include "process/filter_result.h"
+#include "process/tiled_medians.h"
 #include "tqimage/filters.h"
 
 namespace tq {
@@ -18,12 +19,6 @@ constexpr std::int32_t kNoMemory = -3;
 
 /// Up to so many pels gathering each window costs less than preparing anything.
 constexpr std::int64_t kFewPels = 16;
-
-/// Pels of a tile to each side beyond its windows: small enough that neighbouring ranks stay close together,
-/// large enough that what neighbouring tiles share is little of either.
-constexpr std::int32_t kSmallTile = 64;
-constexpr std::int32_t kLargeTile = 128;
-constexpr std::int64_t kLargeWindow = 200;
 
 void FewMedians(const ConstImageView& view, const WindowSize& size, const Rect& rect, const ImageView& out) {
     std::vector<Pel> window(static_cast<std::size_t>(size.Area()));
@@ -69,25 +64,6 @@ void NetworkMedians(const ConstImageView& view, const Windows& windows) {
     }
 }
 
-void TiledMedians(const ConstImageView& view, const WindowSize& size, const Windows& windows) {
-    const std::int32_t side =
-        size.Area() < kLargeWindow ? kSmallTile : std::max({kLargeTile, size.width / 2, size.height / 2});
-    kernels::RankBuffers buffers;
-    for (std::int32_t row = 0; row < windows.rows.count; row += side) {
-        const std::int32_t rows = std::min(side, windows.rows.count - row);
-        for (std::int32_t col = 0; col < windows.cols.count; col += side) {
-            const std::int32_t cols = std::min(side, windows.cols.count - col);
-            const kernels::MedianTile tile{&view.At(windows.cols.origin + col, windows.rows.origin + row),
-                                           static_cast<std::size_t>(view.cols),
-                                           static_cast<std::size_t>(cols + size.width - 1),
-                                           static_cast<std::size_t>(rows + size.height - 1),
-                                           static_cast<std::size_t>(size.width),
-                                           static_cast<std::size_t>(size.height)};
-            kernels::RankMedians(tile, windows.Out(col, row), static_cast<std::size_t>(view.cols), buffers);
-        }
-    }
-}
-
 /// Pels at the border share the outermost windows.
 void RepeatAtBorder(const Windows& windows, const Rect& rect, const ImageView& out) {
     const auto cols = static_cast<std::size_t>(rect.Width());
@@ -112,7 +88,10 @@ void FilterMedians(const ConstImageView& view, const WindowSize& size, const Rec
     } else if (size.width == 5 && size.height == 5) {
         NetworkMedians<5>(view, windows);
     } else {
-        TiledMedians(view, size, windows);
+        kernels::RankBuffers buffers;
+        TiledMedians({&view.At(windows.cols.origin, windows.rows.origin), view.cols, windows.cols.count,
+                      windows.rows.count, size.width, size.height, false},
+                     windows.out, windows.stride, buffers);
     }
     RepeatAtBorder(windows, rect, out);
 }

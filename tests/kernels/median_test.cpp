@@ -86,9 +86,11 @@ TEST(RankMedians, WindowsOfBothShapesAndTheWholeTile) {
                 for (std::uint16_t& pel : pels)
                     pel = static_cast<std::uint16_t>(pel % levels);
                 const std::size_t outCols = c.cols - c.width + 1, outRows = c.rows - c.height + 1;
-                Pels out(outCols * outRows);
-                kernels::RankMedians({pels.data(), c.cols, c.cols, c.rows, c.width, c.height}, out.data(),
-                                     outCols, buffers);
+                Pels out(outCols * outRows), lit(out.size());
+                kernels::MedianTile tile{pels.data(), c.cols, c.cols, c.rows, c.width, c.height, false};
+                kernels::RankMedians(tile, out.data(), outCols, buffers);
+                tile.lit = true;
+                kernels::RankMedians(tile, lit.data(), outCols, buffers);
                 for (std::size_t at = 0; at < out.size(); ++at) {
                     const std::size_t col = at % outCols, row = at / outCols;
                     Pels window;
@@ -97,6 +99,9 @@ TEST(RankMedians, WindowsOfBothShapesAndTheWholeTile) {
                         window.insert(window.end(), from, from + static_cast<std::ptrdiff_t>(c.width));
                     }
                     ASSERT_EQ(out[at], MiddleOf(window)) << c.width << " x " << c.height << ": " << at;
+                    std::erase(window, 0);
+                    const std::uint16_t middle = window.empty() ? std::uint16_t{0} : MiddleOf(window);
+                    ASSERT_EQ(lit[at], middle) << c.width << " x " << c.height << ", lit: " << at;
                 }
             }
         }

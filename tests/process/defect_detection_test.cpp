@@ -102,11 +102,12 @@ Image NarrowNoise(std::int32_t cols, std::int32_t rows, std::uint32_t seed, std:
 }
 
 TEST(PixelDefects, AgreeWithTheRulesForEverySizeAndKind) {
-    // 80 and 83 lie on both sides of where the search for medians changes its method.
-    for (const std::int32_t size : {kMin, 1, 2, 3, 4, 5, 8, 33, 80, 83}) {
-        const std::int32_t cols = size < 80 ? 53 : 91;
-        const Image dense = NarrowNoise(cols, cols - 4, 1, 3000);
-        const Image holed = NarrowNoise(cols, cols - 4, 2, 4);
+    // 31 and 32 lie on both sides of where the search for medians changes its method; the new one takes 128
+    // rows of medians at a time.
+    for (const std::int32_t size : {kMin, 1, 2, 3, 4, 5, 8, 31, 32}) {
+        const std::int32_t rows = size < 32 ? 49 : 175;
+        const Image dense = NarrowNoise(53, rows, 1, 3000);
+        const Image holed = NarrowNoise(53, rows, 2, 4);
         for (const std::int32_t reference : {0, 1}) {
             for (const std::int32_t kind : {0, 1, 2}) {
                 SCOPED_TRACE(testing::Message()
