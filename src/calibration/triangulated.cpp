@@ -119,13 +119,13 @@ class TriangulatedSurface final : public Surface {
 
     void Evaluate(const SurfaceTile& tile, double* values) override {
         const auto cols = static_cast<std::size_t>(tile.cols);
-        known_.assign(cols * static_cast<std::size_t>(tile.rows), false);
+        known_.assign(cols * static_cast<std::size_t>(tile.rows), 0);
         for (const Triangle& triangle : triangles_)
             Draw(triangle, tile, values);
-        if (std::find(known_.begin(), known_.end(), false) == known_.end()) return;
+        if (std::find(known_.begin(), known_.end(), 0) == known_.end()) return;
         GatherEdges(tile);
         for (std::size_t i = 0; i < known_.size(); ++i) {
-            if (known_[i]) continue;
+            if (known_[i] != 0) continue;
             values[i] = NearestOnHull(tile.col + static_cast<double>(i % cols),
                                       tile.row + static_cast<double>(i / cols));
         }
@@ -141,8 +141,8 @@ class TriangulatedSurface final : public Surface {
             const auto first = static_cast<std::size_t>(row) * static_cast<std::size_t>(tile.cols);
             for (std::int32_t col = cols.from; col <= cols.to; ++col) {
                 const std::size_t i = first + static_cast<std::size_t>(col);
-                if (known_[i]) continue;
-                known_[i] = true;
+                if (known_[i] != 0) continue;
+                known_[i] = 1;
                 values[i] = triangle.ValueAt(static_cast<double>(tile.col) + col, y);
             }
         }
@@ -183,7 +183,7 @@ class TriangulatedSurface final : public Surface {
     std::vector<Triangle> triangles_;
     std::vector<HullEdge> hull_;
     std::vector<HullEdge> near_;
-    std::vector<bool> known_;
+    std::vector<std::uint8_t> known_;  ///< 1 for the pels of the tile that have a value
 };
 
 }  // namespace
