@@ -39,13 +39,15 @@ struct Contest {
     std::string name;
     std::function<void(const NoiseImage&)> ours;
     std::function<void(const NoiseImage&)> peer;          ///< may be empty
-    bool streams = false;                                 ///< compare with ReadEveryPel as well
+    bool streams = false;                                 ///< only reads: traffic is ReadEveryPel
     std::function<void(const NoiseImage&)> prepare = {};  ///< before every turn of either side, not timed
     std::int32_t largestSide = 8000;                      ///< images with a longer side are left out
+    /// A loop that moves as much memory and computes nothing; unless given, a copy into a new image.
+    std::function<void(const NoiseImage&)> traffic = {};
 };
 
 /// Registers the contest for 1000 x 750, 4000 x 3000 and 8000 x 8000 pels. Counters: ours_ms, peer_ms,
-/// read_ms (shortest of all turns), ratio = peer / ours, bandwidth = read / ours.
-void Register(const Contest& contest);
+/// traffic_ms (shortest of all turns), ratio = peer / ours, bandwidth = traffic / ours.
+void Register(Contest contest);
 
 }  // namespace tqbench

@@ -5,6 +5,7 @@
 #include <memory>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "contest.h"
@@ -68,6 +69,16 @@ struct Scratch {
     }
 
     void Prepare() { tqGlobalCopy(&target, from.Get()); }
+    /// The same, and what the first turn would have to wait for.
+    void PrepareMaps() {
+        Prepare();
+        Lens();
+        Keystone();
+    }
+    void PrepareLabels() {
+        Prepare();
+        Labels();
+    }
     /// The copy as the peer sees it.
     cv::Mat Mat() const { return {from.Rows(), from.Cols(), CV_16UC1, PelsOf(target)}; }
     cv::Point2f Middle() const {
@@ -120,13 +131,25 @@ struct Scratch {
 
 using Step = void (*)(Scratch&);
 
-void Add(const std::string& name, Step ours, Step peer, std::int32_t largestSide = 8000) {
-    const auto with = [](Step step) {
-        return step == nullptr ? std::function<void(const NoiseImage&)>()
-                               : [=](const NoiseImage& image) { step(Scratch::Of(image)); };
+void Prepare(Scratch& s) {
+    s.Prepare();
+}
+
+/// We make a new image, so the peer makes one too; "_reused" is the peer that writes into memory it has
+/// already.
+void Add(const std::string& name, Step ours, Step peer, std::int32_t largestSide = 8000,
+         Step prepare = Prepare) {
+    const auto with = [](auto step) { return [=](const NoiseImage& image) { step(Scratch::Of(image)); }; };
+    if (peer == nullptr) {
+        Register({"geometry/" + name, with(ours), {}, false, with(prepare), largestSide});
+        return;
+    }
+    const auto anew = [=](Scratch& s) {
+        const cv::Mat replaced = std::exchange(s.result, cv::Mat());
+        peer(s);
     };
-    Register({"geometry/" + name, with(ours), with(peer), false, with([](Scratch& s) { s.Prepare(); }),
-              largestSide});
+    Register({"geometry/" + name, with(ours), with(anew), false, with(prepare), largestSide});
+    Register({"geometry/" + name + "_reused", with(ours), with(peer), false, with(prepare), largestSide});
 }
 
 void RegisterTurns() {
@@ -217,18 +240,23 @@ void RegisterBinning() {
 }
 
 void RegisterMaps() {
+    const Step maps = [](Scratch& s) { s.PrepareMaps(); };
+    const Step labels = [](Scratch& s) { s.PrepareLabels(); };
     Add(
         "lens", [](Scratch& s) { tqCorrectLensDistortion(&s.target, s.Lens().map); },
-        [](Scratch& s) { cv::remap(s.Mat(), s.result, s.Lens().whole, s.Lens().parts, cv::INTER_LINEAR); });
+        [](Scratch& s) { cv::remap(s.Mat(), s.result, s.Lens().whole, s.Lens().parts, cv::INTER_LINEAR); },
+        8000, maps);
     Add(
         "keystone", [](Scratch& s) { tqRemoveKeystone(&s.target, s.Keystone().map); },
         [](Scratch& s) {
             cv::remap(s.Mat(), s.result, s.Keystone().whole, s.Keystone().parts, cv::INTER_LINEAR);
-        });
+        },
+        8000, maps);
     Add(
-        "stitch_3x3", [](Scratch& s) { tqSmoothStitch(&s.target, s.Labels(), 3, 3); }, nullptr);
+        "stitch_3x3", [](Scratch& s) { tqSmoothStitch(&s.target, s.Labels(), 3, 3); }, nullptr, 4000, labels);
     Add(
-        "stitch_51x51", [](Scratch& s) { tqSmoothStitch(&s.target, s.Labels(), 51, 51); }, nullptr);
+        "stitch_51x51", [](Scratch& s) { tqSmoothStitch(&s.target, s.Labels(), 51, 51); }, nullptr, 4000,
+        labels);
 }
 
 [[maybe_unused]] const bool kRegistered =

@@ -60,21 +60,25 @@ using Step = void (*)(Scratch&);
 
 enum class Result { kInPlace, kNew };
 
-/// Each operation against the peer and, under its name with "_copy", against copying as many images. Where we
-/// make a new image the peer makes one too; "_reused" is the peer that writes into memory it has already.
+/// Each operation against the peer, and the loop that copies as many images. Where we make a new image the
+/// peer makes one too; "_reused" is the peer that writes into memory it has already.
 void Add(const std::string& name, Result result, Step ours, Step peer, Step copy) {
     const auto with = [](auto step) { return [=](const NoiseImage& image) { step(Scratch::Of(image)); }; };
     const auto anew = [=](Scratch& s) {
         const cv::Mat replaced = std::exchange(s.result, cv::Mat());
         peer(s);
     };
+    const auto add = [&](const std::string& title, auto opponent) {
+        Contest contest{title, with(ours), with(opponent)};
+        contest.traffic = with(copy);
+        Register(contest);
+    };
     if (result == Result::kInPlace) {
-        Register({name, with(ours), with(peer)});
+        add(name, peer);
     } else {
-        Register({name, with(ours), with(anew)});
-        Register({name + "_reused", with(ours), with(peer)});
+        add(name, anew);
+        add(name + "_reused", peer);
     }
-    if (copy != nullptr) Register({name + "_copy", with(ours), with(copy)});
 }
 
 void RewriteInPlace(Scratch& s) {
@@ -157,7 +161,7 @@ void RegisterOneImage() {
             for (std::size_t i = 0; i < count; ++i)
                 pels[i] = table[pels[i]];
         },
-        nullptr);
+        RewriteInPlace);
 }
 
 void RegisterTwoImages() {
@@ -166,7 +170,7 @@ void RegisterTwoImages() {
         [](Scratch& s) { cv::subtract(s.from.Mat(), s.otherMat, s.result); }, CopyOfTwo);
     Add(
         "multiply", Result::kNew, [](Scratch& s) { tqMultiplyImages(&s.target, s.other, 40000); },
-        [](Scratch& s) { cv::multiply(s.from.Mat(), s.otherMat, s.result, 1.0 / 40000); }, nullptr);
+        [](Scratch& s) { cv::multiply(s.from.Mat(), s.otherMat, s.result, 1.0 / 40000); }, CopyOfTwo);
     Add(
         "mask", Result::kNew, [](Scratch& s) { tqMaskImage(&s.target, s.other); },
         [](Scratch& s) {
@@ -179,11 +183,11 @@ void RegisterTwoImages() {
         CopyOfTwo);
     Add(
         "average", Result::kNew, [](Scratch& s) { tqAverageImages(&s.target, s.from.Get(), s.other); },
-        [](Scratch& s) { cv::addWeighted(s.from.Mat(), 0.29, s.otherMat, 0.5, 0.0, s.result); }, nullptr);
+        [](Scratch& s) { cv::addWeighted(s.from.Mat(), 0.29, s.otherMat, 0.5, 0.0, s.result); }, CopyOfTwo);
     Add(
         "running_average", Result::kNew, [](Scratch& s) { tqRunningAverage(&s.target, s.from.Get(), 9); },
         [](Scratch& s) { cv::addWeighted(s.from.Mat(), 1.0 / 9, s.otherMat, 8.0 / 9, 0.0, s.result); },
-        nullptr);
+        CopyOfTwo);
     Add(
         "ratio", Result::kNew, [](Scratch& s) { tqDivideImage(&s.target, s.from.Get(), s.other); },
         [](Scratch& s) {
@@ -193,7 +197,7 @@ void RegisterTwoImages() {
             cv::minMaxLoc(ratio, nullptr, &largest);
             ratio.convertTo(s.result, CV_16U, 65000.0 / largest);
         },
-        nullptr);
+        CopyOfTwo);
     Add(
         "normalize", Result::kNew,
         [](Scratch& s) {
@@ -209,7 +213,7 @@ void RegisterTwoImages() {
             cv::minMaxLoc(s.result, nullptr, &largest);
             benchmark::DoNotOptimize(cv::sum(s.result));
         },
-        nullptr);
+        CopyOfTwo);
     Add(
         "root_sum_square", Result::kNew,
         [](Scratch& s) { tqRootSumSquare(&s.target, s.from.Get(), s.other, 0.4f, 0.6f); },
@@ -222,7 +226,7 @@ void RegisterTwoImages() {
             cv::sqrt(a + b, a);
             a.convertTo(s.result, CV_16U);
         },
-        nullptr);
+        CopyOfTwo);
     Add(
         "combine", Result::kNew,
         [](Scratch& s) { tqCombineImages(&s.target, s.from.Get(), s.other, s.from.Get()); },
@@ -234,7 +238,7 @@ void RegisterTwoImages() {
             cv::minMaxLoc(sum, nullptr, &largest);
             sum.convertTo(s.result, CV_16U, 255.0 / largest);
         },
-        nullptr);
+        CopyOfTwo);
 }
 
 [[maybe_unused]] const bool kRegistered = (RegisterOneImage(), RegisterTwoImages(), true);

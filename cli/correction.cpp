@@ -4,7 +4,9 @@
 
 #include "defect_csv.h"
 #include "failure.h"
+#include "keystone.h"
 #include "lens_map.h"
+#include "stray_light.h"
 #include "text.h"
 #include "tqimage/defects.h"
 #include "tqimage/distortion.h"
@@ -41,12 +43,10 @@ std::string RepairDefects(const CorrectionOptions& options, HostImage& image) {
     const std::vector<Defect> defects = ReadDefects(options.defects);
     std::string done = Format("%zu defects of %s repaired", defects.size(), options.defects.c_str());
     if (defects.empty()) return done;
-    Int32Array list(static_cast<std::uint32_t>(defects.size()), 5);
+    Int32Array list(defects.size(), 5);
     for (std::size_t record = 0; record < defects.size(); ++record) {
-        for (std::size_t field = 0; field < 5; ++field) {
-            list.Put(static_cast<std::int32_t>(record), static_cast<std::int32_t>(field),
-                     defects[record][field]);
-        }
+        for (std::size_t field = 0; field < 5; ++field)
+            list.Put(record, field, defects[record][field]);
     }
     Require(tqRemoveBadPixels(image.Get(), options.defectOrigin[0], options.defectOrigin[1],
                               options.defectWindow[0], options.defectWindow[1], list.Address()),
@@ -69,19 +69,24 @@ LensMap MakeRadialMap(const std::string& coefficients, const TqImageHeader& head
                                static_cast<std::int32_t>(rows));
 }
 
+LensMap MakeLensMap(const CorrectionOptions& options, const TqImageHeader& header) {
+    if (!options.lensMap.empty()) return LensMap::Read(options.lensMap);
+    if (!options.lensRadial.empty()) return MakeRadialMap(options.lensRadial, header);
+    return ReadLensModel(options.lensModel, options.lensSetting, header);
+}
+
 std::string CorrectLens(const CorrectionOptions& options, HostImage& image) {
-    const bool radial = options.lensMap.empty();
-    const LensMap map =
-        radial ? MakeRadialMap(options.lensRadial, image.Header()) : LensMap::Read(options.lensMap);
-    const std::string source = radial ? "--lens-radial" : options.lensMap;
+    const LensMap map = MakeLensMap(options, image.Header());
+    const bool radial = !options.lensRadial.empty();
+    const std::string file = options.lensMap + options.lensModel;  // at most one of them was given
+    const std::string source = radial ? "--lens-radial" : file;
     const std::int32_t status = tqCorrectLensDistortion(image.Address(), map.Get());
     if (status == -3) FailMeasurement(source, "the map is smaller than the image");
     if (status == -7 || status == -8) {
         FailMeasurement(source, "the map's centre does not reach the image's centre (see --center)");
     }
     Require(status, source, "the lens correction");
-    return "lens distortion corrected " +
-           (radial ? "with " + options.lensRadial : "through " + options.lensMap);
+    return "lens distortion corrected " + (radial ? "with " + options.lensRadial : "through " + file);
 }
 
 }  // namespace
@@ -97,9 +102,17 @@ std::vector<std::string> Correct(const std::string& path, int bitsPerPel, const 
         progress.Stage("repairing the defects of " + options.defects);
         done.push_back(RepairDefects(options, image));
     }
-    if (!options.lensMap.empty() || !options.lensRadial.empty()) {
+    if (!options.strayLight.empty()) {
+        progress.Stage("subtracting stray light");
+        done.push_back(RemoveStrayLight(options.strayLight, image));
+    }
+    if (!options.lensMap.empty() || !options.lensRadial.empty() || !options.lensModel.empty()) {
         progress.Stage("correcting the lens distortion");
         done.push_back(CorrectLens(options, image));
+    }
+    if (!options.keystone.empty()) {
+        progress.Stage("removing the keystone");
+        done.push_back(RemoveKeystone(options.keystone, image));
     }
     return done;
 }

@@ -1,11 +1,11 @@
 #include <CLI/CLI.hpp>
 #include <cmath>
-#include <cstdio>
 #include <limits>
 #include <memory>
 
 #include "commands.h"
 #include "defect_csv.h"
+#include "delivery.h"
 #include "failure.h"
 #include "files.h"
 #include "library.h"
@@ -37,17 +37,6 @@ struct DefectOptions {
 };
 
 constexpr std::int32_t kAnyNumber = std::numeric_limits<std::int32_t>::min();
-
-/// The library's code of a word, which is its place among the choices.
-template <std::size_t kCount>
-std::int32_t ParseChoice(const char* option, const std::string& word, const char* const (&choices)[kCount]) {
-    std::string known;
-    for (std::size_t code = 0; code < kCount; ++code) {
-        if (word == choices[code]) return static_cast<std::int32_t>(code);
-        known += std::string(code == 0 ? "" : code + 1 == kCount ? " or " : ", ") + choices[code];
-    }
-    FailUsage(std::string(option) + " is " + known + ", not " + word);
-}
 
 void CheckRanges(const DefectOptions& options) {
     if (options.size < 2) FailUsage("--size is 2 at least");
@@ -170,10 +159,7 @@ void Run(const DefectOptions& options) {
     const std::string text = FormatDefects(list);
     if (!options.output.empty()) files.Add(options.output).Write(text);
     files.Commit();
-    if (!options.output.empty()) return;
-    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0) {
-        FailFile("stdout", "cannot be written");
-    }
+    if (options.output.empty()) Show(text);
 }
 
 }  // namespace

@@ -19,6 +19,9 @@ class LensMap {
     static LensMap FromRadial(const RadialLens& lens, std::array<double, 2> center, std::int32_t cols,
                               std::int32_t rows);
 
+    /// Takes over a map that the library made.
+    explicit LensMap(TqDistortionMap* map) noexcept : map_(map) {}
+
     const TqDistortionMap* Get() const noexcept { return map_.get(); }
     std::string Bytes() const;
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <new>
+#include <type_traits>
 
 #include "failure.h"
 #include "text.h"
@@ -56,22 +57,29 @@ GreyImage ToGreyImage(const HostImage& image) {
     return copy;
 }
 
-Int32Array::Int32Array(std::uint32_t first, std::uint32_t second) {
-    SAFEARRAYBOUND bounds[] = {{first, 0}, {second, 0}};
-    array_ = SafeArrayCreate(VT_I4, 2, bounds);
+template <class Number>
+HostArray<Number>::HostArray(std::size_t first, std::size_t second) {
+    SAFEARRAYBOUND bounds[] = {{static_cast<std::uint32_t>(first), 0},
+                               {static_cast<std::uint32_t>(second), 0}};
+    array_ = SafeArrayCreate(std::is_same_v<Number, double> ? VT_R8 : VT_I4, 2, bounds);
     if (!array_) throw std::bad_alloc();
 }
 
-Int32Array::~Int32Array() {
+template <class Number>
+HostArray<Number>::~HostArray() {
     // A repair that fails leaves its list locked, and a locked array cannot be destroyed.
     while (SafeArrayDestroy(array_) != S_OK && SafeArrayUnlock(array_) == S_OK) {
     }
 }
 
-void Int32Array::Put(std::int32_t first, std::int32_t second, std::int32_t value) {
-    LONG index[] = {first, second};
+template <class Number>
+void HostArray<Number>::Put(std::size_t first, std::size_t second, Number value) {
+    LONG index[] = {static_cast<LONG>(first), static_cast<LONG>(second)};
     if (SafeArrayPutElement(array_, index, &value) != S_OK) throw std::bad_alloc();
 }
+
+template class HostArray<std::int32_t>;
+template class HostArray<double>;
 
 void Require(std::int32_t status, const std::string& subject, const char* what) {
     if (status != 0) FailMeasurement(subject, Format("%s failed (code %d)", what, status));

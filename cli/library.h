@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -39,20 +40,26 @@ class HostImage {
 /// A copy of the pels, for a file.
 GreyImage ToGreyImage(const HostImage& image);
 
-/// A two-dimensional array of 32-bit integers as the library takes lists, released with its owner.
-class Int32Array {
+/// A two-dimensional array of numbers as the library takes lists, released with its owner.
+template <class Number>
+class HostArray {
   public:
-    Int32Array(std::uint32_t first, std::uint32_t second);
-    ~Int32Array();
-    Int32Array(const Int32Array&) = delete;
-    Int32Array& operator=(const Int32Array&) = delete;
+    HostArray(std::size_t first, std::size_t second);
+    ~HostArray();
+    HostArray(const HostArray&) = delete;
+    HostArray& operator=(const HostArray&) = delete;
 
-    void Put(std::int32_t first, std::int32_t second, std::int32_t value);
+    void Put(std::size_t first, std::size_t second, Number value);
     SAFEARRAY** Address() noexcept { return &array_; }
 
   private:
     SAFEARRAY* array_ = nullptr;
 };
+
+using Int32Array = HostArray<std::int32_t>;
+using DoubleArray = HostArray<double>;
+extern template class HostArray<std::int32_t>;
+extern template class HostArray<double>;
 
 /// Ends the measurement when a call returned anything but 0.
 void Require(std::int32_t status, const std::string& subject, const char* what);

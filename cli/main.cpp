@@ -21,6 +21,9 @@ int Run(int count, char** arguments) {
     AddUniformity(app);
     AddMtf(app);
     AddDefects(app);
+    AddConvert(app);
+    AddCorrect(app);
+    AddTransform(app);
     AddSimulate(app);
     AddPattern(app);
     AddPlot(app);

@@ -1,16 +1,14 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <limits>
 #include <memory>
 
 #include "commands.h"
-#include "correction.h"
+#include "correction_options.h"
 #include "delivery.h"
 #include "expectation.h"
 #include "failure.h"
 #include "files.h"
 #include "options.h"
-#include "radial_lens.h"
 #include "report.h"
 #include "tqimage/bitmap_files.h"
 
@@ -22,8 +20,7 @@ struct MeasureOptions {
     std::string image;
     HeaderOptions header;
     std::string headerFile;
-    CorrectionOptions correction;
-    std::string defectWindow, defectOrigin;
+    TypedCorrections corrections;
     std::vector<std::string> regions;
     std::uint32_t angleMode = 0;
     std::string spot;
@@ -32,24 +29,8 @@ struct MeasureOptions {
     bool progress = false;
 };
 
-constexpr std::int32_t kAnyNumber = std::numeric_limits<std::int32_t>::min();
 // The library's code of the false-colour palette that starts dark.
 constexpr std::int32_t kFalseColours = -1;
-
-CorrectionOptions ParseCorrection(const MeasureOptions& options) {
-    CorrectionOptions correction = options.correction;
-    if (!correction.lensMap.empty() && !correction.lensRadial.empty()) {
-        FailUsage("--lens and --lens-radial exclude each other");
-    }
-    if (!correction.lensRadial.empty()) ParseRadialCoefficients(correction.lensRadial);
-    if (!options.defectWindow.empty()) {
-        correction.defectWindow = ParsePair("--defect-window", options.defectWindow, 1);
-    }
-    if (!options.defectOrigin.empty()) {
-        correction.defectOrigin = ParsePair("--defect-origin", options.defectOrigin, kAnyNumber);
-    }
-    return correction;
-}
 
 /// The regions as typed; those of the expectations when none were.
 std::vector<Region> ChooseRegions(const MeasureOptions& options,
@@ -105,7 +86,7 @@ void Deliver(const MeasureOptions& options, const Report& report, HostImage& ima
 void Run(const MeasureOptions& options) {
     CheckOutputs(options);
     const Progress progress(options.progress);
-    const CorrectionOptions correction = ParseCorrection(options);
+    const CorrectionOptions correction = ParseCorrections(options.corrections);
     Report report;
     if (!options.spot.empty()) report.options.spot = ParsePair("--spot", options.spot, 1);
     report.options.angleMode = options.angleMode;
@@ -144,18 +125,7 @@ void AddMeasure(CLI::App& app) {
     AddImage(command, options.image);
     AddHeader(command, options.header, options.headerFile);
 
-    const char* const corrections = "Corrections, in this order";
-    command.add_option("--dark", options.correction.dark, "Image to subtract")->group(corrections);
-    command.add_option("--defects", options.correction.defects, "CSV file: type,x,y,start,end")
-        ->group(corrections);
-    command.add_option("--defect-window", options.defectWindow, "W[,H]: neighbourhood of a repair (3,3)")
-        ->group(corrections);
-    command
-        .add_option("--defect-origin", options.defectOrigin, "C[,R]: sensor position of the first pel (0,0)")
-        ->group(corrections);
-    command.add_option("--lens", options.correction.lensMap, "Distortion map file")->group(corrections);
-    command.add_option("--lens-radial", options.correction.lensRadial, kLensHelp)->group(corrections);
-
+    AddCorrections(command, options.corrections);
     const char* const measuring = "Measuring";
     AddRegions(command, options.regions);
     command.get_option("--region")->group(measuring);

@@ -1,11 +1,9 @@
-#include "tqimage/mtf.h"
 #include <CLI/CLI.hpp>
 #include <memory>
-
-#include <cstdio>
 #include <vector>
 
 #include "commands.h"
+#include "delivery.h"
 #include "failure.h"
 #include "files.h"
 #include "image_file.h"
@@ -13,6 +11,7 @@
 #include "library.h"
 #include "options.h"
 #include "text.h"
+#include "tqimage/mtf.h"
 
 namespace cli {
 namespace {
@@ -87,12 +86,6 @@ std::string FormatCurvesJson(const std::string& file, const std::vector<Curve>& 
         json["regions"].push_back(entry);
     }
     return json.dump(2) + "\n";
-}
-
-void Show(const std::string& text) {
-    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0) {
-        FailFile("stdout", "cannot be written");
-    }
 }
 
 void Run(const MtfOptions& options) {

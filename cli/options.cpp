@@ -62,6 +62,18 @@ std::array<std::int32_t, 2> ParsePair(const char* option, const std::string& tex
     return {values->front(), values->back()};
 }
 
+std::int32_t ParseChoice(const char* option, const std::string& word,
+                         std::initializer_list<const char*> choices) {
+    std::string known;
+    std::int32_t place = 0;
+    for (const char* const choice : choices) {
+        if (word == choice) return place;
+        const bool last = static_cast<std::size_t>(++place) == choices.size();
+        known += std::string(known.empty() ? "" : last ? " or " : ", ") + choice;
+    }
+    FailUsage(std::string(option) + " is " + known + ", not " + word);
+}
+
 std::vector<Region> ParseRegions(const std::vector<std::string>& arguments) {
     std::vector<Region> regions;
     regions.reserve(arguments.size());

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -34,6 +35,10 @@ extern const char kOutput[];
 
 /// One or two whole numbers, the one standing for both, none below least; anything else is a usage error.
 std::array<std::int32_t, 2> ParsePair(const char* option, const std::string& text, std::int32_t least);
+
+/// The place of a word among the choices; any other word is a usage error.
+std::int32_t ParseChoice(const char* option, const std::string& word,
+                         std::initializer_list<const char*> choices);
 
 /// The regions as typed; the whole image when there are none.
 std::vector<Region> ParseRegions(const std::vector<std::string>& arguments);

@@ -39,7 +39,7 @@ bool IsScale(double value) {
 bool Accepts(const Field& field, const Values& values) {
     if (values.size() < field.least || values.size() > field.most) return false;
     for (const double value : values) {
-        if (&field == &kCenter ? !(std::fabs(value) < 1e6) : !IsScale(value)) return false;
+        if (&field == &kCenter ? !(std::fabs(value) < kFarthestCenter) : !IsScale(value)) return false;
         if (&field == &kBin && (value != std::floor(value) || value > 32767)) return false;
     }
     return true;
@@ -57,6 +57,12 @@ void Store(PhotometricHeader& header, const Field& field, const Values& values, 
     if (&field == &kLuxPerGrey) header.luxPerGrey = static_cast<float>(values[0]);
     if (&field == &kDistance) header.distance = static_cast<float>(values[0]);
     if (&field == &kBin) header.bin = Pair<std::int16_t>(values);
+}
+
+template <typename Number>
+void Spread(const std::array<Number, 2>& pair, Number& first, Number& second) {
+    first = pair[0];
+    second = pair[1];
 }
 
 Values JsonNumbers(const Json& json) {
@@ -143,14 +149,32 @@ TqImageHeader MakeHeader(const PhotometricHeader& header, std::int32_t cols, std
     TqImageHeader result{};
     result.PelCols = cols;
     result.PelRows = rows;
-    result.PelsPerMeterX = header.pelsPerMeter ? (*header.pelsPerMeter)[0] : 0.0f;
-    result.PelsPerMeterY = header.pelsPerMeter ? (*header.pelsPerMeter)[1] : 0.0f;
-    result.CenterCol = header.center ? (*header.center)[0] : static_cast<float>(cols - 1) * 0.5f;
-    result.CenterRow = header.center ? (*header.center)[1] : static_cast<float>(rows - 1) * 0.5f;
-    result.LuxPerGrey = header.luxPerGrey.value_or(0.0f);
-    result.SourceDistance = header.distance.value_or(0.0f);
-    result.BinCols = header.bin ? (*header.bin)[0] : std::int16_t{1};
-    result.BinRows = header.bin ? (*header.bin)[1] : std::int16_t{1};
+    result.CenterCol = static_cast<float>(cols - 1) * 0.5f;
+    result.CenterRow = static_cast<float>(rows - 1) * 0.5f;
+    result.BinCols = 1;
+    result.BinRows = 1;
+    Correct(result, header);
+    return result;
+}
+
+void Correct(TqImageHeader& image, const PhotometricHeader& known) {
+    if (known.pelsPerMeter) Spread(*known.pelsPerMeter, image.PelsPerMeterX, image.PelsPerMeterY);
+    if (known.center) Spread(*known.center, image.CenterCol, image.CenterRow);
+    if (known.luxPerGrey) image.LuxPerGrey = *known.luxPerGrey;
+    if (known.distance) image.SourceDistance = *known.distance;
+    if (known.bin) Spread(*known.bin, image.BinCols, image.BinRows);
+}
+
+PhotometricHeader ReadBack(const TqImageHeader& header) {
+    PhotometricHeader result;
+    const auto take = [&](const Field& field, const Values& values) {
+        Store(result, field, values, [](const std::string&) {});
+    };
+    take(kPelsPerMeter, {header.PelsPerMeterX, header.PelsPerMeterY});
+    take(kCenter, {header.CenterCol, header.CenterRow});
+    take(kLuxPerGrey, {header.LuxPerGrey});
+    take(kDistance, {header.SourceDistance});
+    take(kBin, {static_cast<double>(header.BinCols), static_cast<double>(header.BinRows)});
     return result;
 }
 

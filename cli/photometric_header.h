@@ -9,6 +9,9 @@
 
 namespace cli {
 
+/// A header's centre lies nearer than this, in pels, columns and rows.
+inline constexpr double kFarthestCenter = 1e6;
+
 /// What is known about how an image was taken. Every field may be unknown: figures that need it are then not
 /// given.
 struct PhotometricHeader {
@@ -47,5 +50,10 @@ PhotometricHeader FindHeader(const std::string& image, const std::string& header
 /// The library's header. Unknown scales are 0, the centre is the image's middle and the binning 1 unless
 /// known.
 TqImageHeader MakeHeader(const PhotometricHeader& header, std::int32_t cols, std::int32_t rows);
+/// Replaces what is known in a header that an image brings along.
+void Correct(TqImageHeader& image, const PhotometricHeader& known);
+
+/// The reverse: what a library's header tells; values that MakeHeader could not have put there are unknown.
+PhotometricHeader ReadBack(const TqImageHeader& header);
 
 }  // namespace cli

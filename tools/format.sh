@@ -7,7 +7,7 @@ cd "$(dirname "$0")/.."
 mode=(-i)
 [ "${1:-}" = --check ] && mode=(--dry-run --Werror)
 folders=()
-for folder in include src cli bench tests examples fuzz; do
+for folder in include src cli bench tests docs/examples fuzz; do
     [ -d "$folder" ] && folders+=("$folder")
 done
 find "${folders[@]}" \( -name '*.h' -o -name '*.cpp' -o -name '*.c' \) -print0 |

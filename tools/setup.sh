@@ -6,10 +6,12 @@ set -euo pipefail
 packages=(
     # native build, checks
     cmake ninja-build g++ binutils make git ccache python3 pkgconf
+    # the reference, the examples of the guide
+    doxygen mono-mcs mono-runtime
     clang clang-format clang-tidy libclang-rt-14-dev
-    # the library, the program, tests, benchmarks
+    # the library, the program, tests (netpbm: another reader and writer of BMP files), benchmarks
     libhwy-dev zlib1g-dev libjpeg62-turbo-dev libeigen3-dev googletest
-    libpng-dev libtiff-dev nlohmann-json3-dev libcli11-dev
+    libpng-dev libtiff-dev nlohmann-json3-dev libcli11-dev netpbm
     libbenchmark-dev libopencv-core-dev libopencv-imgproc-dev
     # Windows: compilers, zlib, source packages and an assembler for the other libraries, Wine to run the tests
     g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix libz-mingw-w64-dev nasm

@@ -1,12 +1,12 @@
 #!/bin/bash
-# test.sh [PRESET...]   builds and tests the given presets (release, asan, win64 and win32 when none is
-# given) and checks the layout of the sources. Goes on after a failure, so that one run shows all of them; the
-# last line says how many tests passed and failed.
+# test.sh [PRESET...]   builds and tests the given presets (release, asan, tsan, fuzz, win64 and win32 when
+# none is given) and checks the layout of the sources. Goes on after a failure, so that one run shows all of
+# them; the last line says how many tests passed and failed.
 set -uo pipefail
 cd "$(dirname "$0")/.."
 
 presets=("$@")
-[ ${#presets[@]} = 0 ] && presets=(release asan win64 win32)
+[ ${#presets[@]} = 0 ] && presets=(release asan tsan fuzz win64 win32)
 logs=build/logs
 mkdir -p "$logs"
 

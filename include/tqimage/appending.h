@@ -10,6 +10,11 @@
 extern "C" {
 #endif
 
+/** @defgroup appending Appending captures
+ *  @ingroup interchange
+ *  @copydoc appending.h
+ *  @{ */
+
 /**
  * @brief Joins an image to another one so that their centres (CenterCol, CenterRow) coincide.
  *
@@ -28,7 +33,7 @@ extern "C" {
  * @param[in] blockHeight     height of that block, pels
  * @return 0; -2 *accumulated is null or invalid; -3 added is null or invalid; -4 no memory, a LuxPerGrey that
  *         is not above 0, a centre that is not finite, or a joined image of more than 8000 columns or rows;
- * -5 no memory for smoothing. After a failure both images are as they were
+ *         -5 no memory for smoothing. After a failure both images are as they were
  * @par Ownership
  * The block that *accumulated held is freed. The joined image belongs to the host.
  * @par Memory
@@ -38,6 +43,8 @@ extern "C" {
  */
 TQ_API int32_t TQ_CALL tqAppendImage(TqImage** accumulated, TqImage* added, int32_t blockWidth,
                                      int32_t blockHeight);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -23,18 +23,23 @@ typedef struct tagVARIANT VARIANT;
 extern "C" {
 #endif
 
-typedef int32_t LONG;
-typedef uint32_t ULONG;
-typedef uint16_t USHORT;
-typedef uint32_t UINT;
-typedef int BOOL;
-typedef size_t SIZE_T;
+/** @defgroup automation Arrays, variants and global memory
+ *  @ingroup core
+ *  @copydoc automation.h
+ *  @{ */
+
+typedef int32_t LONG;     /**< index of an element */
+typedef uint32_t ULONG;   /**< number of elements, bytes or locks */
+typedef uint16_t USHORT;  /**< number of dimensions, set of flags */
+typedef uint32_t UINT;    /**< number of dimensions or bytes, set of flags */
+typedef int BOOL;         /**< 0 or not */
+typedef size_t SIZE_T;    /**< bytes */
 typedef uint16_t VARTYPE; /**< one of the VT_ codes */
 typedef int32_t HRESULT;  /**< 0 for success, negative for failure */
 typedef void* HGLOBAL;    /**< a handle of global memory */
 
 /* Published values of the Windows interfaces. */
-#define S_OK ((HRESULT)0)
+#define S_OK ((HRESULT)0)                           /**< success */
 #define E_INVALIDARG ((HRESULT)-2147024809)         /**< 0x80070057 */
 #define E_OUTOFMEMORY ((HRESULT)-2147024882)        /**< 0x8007000E */
 #define E_UNEXPECTED ((HRESULT)-2147418113)         /**< 0x8000FFFF */
@@ -42,11 +47,11 @@ typedef void* HGLOBAL;    /**< a handle of global memory */
 #define DISP_E_BADINDEX ((HRESULT)-2147352565)      /**< 0x8002000B */
 #define DISP_E_ARRAYISLOCKED ((HRESULT)-2147352563) /**< 0x8002000D */
 
-#define GMEM_FIXED 0x0000u
-#define GMEM_MOVEABLE 0x0002u
-#define GMEM_ZEROINIT 0x0040u
-#define GHND (GMEM_MOVEABLE | GMEM_ZEROINIT)
-#define GPTR (GMEM_FIXED | GMEM_ZEROINIT)
+#define GMEM_FIXED 0x0000u                   /**< the handle is the address */
+#define GMEM_MOVEABLE 0x0002u                /**< the address is had with GlobalLock */
+#define GMEM_ZEROINIT 0x0040u                /**< the memory is cleared */
+#define GHND (GMEM_MOVEABLE | GMEM_ZEROINIT) /**< moveable and cleared */
+#define GPTR (GMEM_FIXED | GMEM_ZEROINIT)    /**< fixed and cleared */
 
 enum {
     VT_EMPTY = 0,
@@ -94,20 +99,20 @@ typedef struct tagSAFEARRAYBOUND {
 /** An array's descriptor. The bounds are stored from right to left: rgsabound[0] describes the dimension that
  *  SafeArrayCreate was given last. The leftmost index varies fastest in memory. */
 typedef struct tagSAFEARRAY {
-    USHORT cDims;
-    USHORT fFeatures;
-    ULONG cbElements;
-    ULONG cLocks;
-    void* pvData;
+    USHORT cDims;                /**< number of dimensions */
+    USHORT fFeatures;            /**< flags of FADF_AUTO and its siblings */
+    ULONG cbElements;            /**< bytes an element */
+    ULONG cLocks;                /**< locks not yet taken back */
+    void* pvData;                /**< the first element */
     SAFEARRAYBOUND rgsabound[1]; /**< cDims of them */
 } SAFEARRAY;
 
 /** A value with its type. */
 typedef struct tagVARIANT {
-    VARTYPE vt;
-    uint16_t wReserved1;
-    uint16_t wReserved2;
-    uint16_t wReserved3;
+    VARTYPE vt;          /**< which member of the union counts; VT_ARRAY: parray, VT_BYREF: byref */
+    uint16_t wReserved1; /**< unused */
+    uint16_t wReserved2; /**< unused */
+    uint16_t wReserved3; /**< unused */
     __extension__ union {
         int64_t llVal;
         int32_t lVal;
@@ -141,7 +146,8 @@ typedef struct tagVARIANT {
  * @param[in] cDims number of dimensions, 1..65535
  * @param[in] rgsabound the dimensions, leftmost first
  * @return the array; null for another type, no dimensions, a size above 4 GiB or memory that cannot be had
- * @par Ownership The caller releases the array with SafeArrayDestroy.
+ * @par Ownership
+ * The caller releases the array with SafeArrayDestroy.
  */
 TQ_API SAFEARRAY* TQ_CALL SafeArrayCreate(VARTYPE vt, UINT cDims, SAFEARRAYBOUND* rgsabound);
 
@@ -212,7 +218,8 @@ TQ_API void TQ_CALL VariantInit(VARIANT* pvarg);
  * @param[in,out] pvarg the variant
  * @return S_OK; E_INVALIDARG for null; DISP_E_ARRAYISLOCKED when it holds a locked array; DISP_E_BADVARTYPE
  * for a type that is not a number or an array of numbers: the variant is untouched
- * @par Ownership An array in the variant is destroyed; what a VT_BYREF variant points at is not touched.
+ * @par Ownership
+ * An array in the variant is destroyed; what a VT_BYREF variant points at is not touched.
  */
 TQ_API HRESULT TQ_CALL VariantClear(VARIANT* pvarg);
 
@@ -221,7 +228,8 @@ TQ_API HRESULT TQ_CALL VariantClear(VARIANT* pvarg);
  * @param[in] uFlags GMEM_FIXED or GMEM_MOVEABLE, and GMEM_ZEROINIT
  * @param[in] dwBytes size, bytes
  * @return the handle, for fixed memory its address; null when the memory cannot be had
- * @par Ownership The caller releases the handle with GlobalFree.
+ * @par Ownership
+ * The caller releases the handle with GlobalFree.
  */
 TQ_API HGLOBAL TQ_CALL GlobalAlloc(UINT uFlags, SIZE_T dwBytes);
 
@@ -253,6 +261,8 @@ TQ_API SIZE_T TQ_CALL GlobalSize(HGLOBAL hMem);
  * @return null; the handle itself when it is not one
  */
 TQ_API HGLOBAL TQ_CALL GlobalFree(HGLOBAL hMem);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -5,8 +5,8 @@
  *  - Columns come before rows; the centre of the first pel is at (0, 0).
  *  - A pel is an unsigned 16-bit grey level. An image block is one allocation: the 56-byte TqImageHeader
  *    followed by PelCols x PelRows pels, row 0 first. It is valid when 1 <= PelCols, PelRows <= 8000.
- *  - The host owns every image block and every distortion map; release them with tqImageFree. A function
- *    that replaces the host's image builds the new block completely before it frees the old one.
+ *  - The host owns every image block and every distortion map; release them with tqImageFree. Unless it says
+ *    otherwise, a function that replaces the host's image builds the new block before it frees the old one.
  *  - Functions keep no state and no reference to a block after they return, and start no threads: calls
  *    may run side by side unless two of them write the same block or the same block pointer.
  *  - Unless a function says otherwise it returns 0 for success and a negative number for failure.
@@ -16,6 +16,10 @@
 
 #include <stdint.h>
 
+/** @def TQ_CALL
+ *  The calling convention: stdcall on 32-bit Windows, the platform's only one elsewhere.
+ *  @def TQ_API
+ *  Makes a function visible to hosts. */
 #if defined(_WIN32) && !defined(_WIN64)
 #define TQ_CALL __stdcall
 #else
@@ -36,6 +40,11 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
+
+/** @defgroup base Types
+ *  @ingroup core
+ *  @copydoc base.h
+ *  @{ */
 
 /** An image block: only its address means anything to a host. */
 typedef struct TqImage TqImage;
@@ -61,11 +70,13 @@ typedef struct TqImageHeader {
 /** The 12-byte head of a distortion map; Cols x Rows pairs of float (source column, source row) follow it,
  *  row 0 first. A negative source column or row means that the pel has no source. */
 typedef struct TqDistortionMap {
-    uint16_t Cols;
-    uint16_t Rows;
-    float CenterCol; /**< optical centre, unbinned pels */
-    float CenterRow;
+    uint16_t Cols;   /**< columns of the map */
+    uint16_t Rows;   /**< rows of the map */
+    float CenterCol; /**< column of the optical centre, unbinned pels */
+    float CenterRow; /**< row of the optical centre, unbinned pels */
 } TqDistortionMap;
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

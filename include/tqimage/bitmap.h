@@ -10,6 +10,11 @@
 extern "C" {
 #endif
 
+/** @defgroup bitmap Bitmaps for the screen
+ *  @ingroup interchange
+ *  @copydoc bitmap.h
+ *  @{ */
+
 /** A bitmap in memory. The host keeps the record and fills it with zeros before its first use; the library
  *  makes palette and rows, and tqFreeLeadBmp releases them. Bitmaps that the library makes are top-down. */
 typedef struct TqLeadBitmap {
@@ -128,7 +133,7 @@ TQ_API int32_t TQ_CALL tqImageToLeadBmpScale(TqLeadBitmap* bitmap, double* scale
  * 0 for the rest.
  *
  * @param[in] bitmap The bitmap, by value. Of a row of colours the first `width` bytes become pels.
- * @param[out] image Receives the image; the block it held is freed. Untouched when the function fails.
+ * @param[in,out] image Receives the image; the block it held is freed. Untouched when the function fails.
  * @return 0; -1 the bitmap's rows cannot be read (no rows, a size below 1, a depth other than 8 or 24, lines
  *         that are too short), no memory, or image is null.
  * @par Ownership
@@ -147,6 +152,8 @@ TQ_API int32_t TQ_CALL tqLeadBmpToImage(TqLeadBitmap bitmap, TqImage** image);
  * The record itself stays the host's and may be used again.
  */
 TQ_API int32_t TQ_CALL tqFreeLeadBmp(TqLeadBitmap* bitmap);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -10,6 +10,11 @@
 extern "C" {
 #endif
 
+/** @defgroup bitmap_files BMP files and the clipboard
+ *  @ingroup interchange
+ *  @copydoc bitmap_files.h
+ *  @{ */
+
 /**
  * @brief Writes an image as an 8-bit Windows BMP file.
  *
@@ -48,9 +53,9 @@ TQ_API int32_t TQ_CALL tqLeadBmpToDiskBmp(const char* fileName, const TqLeadBitm
  * @param[in] fileName Name of the file.
  * @param[in] info     Header of the new image; sizes and MaxPelValue (the largest pel, at least 1) are the
  *                     file's. May lie in the image that is replaced.
- * @param[out] image   Receives the image; the block it held is freed. Untouched when the function fails.
- * @return 0; -100 the file cannot be read or is malformed; -3 no memory for the image, or info or image is
- *         null.
+ * @param[in,out] image   Receives the image; the block it held is freed. Untouched when the function fails.
+ * @return 0; -100 the file cannot be read or is malformed, or no memory for its bitmap; -3 no memory for the
+ *         image, or info or image is null.
  * @par Ownership
  * The host owns the image and releases it with tqImageFree.
  * @par Memory
@@ -88,6 +93,8 @@ TQ_API int32_t TQ_CALL tqImageToDIB(void** dib, TqImage* image, int32_t palette)
  *       the process, which frees the handle when the next one comes.
  */
 TQ_API int32_t TQ_CALL tqBmpToClipBoard(void* owner, void* dib);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -15,6 +15,11 @@
 extern "C" {
 #endif
 
+/** @defgroup border_light Border light
+ *  @ingroup measure
+ *  @copydoc border_light.h
+ *  @{ */
+
 /** @brief Mean and largest grey of the light around the active area of a display.
  *  @param[in] image image to measure
  *  @param[in] left first column of the active area, pels, any value (clamped)
@@ -87,6 +92,8 @@ TQ_API int32_t TQ_CALL tqRemoveBorderLight(TqImage** image, int32_t left, int32_
                                            double* leftMean, double* topMean, double* rightMean,
                                            double* bottomMean, double* mean, double* maximum, int32_t* column,
                                            int32_t* row, int32_t mode, double strength);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

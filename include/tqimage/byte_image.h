@@ -10,6 +10,11 @@
 extern "C" {
 #endif
 
+/** @defgroup byte_image Images of bytes
+ *  @ingroup interchange
+ *  @copydoc byte_image.h
+ *  @{ */
+
 /**
  * @brief Reduces the pels of an image to 0..255 with random dithering, which keeps grades from showing steps.
  *
@@ -28,6 +33,8 @@ extern "C" {
  * @note Calls have generators of their own: they do not disturb each other or the host's.
  */
 TQ_API int32_t TQ_CALL tqConvert16to8(TqImage** image, double factor);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -12,6 +12,11 @@
 extern "C" {
 #endif
 
+/** @defgroup centroid Centroids
+ *  @ingroup analysis
+ *  @copydoc centroid.h
+ *  @{ */
+
 /** @brief Centroid of an image from the averages of the block around every pel.
  *  @param[in] image image to measure
  *  @param[out] column column of the centroid, pels; may be null
@@ -22,9 +27,9 @@ extern "C" {
  *  @return 0; -2 image null or invalid, or no memory
  *  @par Memory
  *  A few working rows; the cost a pel does not grow with the block.
- *  @note When no position counts both outputs are not-a-number. Averages are those of tqGetPelBlockAvg. Single
- *        pels are summed as integers; averages in double, row by row, each row in eight running sums (column
- *        modulo 8), which gives the same bits on every build.
+ *  @note When no position counts both outputs are not-a-number. Averages are those of tqGetPelBlockAvg.
+ *        Single pels are summed as integers; averages in double, row by row, each row in eight running sums
+ *        (column modulo 8), which gives the same bits on every build.
  */
 TQ_API int32_t TQ_CALL tqFindCentroid(const TqImage* image, double* column, double* row, double threshold,
                                       int32_t blockWidth, int32_t blockHeight);
@@ -54,8 +59,8 @@ TQ_API int32_t TQ_CALL tqFindGeometricCenter(const TqImage* image, double* colum
  *  @param[in] top first row, pels (below 0: 0)
  *  @param[in] right last column, pels (limited to the image; 0 is column 0)
  *  @param[in] bottom last row, pels (limited to the image; 0 is row 0)
- *  @return 0; -2 image null or invalid, rectangle empty; -99 no pel above the threshold, or all of them 0. The
- *          outputs are only written when the result is 0.
+ *  @return 0; -2 image null or invalid, rectangle empty; -99 no pel above the threshold, or all of them 0.
+ *          The outputs are only written when the result is 0.
  */
 TQ_API int32_t TQ_CALL tqFindCentroidInRegion(const TqImage* image, double* column, double* row,
                                               int32_t threshold, int32_t left, int32_t top, int32_t right,
@@ -92,6 +97,8 @@ TQ_API int32_t TQ_CALL tqFindGeometricCenterInRegion(const TqImage* image, doubl
 TQ_API int32_t TQ_CALL tqFindCentroidInEllipse(const TqImage* image, double* column, double* row,
                                                int32_t threshold, int32_t centerCol, int32_t centerRow,
                                                int32_t width, int32_t height);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

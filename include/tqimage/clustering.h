@@ -10,6 +10,11 @@
 extern "C" {
 #endif
 
+/** @defgroup clustering Clusters
+ *  @ingroup process
+ *  @copydoc clustering.h
+ *  @{ */
+
 /** @brief Numbers the pels that are not 0 by the first cluster whose seed is near.
  *  @param[in,out] out address of the pointer that receives the new image
  *  @param[in] image source; only read
@@ -27,6 +32,8 @@ extern "C" {
  */
 TQ_API int32_t TQ_CALL tqClusterImage(TqImage** out, const TqImage* image, int32_t distanceLimit,
                                       int32_t* clusterCount);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

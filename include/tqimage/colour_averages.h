@@ -3,9 +3,9 @@
  *
  *  Channels are three images of one size whose pels at (column, row) show the same point: three filter images
  *  (red, green, blue) or X, Y and Z. A matrix is nine coefficients in row order; its rows give X, Y and Z
- * from the three channels, its second row is the luminance. The library holds no matrix: the calibration of
- * an instrument lives with the host. Images are only read, sums of pels are exact, and no extra memory is
- * needed unless a function says so.
+ *  from the three channels, its second row is the luminance. The library holds no matrix: the calibration of
+ *  an instrument lives with the host. Images are only read, sums of pels are exact, and no extra memory is
+ *  needed unless a function says so.
  */
 #ifndef TQIMAGE_COLOUR_AVERAGES_H
 #define TQIMAGE_COLOUR_AVERAGES_H
@@ -17,10 +17,15 @@
 extern "C" {
 #endif
 
+/** @defgroup colour_averages Mean colours and histograms
+ *  @ingroup colour
+ *  @copydoc colour_averages.h
+ *  @{ */
+
 /** @brief X, Y and Z of the mean colour of the pels above a threshold.
  *
  *  A pel counts when its test value is greater than threshold + 1. The result is the matrix times the means
- * of the three channels over the counted pels.
+ *  of the three channels over the counted pels.
  *  @param[in] first first channel
  *  @param[in] second second channel
  *  @param[in] third third channel
@@ -52,7 +57,7 @@ TQ_API int32_t TQ_CALL tqCalcAverageColorValues(const TqImage* first, const TqIm
 /** @brief X, Y and Z of the mean colour of the pels of a rectangle above a threshold.
  *
  *  As tqCalcAverageColorValues, but a pel counts when its test value is greater than threshold, and the
- * column `right` is not part of the rectangle while the row `bottom` is.
+ *  column `right` is not part of the rectangle while the row `bottom` is.
  *  @param[in] first first channel
  *  @param[in] second second channel
  *  @param[in] third third channel
@@ -88,12 +93,12 @@ TQ_API int32_t TQ_CALL tqCalcAverageColorValuesInRegion(const TqImage* first, co
 /** @brief Histograms of three figures of the colours in a rectangle.
  *
  *  Space 0: the three channels; 1: X, Y, Z; 2: x, y, Y; 3: u', v', Y, X, Y and Z being the matrix times the
- * pels. x, y, u' and v' are 0 where their denominator is. A pel counts when the second channel is greater
- * than the threshold. A figure v belongs to the bin (int)((v - low) * bins / (high - low)); below low, and
- * from high on, to none.
- *  @param[in,out] out address of the host's array pointer, which holds an array or null; receives a two-dimensional
- *                 array of 32-bit integers (VT_I4), lower bounds 0, indexed {bin, figure}: bins x 3 numbers
- * of pels
+ *  pels. x, y, u' and v' are 0 where their denominator is. A pel counts when the second channel is greater
+ *  than the threshold. A figure v belongs to the bin (int)((v - low) * bins / (high - low)); below low, and
+ *  from high on, to none.
+ *  @param[in,out] out address of the host's array pointer, which holds an array or null; receives a
+ *                 two-dimensional array of 32-bit integers (VT_I4), lower bounds 0, indexed {bin, figure}:
+ *                 bins x 3 numbers of pels
  *  @param[in] first first channel
  *  @param[in] second second channel
  *  @param[in] third third channel
@@ -114,16 +119,17 @@ TQ_API int32_t TQ_CALL tqCalcAverageColorValuesInRegion(const TqImage* first, co
  *  @param[in] m6 row 3 (Z), first channel
  *  @param[in] m7 row 3, second channel
  *  @param[in] m8 row 3, third channel
- *  @return 0; -2 a channel or out is null; -3 first, -4 second, -5 third channel invalid; -6 sizes differ; -7 space,
- *          bins or limits outside their range, or limits null; -8 the old array could not be destroyed, as
- * when it is locked; -9 the array could not be created; -10 it could not be locked; -11 it could not be
- * unlocked
+ *  @return 0; -2 a channel or out is null; -3 first, -4 second, -5 third channel invalid; -6 sizes differ; -7
+ *          space, bins or limits outside their range, or limits null; -8 the old array could not be
+ *          destroyed, as when it is locked; -9 the array could not be created; -10 it could not be locked;
+ *          -11 it could not be unlocked
  *  @par Ownership
  *  The old array is destroyed. The new one belongs to the host, which releases it with SafeArrayDestroy;
- * after -10 and -11, too.
+ *  after -10 and -11, too.
  *  @par Memory
  *  The array, and as much again while it works: 768 KiB each at most.
- *  @note Up to -8 the pointer is as before. After -9 it is null, or as before when the counters could not be had.
+ *  @note Up to -8 the pointer is as before. After -9 it is null, or as before when the counters could not be
+ *  had.
  */
 TQ_API int32_t TQ_CALL tqGetColorHistograms(SAFEARRAY** out, const TqImage* first, const TqImage* second,
                                             const TqImage* third, int32_t space, int32_t threshold,
@@ -134,14 +140,14 @@ TQ_API int32_t TQ_CALL tqGetColorHistograms(SAFEARRAY** out, const TqImage* firs
 /** @brief Mean colours of a list of regions.
  *
  *  Each record of the list is a block of tqGetPelBlockAvg or an ellipse of tqGetPelBlockAvgEllipse. The
- * figures are the matrix times the means of the channels, and the chromaticities of that; x, y, u' and v' are
- * 0 where their denominator is.
- *  @param[in,out] results address of the host's array pointer, which holds an array or null; receives a two-dimensional
- *                 array of doubles (VT_R8), lower bounds 0, indexed {record, figure}: X, Y, Z, x, y, u', v'
- * of each record
- *  @param[in] regions address of the list: a two-dimensional array of 32-bit integers, indexed {record, field}; the
- *             fields are shape (0 block, other values ellipse), column and row of the centre, width, height,
- * pels
+ *  figures are the matrix times the means of the channels, and the chromaticities of that; x, y, u' and v'
+ *  are 0 where their denominator is.
+ *  @param[in,out] results address of the host's array pointer, which holds an array or null; receives a
+ *                 two-dimensional array of doubles (VT_R8), lower bounds 0, indexed {record, figure}: X, Y,
+ *                 Z, x, y, u', v' of each record
+ *  @param[in] regions address of the list: a two-dimensional array of 32-bit integers, indexed {record,
+ *             field}; the fields are shape (0 block, other values ellipse), column and row of the centre,
+ *             width, height, pels
  *  @param[in] first first channel
  *  @param[in] second second channel
  *  @param[in] third third channel
@@ -155,14 +161,14 @@ TQ_API int32_t TQ_CALL tqGetColorHistograms(SAFEARRAY** out, const TqImage* firs
  *  @param[in] m6 row 3 (Z), first channel
  *  @param[in] m7 row 3, second channel
  *  @param[in] m8 row 3, third channel
- *  @return 0; of the list: 1 not two dimensions, or null; 2 not 32-bit integers; 3 not five fields; 5 it could not be
- *          locked; then -2 a channel or results is null; -3 first, -4 second, -5 third channel invalid; -6
- * sizes differ; 4 an element could not be read, as when a lower bound is above 0; 6 the list could not be
- *          unlocked; -7 the old array could not be destroyed, as when it is locked; -8 no memory, or the
- * array could not be created or locked
+ *  @return 0; of the list: 1 not two dimensions, or null; 2 not 32-bit integers; 3 not five fields; 5 it
+ *          could not be locked; then -2 a channel or results is null; -3 first, -4 second, -5 third channel
+ *          invalid; -6 sizes differ; 4 an element could not be read, as when a lower bound is above 0; 6 the
+ *          list could not be unlocked; -7 the old array could not be destroyed, as when it is locked; -8 no
+ *          memory, or the array could not be created or locked
  *  @par Ownership
  *  The old array is destroyed. The new one belongs to the host, which releases it with SafeArrayDestroy. The
- * list is unlocked in any case.
+ *  list is unlocked in any case.
  *  @par Memory
  *  The array, and 76 bytes a region while it works.
  */
@@ -170,6 +176,8 @@ TQ_API int32_t TQ_CALL tqGetColorArraysDefined(SAFEARRAY** results, SAFEARRAY** 
                                                const TqImage* second, const TqImage* third, int32_t useLux,
                                                float m0, float m1, float m2, float m3, float m4, float m5,
                                                float m6, float m7, float m8);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -1,5 +1,6 @@
 /** @file colour_bitmap.h
- *  Three images as one colour bitmap, and a colour bitmap as three images.
+ *  Three images as one colour bitmap, and a colour bitmap as three images. A matrix is nine coefficients in
+ * row order, as in colour_averages.h.
  */
 #ifndef TQIMAGE_COLOUR_BITMAP_H
 #define TQIMAGE_COLOUR_BITMAP_H
@@ -9,6 +10,11 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
+
+/** @defgroup colour_bitmap Colour bitmaps
+ *  @ingroup interchange
+ *  @copydoc colour_bitmap.h
+ *  @{ */
 
 /**
  * @brief Combines up to three images into one bitmap of 24 bits a pixel.
@@ -85,11 +91,11 @@ TQ_API int32_t TQ_CALL tqCombineImagesRGBtoDIB(void** dib, const TqImage* red, c
  * @param[in] fileName Name of the file.
  * @param[in] info     Header of the new images; sizes and each image's MaxPelValue (its largest pel, at least
  *                     1) are the file's. Null for the header that tqLeadBmpToImage makes.
- * @param[out] first   Receives the X image; the block it held is freed.
- * @param[out] second  Receives the Y image; the block it held is freed.
- * @param[out] third   Receives the Z image; the block it held is freed.
- * @return 0; -100 the file cannot be read or is malformed; -4 no memory for the images, or an address is
- * null. The host's images are untouched when the function fails.
+ * @param[in,out] first   Receives the X image; the block it held is freed.
+ * @param[in,out] second  Receives the Y image; the block it held is freed.
+ * @param[in,out] third   Receives the Z image; the block it held is freed.
+ * @return 0; -100 the file cannot be read or is malformed, or no memory for its bitmap; -4 no memory for the
+ * images, or an address is null. The host's images are untouched when the function fails.
  * @par Ownership
  * The host owns the images and releases them with tqImageFree.
  * @par Memory
@@ -100,6 +106,92 @@ TQ_API int32_t TQ_CALL tqCombineImagesRGBtoDIB(void** dib, const TqImage* red, c
  */
 TQ_API int32_t TQ_CALL tq24bitColorBitmapToImage(const char* fileName, const TqImageHeader* info,
                                                  TqImage** first, TqImage** second, TqImage** third);
+
+/**
+ * @brief Shows tristimulus images in the colours of a display.
+ *
+ * X, Y and Z of a point are the pels times LuxPerGrey of their images, 0 where an image is absent. The
+ * matrix times them, divided by the white level, is the light of red, green and blue, 0..1 being what the
+ * display can show. Light is limited to that range, what is not a number to 0; then the byte is 255 (1.055
+ * v^(0.4166 gamma) - 0.055), or 255 x 12.92 v for v up to 0.0031308, truncated: the tone curve of
+ * tqImageToLeadBmp.
+ *
+ * @param[in] x      Image of X; null when there is none.
+ * @param[in] y      Image of Y; null when there is none.
+ * @param[in] z      Image of Z; null when there is none.
+ * @param[out] bitmap Receives the bitmap of 24 bits a pixel, stored blue first from the top row on; what it
+ *                   held is overwritten, not freed. Untouched when the function fails.
+ * @param[in] m0     Matrix from X, Y, Z to the display, row 1 (red), coefficient of X.
+ * @param[in] m1     Row 1, coefficient of Y.
+ * @param[in] m2     Row 1, coefficient of Z.
+ * @param[in] m3     Row 2 (green), coefficient of X.
+ * @param[in] m4     Row 2, coefficient of Y.
+ * @param[in] m5     Row 2, coefficient of Z.
+ * @param[in] m6     Row 3 (blue), coefficient of X.
+ * @param[in] m7     Row 3, coefficient of Y.
+ * @param[in] m8     Row 3, coefficient of Z.
+ * @param[in] white  Y that is shown as white, in the unit of pel x LuxPerGrey. 0, below or not a number: the
+ *                   largest Y, or without a Y image the largest value of the others.
+ * @param[in] gamma  Factor of the curve's exponent; 1 for a screen, 0 means 1, negative for a linear curve.
+ * @param[in] gamut  What becomes of a colour that the display cannot show. 0: each channel is limited by
+ *                   itself. Any other value: the colour is mixed with the grey of its own Y / white, with as
+ *                   much of it as brings the three channels into 0..1, so that its luminance and its hue
+ * stay.
+ * @return 0; -1 there is no image; -2 one is invalid; -3 the sizes differ; -4 no memory, or bitmap is null.
+ * @par Ownership
+ * The host owns the bitmap and releases it with tqFreeLeadBmp.
+ * @par Memory
+ * The bitmap: 183 MiB for 8000 x 8000 pels.
+ * @par Source
+ * IEC 61966-2-1 (sRGB), whose curve it is with 0.4166 for 1/2.4; its matrix from X, Y and Z is 3.2406,
+ * -1.5372, -0.4986, -0.9689, 1.8758, 0.0415, 0.0557, -0.2040, 1.0570.
+ * @note White has byte 254 with a gamma of 0 or above, as everywhere in the library. Images without any
+ * light, white being left to them, are black.
+ */
+TQ_API int32_t TQ_CALL tqTransformXYZtoRGB(const TqImage* x, const TqImage* y, const TqImage* z,
+                                           TqLeadBitmap* bitmap, float m0, float m1, float m2, float m3,
+                                           float m4, float m5, float m6, float m7, float m8, float white,
+                                           double gamma, int32_t gamut);
+
+/**
+ * @brief The same, with the grey levels of each image equalised first if the host wants.
+ *
+ * Equalised levels are those of tqHistoEqualize for the levels that it finds by itself, from MaxPelValue;
+ * they count as pels in what follows. Dark structures come out, and the colours no longer are those of the
+ * scene.
+ *
+ * @param[in] x      Image of X; null when there is none. Its header stays as it is.
+ * @param[in] y      Image of Y; null when there is none.
+ * @param[in] z      Image of Z; null when there is none.
+ * @param[out] bitmap Receives the bitmap of 24 bits a pixel, stored blue first from the top row on; what it
+ *                   held is overwritten, not freed. Untouched when the function fails.
+ * @param[in] m0     Matrix from X, Y, Z to the display, row 1 (red), coefficient of X.
+ * @param[in] m1     Row 1, coefficient of Y.
+ * @param[in] m2     Row 1, coefficient of Z.
+ * @param[in] m3     Row 2 (green), coefficient of X.
+ * @param[in] m4     Row 2, coefficient of Y.
+ * @param[in] m5     Row 2, coefficient of Z.
+ * @param[in] m6     Row 3 (blue), coefficient of X.
+ * @param[in] m7     Row 3, coefficient of Y.
+ * @param[in] m8     Row 3, coefficient of Z.
+ * @param[in] white  Y that is shown as white, in the unit of pel x LuxPerGrey; 0, below or not a number as
+ * above.
+ * @param[in] gamma  Factor of the curve's exponent; 1 for a screen, 0 means 1, negative for a linear curve.
+ * @param[in] gamut  0 limits each channel by itself, any other value mixes with grey, as above.
+ * @param[in] equalise 0 for tqTransformXYZtoRGB; any other value to equalise.
+ * @return 0; when equalising, -11 X, -21 Y, -31 Z is invalid, has no pel but 0, or there is no memory for it;
+ *         -1 there is no image; -2 one is invalid; -3 the sizes differ; -4 no memory, or bitmap is null.
+ * @par Ownership
+ * The host owns the bitmap and releases it with tqFreeLeadBmp.
+ * @par Memory
+ * The bitmap and, when equalising, a copy of each image: 550 MiB for three of 8000 x 8000 pels.
+ */
+TQ_API int32_t TQ_CALL tqTransformXYZtoRGB2(const TqImage* x, const TqImage* y, const TqImage* z,
+                                            TqLeadBitmap* bitmap, float m0, float m1, float m2, float m3,
+                                            float m4, float m5, float m6, float m7, float m8, float white,
+                                            double gamma, int32_t gamut, int32_t equalise);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

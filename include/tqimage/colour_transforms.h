@@ -14,15 +14,20 @@
 extern "C" {
 #endif
 
+/** @defgroup colour_transforms Colour transforms
+ *  @ingroup colour
+ *  @copydoc colour_transforms.h
+ *  @{ */
+
 /** @brief X, Y and Z images of three filter images, with the scales of their pels returned to the host.
  *
  *  Values are the matrix times the pels, times LuxPerGrey of the green image. The largest value of each image
  *  becomes grey level 64000; pels are rounded half up, negative values are 0.
- *  @param[out] outX address of the host's image pointer; receives the first image. Untouched after a failure
- *  @param[out] outY the same for the second image
- *  @param[out] outZ the same for the third image
- *  @param[out] scaleX X of one grey level: largest X / 64000; 0 before any check, so after every failure; may be
- *              null
+ *  @param[in,out] outX address of the host's image pointer; receives the first image. Untouched after a failure
+ *  @param[in,out] outY the same for the second image
+ *  @param[in,out] outZ the same for the third image
+ *  @param[out] scaleX X of one grey level: largest X / 64000; 0 before any check, so after every failure; may
+ *              be null
  *  @param[out] scaleY Y of one grey level, likewise
  *  @param[out] scaleZ Z of one grey level, likewise
  *  @param[in] red first channel
@@ -37,7 +42,8 @@ extern "C" {
  *  @param[in] m6 row 3 (Z), first channel
  *  @param[in] m7 row 3, second channel
  *  @param[in] m8 row 3, third channel
- *  @return 0; -2 a channel or an output address is null; -3 a channel is invalid; -5 sizes differ; -4 no memory
+ *  @return 0; -2 a channel or an output address is null; -3 a channel is invalid; -5 sizes differ; -4 no
+ *          memory
  *  @par Ownership
  *  The blocks that the pointers held are freed; the host frees the new ones with tqImageFree.
  *  @par Memory
@@ -54,11 +60,11 @@ TQ_API int32_t TQ_CALL tqTransformRGBToXYZ(TqImage** outX, TqImage** outY, TqIma
 /** @brief X, Y and Z images of three filter images, with the scales of their pels in LuxPerGrey.
  *
  *  Values are the matrix times the pels, each pel multiplied by LuxPerGrey of its own image first. The
- * largest value of each image becomes grey level 65000 and pel * LuxPerGrey is the value; pels are rounded
- * half up, negative values are 0.
- *  @param[out] outX address of the host's image pointer; receives the first image. Untouched after a failure
- *  @param[out] outY the same for the second image
- *  @param[out] outZ the same for the third image
+ *  largest value of each image becomes grey level 65000 and pel * LuxPerGrey is the value; pels are rounded
+ *  half up, negative values are 0.
+ *  @param[in,out] outX address of the host's image pointer; receives the first image. Untouched after a failure
+ *  @param[in,out] outY the same for the second image
+ *  @param[in,out] outZ the same for the third image
  *  @param[in] red first channel
  *  @param[in] green second channel
  *  @param[in] blue third channel
@@ -71,13 +77,14 @@ TQ_API int32_t TQ_CALL tqTransformRGBToXYZ(TqImage** outX, TqImage** outY, TqIma
  *  @param[in] m6 row 3 (Z), first channel
  *  @param[in] m7 row 3, second channel
  *  @param[in] m8 row 3, third channel
- *  @return 0; -2 a channel or an output address is null; -3 a channel is invalid; -5 sizes differ; -4 no memory
+ *  @return 0; -2 a channel or an output address is null; -3 a channel is invalid; -5 sizes differ; -4 no
+ *          memory
  *  @par Ownership
  *  The blocks that the pointers held are freed; the host frees the new ones with tqImageFree.
  *  @par Memory
  *  The three results.
- *  @note The full scale differs from that of tqTransformRGBToXYZ; hosts rely on both. An image whose values are
- *        all 0 or negative is dark, with LuxPerGrey 0. Header fields but for LuxPerGrey are those of the
+ *  @note The full scale differs from that of tqTransformRGBToXYZ; hosts rely on both. An image whose values
+ *        are all 0 or negative is dark, with LuxPerGrey 0. Header fields but for LuxPerGrey are those of the
  *        channel in the same position.
  */
 TQ_API int32_t TQ_CALL tqTransformRGBToXYZ2(TqImage** outX, TqImage** outY, TqImage** outZ,
@@ -90,11 +97,11 @@ TQ_API int32_t TQ_CALL tqTransformRGBToXYZ2(TqImage** outX, TqImage** outY, TqIm
  *  Values are the matrix times the scaled pels, divided by LuxPerGrey of the Y image (by 1 when that is 0).
  *  Negative values are 0. When the largest value of all three images is below 65536, pels are the rounded
  *  values and LuxPerGrey stays as copied. Otherwise f = largest / 65000: pels are value / f and each
- * LuxPerGrey is multiplied by f. One factor for the three keeps their ratios. Pels are rounded half up, at
- * most 65535.
- *  @param[out] outRed address of the host's image pointer; receives the first image. Untouched after a failure
- *  @param[out] outGreen the same for the second image
- *  @param[out] outBlue the same for the third image
+ *  LuxPerGrey is multiplied by f. One factor for the three keeps their ratios. Pels are rounded half up, at
+ *  most 65535.
+ *  @param[in,out] outRed address of the host's image pointer; receives the first image. Untouched after a failure
+ *  @param[in,out] outGreen the same for the second image
+ *  @param[in,out] outBlue the same for the third image
  *  @param[in] x first channel
  *  @param[in] y second channel
  *  @param[in] z third channel
@@ -110,7 +117,8 @@ TQ_API int32_t TQ_CALL tqTransformRGBToXYZ2(TqImage** outX, TqImage** outY, TqIm
  *  @param[in] m6 row 3 (blue), coefficient of X
  *  @param[in] m7 row 3, coefficient of Y
  *  @param[in] m8 row 3, coefficient of Z
- *  @return 0; -2 a channel or an output address is null; -3 a channel is invalid; -5 sizes differ; -4 no memory
+ *  @return 0; -2 a channel or an output address is null; -3 a channel is invalid; -5 sizes differ; -4 no
+ *          memory
  *  @par Ownership
  *  The blocks that the pointers held are freed; the host frees the new ones with tqImageFree.
  *  @par Memory
@@ -124,12 +132,12 @@ TQ_API int32_t TQ_CALL tqTransformXYZToRGB3(TqImage** outRed, TqImage** outGreen
 
 /** @brief An image of a chromaticity or of a quotient of tristimulus values.
  *
- *  X, Y and Z are the matrix times the channels. quantity 0: x = X / (X + Y + Z); 1: y = Y / (X + Y + Z);
- *  2: u' = 4 X / (X + 15 Y + 3 Z); 3: v' = 9 Y / (X + 15 Y + 3 Z); 4: 100 X / Y; 5: 100 Z / Y. Quantities 0
- * to 3 are 0 where their denominator is. A pel is (quantity - low) * gain, truncated and clamped, with gain =
- * fullScale / (high - low) in single precision; what is not finite is 0.
- *  @param[out] out address of the host's image pointer; receives the image, with the header of the second channel
- *              but for LuxPerGrey. Untouched after a failure; may hold a channel
+ *  X, Y and Z are the matrix times the channels. quantity 0: x = X / (X + Y + Z); 1: y = Y / (X + Y + Z); 2:
+ *  u' = 4 X / (X + 15 Y + 3 Z); 3: v' = 9 Y / (X + 15 Y + 3 Z); 4: 100 X / Y; 5: 100 Z / Y. Quantities 0 to 3
+ *  are 0 where their denominator is. A pel is (quantity - low) * gain, truncated and clamped, with gain =
+ *  fullScale / (high - low) in single precision; what is not finite is 0.
+ *  @param[in,out] out address of the host's image pointer; receives the image, with the header of the second
+ *              channel but for LuxPerGrey. Untouched after a failure; may hold a channel
  *  @param[in] first first channel
  *  @param[in] second second channel
  *  @param[in] third third channel
@@ -148,8 +156,8 @@ TQ_API int32_t TQ_CALL tqTransformXYZToRGB3(TqImage** outRed, TqImage** outGreen
  *  @param[in] m6 row 3 (Z), first channel
  *  @param[in] m7 row 3, second channel
  *  @param[in] m8 row 3, third channel
- *  @return 0; -2 a channel or out is null; -3 first, -4 second, -5 third channel invalid; -7 sizes differ; -6 no
- *          memory
+ *  @return 0; -2 a channel or out is null; -3 first, -4 second, -5 third channel invalid; -7 sizes differ; -6
+ *          no memory
  *  @par Ownership
  *  A block that out held is freed; the host frees the new one with tqImageFree.
  *  @par Memory
@@ -182,17 +190,19 @@ TQ_API int32_t TQ_CALL tqTransformToColorSpace(TqImage** out, const TqImage* fir
  *  @param[in] m6 third channel, coefficient of X
  *  @param[in] m7 third channel, coefficient of Y
  *  @param[in] m8 third channel, coefficient of Z
- *  @return 0; -2 all three null; -3 first, -4 second, -5 third channel invalid; -6 sizes differ. After a failure
- *          nothing has changed
+ *  @return 0; -2 all three null; -3 first, -4 second, -5 third channel invalid; -6 sizes differ. After a
+ *          failure nothing has changed
  *  @par Memory
  *  None.
- *  @note A grey level is value / LuxPerGrey of its channel, rounded half up and clamped; 0 with a LuxPerGrey of 0.
- *        Header fields that follow from the pels are not refreshed.
+ *  @note A grey level is value / LuxPerGrey of its channel, rounded half up and clamped; 0 with a LuxPerGrey
+ *        of 0. Header fields that follow from the pels are not refreshed.
  */
 TQ_API int32_t TQ_CALL tqSetColorGraysInRegion(TqImage* first, TqImage* second, TqImage* third, int32_t left,
                                                int32_t top, int32_t right, int32_t bottom, float x, float y,
                                                float z, float m0, float m1, float m2, float m3, float m4,
                                                float m5, float m6, float m7, float m8);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

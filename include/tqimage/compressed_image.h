@@ -11,6 +11,11 @@
 extern "C" {
 #endif
 
+/** @defgroup compressed_image Compressed images
+ *  @ingroup interchange
+ *  @copydoc compressed_image.h
+ *  @{ */
+
 /**
  * @brief Writes an image as a grey JPEG file to a buffer of the host.
  *
@@ -48,8 +53,8 @@ TQ_API int32_t TQ_CALL tqCompressImage(TqImage* image, uint8_t* destination, uin
  * @param[in] length its size, bytes
  * @param[in] info   header of the image. All of it is taken over but the sizes, which are the file's
  * @param[in,out] image address of the host's block pointer; receives the image, its pels 0..255
- * @return 0; -1 a pointer is null, length is 0, or the file is anything but a complete and undamaged grey
- *         JPEG with sides of 1..8000 pels; -2 no memory for the image
+ * @return 0; -1 a pointer is null, length is 0, the file is anything but a complete and undamaged grey JPEG
+ *         with sides of 1..8000 pels, or no memory to read it; -2 no memory for the image
  * @par Ownership
  * The block that *image held is freed, after a success only. The image belongs to the host.
  * @par Memory
@@ -61,6 +66,8 @@ TQ_API int32_t TQ_CALL tqCompressImage(TqImage* image, uint8_t* destination, uin
  */
 TQ_API int32_t TQ_CALL tqDecompressImage(const uint8_t* source, uint32_t length, const TqImageHeader* info,
                                          TqImage** image);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -7,8 +7,8 @@
  *  and never part of a reference.
  *
  *  The neighbourhood is a square of size / 2 pels (integer division) to each side of the pel, which belongs
- * to it. Unlike the sizes of the filters an even one is not reduced: 4 means 5 x 5. A size below 2 means 1,
- * and it is limited to the image. Pels closer than size / 2 to the border are never defects.
+ *  to it. Unlike the sizes of the filters an even one is not reduced: 4 means 5 x 5. A size below 2 means 1,
+ *  and it is limited to the image. Pels closer than size / 2 to the border are never defects.
  *
  *  With reference 0 a pel is compared with the mean of the neighbourhood in single precision, with any other
  *  with its median, the upper middle one of an even number of pels. It is bright above
@@ -24,6 +24,11 @@
 extern "C" {
 #endif
 
+/** @defgroup defect_detection Detection of defects
+ *  @ingroup process
+ *  @copydoc defect_detection.h
+ *  @{ */
+
 /**
  * @brief Finds the defects among the pels whose whole neighbourhood has data.
  *
@@ -38,6 +43,10 @@ extern "C" {
  * @param[out] bright   Number of bright defects, 0 after a failure; may be null.
  * @param[out] dark     Number of dark defects, 0 after a failure; may be null.
  * @return 0; -2 source is null or invalid, or out is null; -3 no memory, the image in out is kept.
+ * @par Ownership
+ * The block that out held is freed and replaced; the host frees the new one with tqImageFree.
+ * @par Memory
+ * The result and a few working rows; for medians 256 KiB more.
  */
 TQ_API int32_t TQ_CALL tqFindPixelDefects(TqImage** out, const TqImage* source, int32_t kind,
                                           int32_t reference, int32_t size, double percent, int32_t* bright,
@@ -57,6 +66,10 @@ TQ_API int32_t TQ_CALL tqFindPixelDefects(TqImage** out, const TqImage* source, 
  * @param[out] bright   Number of bright defects, 0 after a failure; may be null.
  * @param[out] dark     Number of dark defects, 0 after a failure; may be null.
  * @return 0; -2 source is null or invalid, or out is null; -3 no memory, the image in out is kept.
+ * @par Ownership
+ * The block that out held is freed and replaced; the host frees the new one with tqImageFree.
+ * @par Memory
+ * The result and a few working rows; for medians 256 KiB more.
  */
 TQ_API int32_t TQ_CALL tqFindPixelDefects1(TqImage** out, const TqImage* source, int32_t kind,
                                            int32_t reference, int32_t size, double percent, int32_t* bright,
@@ -78,6 +91,10 @@ TQ_API int32_t TQ_CALL tqFindPixelDefects1(TqImage** out, const TqImage* source,
  * @param[out] bright   Number of bright defects, 0 after a failure; may be null.
  * @param[out] dark     Number of dark defects, 0 after a failure; may be null.
  * @return 0; -2 source is null or invalid, or out is null; -3 no memory, the image in out is kept.
+ * @par Ownership
+ * The block that out held is freed and replaced; the host frees the new one with tqImageFree.
+ * @par Memory
+ * The result and a few working rows; for medians 256 KiB more.
  * @note A radius below size / 2 does not bring defects closer to the border.
  */
 TQ_API int32_t TQ_CALL tqFindPixelDefects2(TqImage** out, const TqImage* source, int32_t kind,
@@ -101,13 +118,17 @@ TQ_API int32_t TQ_CALL tqFindPixelDefects2(TqImage** out, const TqImage* source,
  * @param[out] bright      Number of bright defects, 0 after a failure; may be null.
  * @param[out] dark        Number of dark defects, 0 after a failure; may be null.
  * @return 0; -2 source is null or invalid, or out is null; -3 no memory, the image in out is kept.
+ * @par Ownership
+ * The block that out held is freed and replaced; the host frees the new one with tqImageFree.
  * @par Memory
- * A second image of the source's size while it works.
+ * The result, while it works a second image of the source's size, and for medians 256 KiB.
  * @note The mean comes from the header as it is; it is not computed anew.
  */
 TQ_API int32_t TQ_CALL tqFindPixelDefects3(TqImage** out, const TqImage* source, int32_t kind,
                                            int32_t reference, int32_t size, double percent,
                                            double floorPercent, int32_t* bright, int32_t* dark);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -15,6 +15,11 @@
 extern "C" {
 #endif
 
+/** @defgroup defects Repair of defects
+ *  @ingroup process
+ *  @copydoc defects.h
+ *  @{ */
+
 /**
  * @brief Replaces one pel by the mean of the pels around it.
  *
@@ -110,8 +115,8 @@ TQ_API int32_t TQ_CALL tqReplaceBlock(TqImage* image, int32_t column, int32_t ro
  * @param[in] list         Address of the host's pointer to the defect list.
  * @return 0; in the order of the checks: 1 list is null or has not two dimensions; 2 its elements are not
  *         32-bit integers; 3 a record has not five fields; 5 it cannot be locked; -1 image is null or
- * invalid; then 4 an element cannot be read; -11 a pel cannot be repaired, -21 a column, -31 a column
- * segment, -41 a row, -51 a row segment; 6 the list cannot be unlocked.
+ *         invalid; then 4 an element cannot be read; -11 a pel cannot be repaired, -21 a column, -31 a column
+ *         segment, -41 a row, -51 a row segment; 6 the list cannot be unlocked.
  * @note -11, -21, -31, -41 and -51 end the work at once: earlier repairs stay in the image, and the list
  * stays locked; the host unlocks it. On every other path it is unlocked.
  */
@@ -174,6 +179,8 @@ TQ_API int32_t TQ_CALL tqReplaceHotPixels(TqImage* image, int32_t threshold, flo
  */
 TQ_API int32_t TQ_CALL tqEditSpikes(TqImage* image, int32_t threshold, int32_t value, int32_t width,
                                     int32_t height);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

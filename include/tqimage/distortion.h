@@ -11,6 +11,11 @@
 extern "C" {
 #endif
 
+/** @defgroup distortion Distortion maps
+ *  @ingroup geometry
+ *  @copydoc distortion.h
+ *  @{ */
+
 /**
  * @brief Creates a distortion map with an entry a pel and its centre in the middle.
  *
@@ -64,6 +69,8 @@ TQ_API int32_t TQ_CALL tqPutDistortionPel(TqDistortionMap* map, const TqImageHea
  *       pels without a source.
  */
 TQ_API int32_t TQ_CALL tqCorrectLensDistortion(TqImage** image, const TqDistortionMap* map);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

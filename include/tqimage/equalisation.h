@@ -3,7 +3,7 @@
  *  surroundings of each pel.
  *
  *  A result has the levels 0..levels - 1, and pels of 0, those without data, stay 0. Pels are sorted into
- * bins: (int)(pel * (levels - 1) / largest pel + 0.5).
+ *  bins: (int)(pel * (levels - 1) / largest pel + 0.5).
  */
 #ifndef TQIMAGE_EQUALISATION_H
 #define TQIMAGE_EQUALISATION_H
@@ -14,6 +14,11 @@
 extern "C" {
 #endif
 
+/** @defgroup equalisation Histogram equalisation
+ *  @ingroup process
+ *  @copydoc equalisation.h
+ *  @{ */
+
 /**
  * @brief Maps each grey level to the share of the pels up to its bin.
  *
@@ -21,9 +26,9 @@ extern "C" {
  * up from the lowest bin in single precision. A pel becomes (int)((levels - 1) * share + 0.5), also in single
  * precision.
  *
- * @param[out] out       Address of the pointer that receives the result, with the source's header and
+ * @param[in,out] out       Address of the pointer that receives the result, with the source's header and
  *                       refreshed TotalPelValue, MaxPelValue and CenterPelValue; may be the source's own.
- * Null after -3 and -4, untouched after -2.
+ *                       Null after -3 and -4, untouched after -2.
  * @param[in,out] source Image to equalise; its MaxPelValue becomes its largest pel.
  * @param[in] levels     Grey levels of the result, at most 65536. Below 1: the source's MaxPelValue before
  * the call, truncated, + 1, at most 16384.
@@ -39,9 +44,9 @@ TQ_API int32_t TQ_CALL tqHistoEqualize(TqImage** out, TqImage* source, int32_t l
 
 /**
  * @brief The same for the pels of a rectangle; the pels outside stay.
- * @param[out] out   Address of the pointer that receives the result, with the source's header and refreshed
- *                   TotalPelValue, MaxPelValue and CenterPelValue; may be the source's own. Null after -3 and
- *                   -4, untouched after -2.
+ * @param[in,out] out   Address of the pointer that receives the result, with the source's header and
+ *                      refreshed TotalPelValue, MaxPelValue and CenterPelValue; may be the source's own. Null
+ *                      after -3 and -4, untouched after -2.
  * @param[in] source Image to equalise; unlike above it stays as it is.
  * @param[in] levels Grey levels of the rectangle in the result, at most 65536. Below 1: the source's
  *                   MaxPelValue, truncated, + 1, at most 16384.
@@ -67,9 +72,9 @@ TQ_API int32_t TQ_CALL tqHistoEqualizeInRegion(TqImage** out, const TqImage* sou
  * With n pels in the neighbourhood, k of them in the bin of the pel or below, the pel becomes
  * (levels - 1) * k / n, rounded: (2 * (levels - 1) * k + n) / (2 * n) in integers.
  *
- * @param[out] out       Address of the pointer that receives the result, with the source's header and
+ * @param[in,out] out       Address of the pointer that receives the result, with the source's header and
  *                       refreshed TotalPelValue, MaxPelValue and CenterPelValue; may be the source's own.
- * Null after -3 and -4, untouched after -2.
+ *                       Null after -3 and -4, untouched after -2.
  * @param[in,out] source Image to equalise; its MaxPelValue becomes its largest pel.
  * @param[in] levels     Grey levels of the result, at most 65536. Below 1: the source's MaxPelValue before
  * the call, truncated, + 1, at most 16384.
@@ -82,11 +87,16 @@ TQ_API int32_t TQ_CALL tqHistoEqualizeInRegion(TqImage** out, const TqImage* sou
  * As tqHistoEqualize.
  * @par Memory
  * The result, the histogram and a table of the grey levels.
+ * @par Source
+ * S. M. Pizer and others, Adaptive histogram equalization and its variations, Computer Vision, Graphics, and
+ * Image Processing 39 (1987).
  * @note At the border the neighbourhood slides inward and keeps its size. Pels of 0 in it count. The time
  *       grows with the height of the neighbourhood and hardly with its width.
  */
 TQ_API int32_t TQ_CALL tqLocalHistoEqualize(TqImage** out, TqImage* source, int32_t levels, int32_t width,
                                             int32_t height);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -4,9 +4,9 @@
  *  Co-ordinates outside an image mean the nearest pel of its border; pel access never fails on them.
  *
  *  SAFEARRAYs that hold images are indexed (column, row): a host declares (columns, rows) in that order, and
- * the column varies fastest in memory. Indices start at 0 whatever lower bound the host declared, so an array
- * whose lower bounds are not 0 is not read in full. Where an array carries its element type, it must be an
- * integer of the size named; the wrong type and a null array are refused like a wrong element size.
+ *  the column varies fastest in memory. Indices start at 0 whatever lower bound the host declared, so an
+ *  array whose lower bounds are not 0 is not read in full. Where an array carries its element type, it must
+ *  be an integer of the size named; the wrong type and a null array are refused like a wrong element size.
  *
  *  Plain arrays hold column after column: the value of column c and row r is element PelRows x c + r.
  */
@@ -19,6 +19,11 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
+
+/** @defgroup exchange Pels and exchange with hosts
+ *  @ingroup core
+ *  @copydoc exchange.h
+ *  @{ */
 
 /**
  * @brief Reads one pel by co-ordinates that start at 1.
@@ -84,6 +89,8 @@ TQ_API int32_t TQ_CALL tqReplacePelValue(TqImage* image, uint32_t oldValue, uint
  * @param[in] oldValue grey level to replace; above 65535 no pel has it
  * @param[in] newValue grey level to put there
  * @return 0; -2 when the image is invalid
+ * @par Ownership
+ * The block stays the one that it is.
  */
 TQ_API int32_t TQ_CALL tqSubstituteValue(TqImage** image, uint32_t oldValue, uint16_t newValue);
 
@@ -96,8 +103,10 @@ TQ_API int32_t TQ_CALL tqSubstituteValue(TqImage** image, uint32_t oldValue, uin
  * @param[in] compress 0 plain bytes, otherwise a zlib stream of the highest compression
  * @return 0; -1 when the image is invalid or a pointer is null; -2 when the compressed form does not fit or
  *         cannot be made
- * @par Memory Compressing: zlib's working memory, about 270 KB.
- * @par Source RFC 1950, RFC 1951.
+ * @par Memory
+ * Compressing: zlib's working memory, about 270 KB.
+ * @par Source
+ * RFC 1950, RFC 1951.
  */
 TQ_API int32_t TQ_CALL tqHandleToString(const TqImage* image, uint8_t* destination,
                                         uint32_t* destinationLength, uint32_t capacity, int32_t compress);
@@ -110,9 +119,12 @@ TQ_API int32_t TQ_CALL tqHandleToString(const TqImage* image, uint8_t* destinati
  * @param[in] compressed 0 plain bytes, otherwise a zlib stream of at most 6,500,000 bytes when restored
  * @return 0; -1 when a pointer is null or the block cannot be allocated; -4 when the stream is damaged or
  *         restores to more than 6,500,000 bytes
- * @par Ownership The block belongs to the host, which releases it with tqImageFree.
- * @par Memory The block; decompressing, 6,500,000 bytes more.
- * @par Source RFC 1950, RFC 1951.
+ * @par Ownership
+ * The block belongs to the host, which releases it with tqImageFree.
+ * @par Memory
+ * The block; decompressing, 6,500,000 bytes more.
+ * @par Source
+ * RFC 1950, RFC 1951.
  * @note A string that ends before the image that its header describes gives that image, the missing pels 0. A
  *       string that is no image gives a block with its bytes.
  */
@@ -128,10 +140,13 @@ TQ_API int32_t TQ_CALL tqStringToHandle(const uint8_t* source, uint32_t sourceLe
  * @param[in] compressed 0 plain bytes, otherwise a zlib stream
  * @return 0; -1 when a pointer is null or the block cannot be allocated; the zlib status when the stream
  * cannot be restored: -3 damaged, -4 no memory, -5 longer than expected
- * @par Ownership The block belongs to the host, which releases it with tqImageFree. After a zlib status
- *      *result holds the address of a block that is already freed: it must not be used or freed.
- * @par Memory The block.
- * @par Source RFC 1950, RFC 1951.
+ * @par Ownership
+ * The block belongs to the host, which releases it with tqImageFree. After a zlib status *result holds the
+ * address of a block that is already freed: it must not be used or freed.
+ * @par Memory
+ * The block.
+ * @par Source
+ * RFC 1950, RFC 1951.
  */
 TQ_API int32_t TQ_CALL tqStringToHandle2(const uint8_t* source, uint32_t sourceLength, void** result,
                                          uint32_t expectedLength, int32_t compressed);
@@ -144,9 +159,11 @@ TQ_API int32_t TQ_CALL tqStringToHandle2(const uint8_t* source, uint32_t sourceL
  * @return 0; -2 when a pointer is null, the elements are not 4-byte integers or the image cannot be
  * allocated: *image is untouched; -3 when the array has not two dimensions or cannot be locked; -4 when an
  * element cannot be read: the array stays locked; -5 when the array cannot be unlocked
- * @par Ownership The block that *image held is freed. The image belongs to the host, after a failure to lock,
- *      read or unlock too: it is then filled in part, the rest 0.
- * @par Memory The image.
+ * @par Ownership
+ * The block that *image held is freed. The image belongs to the host, after a failure to lock, read or unlock
+ * too: it is then filled in part, the rest 0.
+ * @par Memory
+ * The image.
  * @note The header holds the sizes and binning factors of 1, the rest of it is 0.
  */
 TQ_API int32_t TQ_CALL tqSafeArrayToHandle(TqImage** image, SAFEARRAY** array);
@@ -158,9 +175,10 @@ TQ_API int32_t TQ_CALL tqSafeArrayToHandle(TqImage** image, SAFEARRAY** array);
  * @return 0; -2 when a pointer is null, the elements are not 2-byte integers or the image cannot be
  * allocated: *image is untouched; -3 when the array has not two dimensions or cannot be locked; -5 when it
  * cannot be unlocked
- * @par Ownership The block that *image held is freed. The image belongs to the host, after a failure to lock
- * or unlock too.
- * @par Memory The image.
+ * @par Ownership
+ * The block that *image held is freed. The image belongs to the host, after a failure to lock or unlock too.
+ * @par Memory
+ * The image.
  * @note The header holds the sizes and binning factors of 1, the rest of it is 0. Negative elements are grey
  *       levels above 32767; lower bounds do not matter.
  */
@@ -174,8 +192,10 @@ TQ_API int32_t TQ_CALL tqShortSafeArrayToHandle(TqImage** image, SAFEARRAY** arr
  * @param[in] values PelCols x PelRows grey levels, column after column
  * @return 0; -2 when a pointer is null, a side is negative or the image cannot be allocated: *image is
  * untouched
- * @par Ownership The block that *image held is freed. The image belongs to the host.
- * @par Memory The image.
+ * @par Ownership
+ * The block that *image held is freed. The image belongs to the host.
+ * @par Memory
+ * The image.
  */
 TQ_API int32_t TQ_CALL tqShortSafeArrayToHandle2(TqImage** image, const TqImageHeader* info,
                                                  const uint16_t* values);
@@ -188,8 +208,10 @@ TQ_API int32_t TQ_CALL tqShortSafeArrayToHandle2(TqImage** image, const TqImageH
  * @param[in] values PelCols x PelRows grey levels, column after column
  * @return 0; -2 when a pointer is null, a side is negative or the image cannot be allocated: *image is
  * untouched
- * @par Ownership The block that *image held is freed. The image belongs to the host.
- * @par Memory The image.
+ * @par Ownership
+ * The block that *image held is freed. The image belongs to the host.
+ * @par Memory
+ * The image.
  */
 TQ_API int32_t TQ_CALL tqShortSafeArrayToHandleNew(TqImage** image, const TqImageHeader* info,
                                                    const int16_t* values);
@@ -217,12 +239,14 @@ TQ_API int32_t TQ_CALL tqHandleToShortSafeArrayNew(const TqImage* image, uint16_
  * @param[in] array address of the host's array: one or two dimensions, 4-byte elements, grey levels clamped
  * to 0..65535
  * @return 0; -1 when the pels cannot be allocated or pels is null; -2 when the array is null or its elements
- * are not 4-byte integers; -3 when it cannot be locked; -4 when an element of one dimension, -5 when an
- *         element of two dimensions cannot be read; -6 when it has another number of dimensions; -7 when it
- * cannot be unlocked. After -4, -5 and -6 the array stays locked.
- * @par Ownership The pels belong to the host, which releases them with tqImageFree; from -3 on they have been
- *      allocated and handed over as well.
- * @par Memory 2 bytes an element.
+ *         are not 4-byte integers; -3 when it cannot be locked; -4 when an element of one dimension, -5 when
+ *         an element of two dimensions cannot be read; -6 when it has another number of dimensions; -7 when
+ *         it cannot be unlocked. After -4, -5 and -6 the array stays locked.
+ * @par Ownership
+ * The pels belong to the host, which releases them with tqImageFree; from -3 on they have been allocated and
+ * handed over as well.
+ * @par Memory
+ * 2 bytes an element.
  */
 TQ_API int32_t TQ_CALL tqGetSafeArrayHandle(uint16_t** pels, SAFEARRAY** array);
 
@@ -232,8 +256,8 @@ TQ_API int32_t TQ_CALL tqGetSafeArrayHandle(uint16_t** pels, SAFEARRAY** array);
  * @param[in,out] array address of the host's array: one or two dimensions, 4-byte elements
  * @return 0; -2 when a pointer is null or the elements are not 4-byte integers; -3 when the array cannot be
  *         locked; -4 when an element of one dimension, -5 when an element of two dimensions cannot be
- * written; -6 when it has another number of dimensions; -7 when it cannot be unlocked. After -4, -5 and -6
- * the array stays locked.
+ *         written; -6 when it has another number of dimensions; -7 when it cannot be unlocked. After -4, -5
+ *         and -6 the array stays locked.
  * @note In two dimensions consecutive pels run along the rightmost index, the other way round than
  *       tqGetSafeArrayHandle reads. The range of either index is the count of the other dimension, so only an
  *       array with as many columns as rows is written in full; for others writing ends with -5. Hosts rely on
@@ -252,9 +276,10 @@ TQ_API int32_t TQ_CALL tqGetSafeArray(const uint16_t* pels, SAFEARRAY** array);
  * @return 0; -2 when the image is invalid or array is null; -3 when the array that *array holds cannot be
  *         destroyed; -4 when the new one cannot be created; -5 when it cannot be locked; -6 when the averages
  *         cannot be computed; -7 when it cannot be unlocked
- * @par Ownership The array that *array holds is destroyed; a locked one is not, that is -3. The new one
- * belongs to the host.
- * @par Memory The array, 8 bytes a pel.
+ * @par Ownership
+ * The array that *array holds is destroyed; a locked one is not, that is -3. The new one belongs to the host.
+ * @par Memory
+ * The array, 8 bytes a pel.
  * @note A block of 1 x 1 gives the pels themselves.
  */
 TQ_API int32_t TQ_CALL tqGetPixelArray(const TqImage* image, int32_t ellipse, int32_t blockWidth,
@@ -270,11 +295,15 @@ TQ_API int32_t TQ_CALL tqGetPixelArray(const TqImage* image, int32_t ellipse, in
  * levels; what it held is neither read nor released
  * @return 0; -1 when the image is invalid; -4 when result is null or the array cannot be made: the variant is
  *         untouched
- * @par Ownership The variant belongs to the host, which releases it with VariantClear.
- * @par Memory The array, 8 bytes a pel.
+ * @par Ownership
+ * The variant belongs to the host, which releases it with VariantClear.
+ * @par Memory
+ * The array, 8 bytes a pel.
  */
 TQ_API int32_t TQ_CALL tqGetPelArray(const TqImage* image, int32_t ellipse, int32_t blockWidth,
                                      int32_t blockHeight, VARIANT* result);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -24,6 +24,11 @@
 extern "C" {
 #endif
 
+/** @defgroup filters Filters
+ *  @ingroup process
+ *  @copydoc filters.h
+ *  @{ */
+
 /** @brief Replaces every pel by the median of its shifted square window.
  *  @param[in,out] image address of the host's image; the result, with the image's whole header, replaces it
  *  @param[in] size side of the window, pels, any value; limited to the shorter side of the image
@@ -47,6 +52,8 @@ TQ_API int32_t TQ_CALL tqMedianFilter(TqImage** image, int32_t size);
  *  @return 0; -2 image null or invalid; -3 no memory
  *  @par Ownership
  *  The block that image held is freed and replaced; the host frees the new one with tqImageFree.
+ *  @par Memory
+ *  The result and working memory that grows with the window only.
  */
 TQ_API int32_t TQ_CALL tqMedianFilterInRegion(TqImage** image, int32_t width, int32_t height, int32_t left,
                                               int32_t top, int32_t right, int32_t bottom);
@@ -65,13 +72,15 @@ TQ_API int32_t TQ_CALL tqMedianFilterInRegion(TqImage** image, int32_t width, in
 TQ_API int32_t TQ_CALL tqNeighborhoodAverage(TqImage** image, int32_t width, int32_t height);
 
 /** @brief Replaces every pel with data by the mean of the pels with data in its clipped window, rounded half
- * up.
+ *  up.
  *  @param[in,out] image address of the host's image; the result, with the image's whole header, replaces it
  *  @param[in] width window width, pels, any value
  *  @param[in] height window height, pels, any value
  *  @return 0; -2 image null or invalid; -3 no memory
  *  @par Ownership
  *  The block that image held is freed and replaced; the host frees the new one with tqImageFree.
+ *  @par Memory
+ *  The result and a few rows; the cost a pel does not grow with the window.
  *  @note A window of one pel returns 0 and keeps the host's block. No field of the header is recomputed.
  */
 TQ_API int32_t TQ_CALL tqNeighborhoodAverage0(TqImage** image, int32_t width, int32_t height);
@@ -87,6 +96,8 @@ TQ_API int32_t TQ_CALL tqNeighborhoodAverage0(TqImage** image, int32_t width, in
  *  @return 0; -2 image null or invalid; -3 no memory
  *  @par Ownership
  *  The block that image held is freed and replaced; the host frees the new one with tqImageFree.
+ *  @par Memory
+ *  The result and a few rows; the cost a pel does not grow with the window.
  *  @note A window of one pel returns 0 and keeps the host's block. No field of the header is recomputed.
  */
 TQ_API int32_t TQ_CALL tqNeighborhoodAverageInRegion(TqImage** image, int32_t width, int32_t height,
@@ -104,6 +115,8 @@ TQ_API int32_t TQ_CALL tqNeighborhoodAverageInRegion(TqImage** image, int32_t wi
  *  @return 0; -2 image null or invalid; -3 no memory
  *  @par Ownership
  *  The block that image held is freed and replaced; the host frees the new one with tqImageFree.
+ *  @par Memory
+ *  The result and a few rows; the cost a pel does not grow with the window.
  *  @note A window of one pel returns 0 and keeps the host's block. No field of the header is recomputed.
  */
 TQ_API int32_t TQ_CALL tqNeighborhoodAverageInRegion0(TqImage** image, int32_t width, int32_t height,
@@ -111,12 +124,14 @@ TQ_API int32_t TQ_CALL tqNeighborhoodAverageInRegion0(TqImage** image, int32_t w
                                                       int32_t bottom);
 
 /** @brief Repeated smoothing: each pass replaces every pel by the mean of its clipped 3 x 3 window,
- * truncated.
+ *  truncated.
  *  @param[in,out] image address of the host's image; the result, with the image's whole header, replaces it
  *  @param[in] passes number of repetitions; 0 and below do nothing
  *  @return 0; -1 image null or invalid; -2 no memory
  *  @par Ownership
  *  The block that image held is freed and replaced; the host frees the new one with tqImageFree.
+ *  @par Memory
+ *  The result of one pass.
  *  @note Every pass replaces the block; when one fails the result of the passes before it stands. Without
  *        passes the image is not looked at.
  */
@@ -128,6 +143,8 @@ TQ_API int32_t TQ_CALL tqSmoothImage(TqImage** image, int32_t passes);
  *  @return 0; -1 image null or invalid; -2 no memory
  *  @par Ownership
  *  The block that image held is freed and replaced; the host frees the new one with tqImageFree.
+ *  @par Memory
+ *  The result of one pass.
  *  @note As for tqSmoothImage.
  */
 TQ_API int32_t TQ_CALL tqSmoothImage0(TqImage** image, int32_t passes);
@@ -138,6 +155,8 @@ TQ_API int32_t TQ_CALL tqSmoothImage0(TqImage** image, int32_t passes);
  *  @return 0; -2 image null or invalid; -3 no memory; -4 fewer than 3 columns or rows
  *  @par Ownership
  *  The block that image held is freed and replaced; the host frees the new one with tqImageFree.
+ *  @par Memory
+ *  The result and a few working rows.
  *  @note Each product of pel and weight is formed in single precision and truncated before the sum. Pels of
  *        the border are copied. A sum below 1 becomes 1 or 0 as the source pel of the same running index is
  *        not 0 or 0: sums count without the border, pels with it, and hosts rely on that pairing.
@@ -155,6 +174,8 @@ TQ_API int32_t TQ_CALL tqSharpenImage(TqImage** image, float strength);
  *  @return 0; -2 image null or invalid; -3 no memory; -4 fewer than 3 columns or rows
  *  @par Ownership
  *  The block that image held is freed and replaced; the host frees the new one with tqImageFree.
+ *  @par Memory
+ *  The result and a few working rows.
  */
 TQ_API int32_t TQ_CALL tqSharpenImageInRegion(TqImage** image, float strength, int32_t left, int32_t top,
                                               int32_t right, int32_t bottom);
@@ -164,6 +185,8 @@ TQ_API int32_t TQ_CALL tqSharpenImageInRegion(TqImage** image, float strength, i
  *  @return 0; -2 image null or invalid; -3 no memory; -4 fewer than 5 columns or rows
  *  @par Ownership
  *  The block that image held is freed and replaced; the host frees the new one with tqImageFree.
+ *  @par Memory
+ *  The result and a few working rows.
  *  @note The results, for the PelCols - 4 x PelRows - 4 places where the kernel fits, are stretched to
  *        0 .. MaxPelValue and written one behind the other from the first pel on, without a border; zeros
  *        follow. Hosts rely on that layout. A flat result gives zeros.
@@ -171,7 +194,7 @@ TQ_API int32_t TQ_CALL tqSharpenImageInRegion(TqImage** image, float strength, i
 TQ_API int32_t TQ_CALL tqLowPassFilter(TqImage** image);
 
 /** @brief Fills a rectangle, row by row, with the straight line between the means of 5 x 5 blocks left and
- * right of it.
+ *  right of it.
  *  @param[in,out] image image to change in place
  *  @param[in] left first column of the hole, pels, any value
  *  @param[in] top first row, pels, any value
@@ -183,6 +206,8 @@ TQ_API int32_t TQ_CALL tqLowPassFilter(TqImage** image);
  *        reaches to the last column.
  */
 TQ_API int32_t TQ_CALL tqFillInHole(TqImage* image, int32_t left, int32_t top, int32_t right, int32_t bottom);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

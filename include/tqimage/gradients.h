@@ -21,15 +21,22 @@
 extern "C" {
 #endif
 
+/** @defgroup gradients Gradients
+ *  @ingroup process
+ *  @copydoc gradients.h
+ *  @{ */
+
 /** @brief Magnitude of the gradient at every pel.
  *  @param[in,out] out address of the pointer that receives the new image
  *  @param[in] image source; only read
  *  @param[in] method 0 Sobel, 2 forward, 3 central, 5 five-point
- *  @return 0; -2 image null or invalid; -3 no horizontal gradient by this method; -4 no vertical one (never alone:
- *          both take the same methods); -5 no memory
+ *  @return 0; -2 image null or invalid; -3 no horizontal gradient by this method; -4 no vertical one (never
+ *          alone: both take the same methods); -5 no memory
  *  @par Ownership
  *  The block that out held is freed, after its last use where it is an input; the host frees the new one with
  *  tqImageFree.
+ *  @par Memory
+ *  The result.
  */
 TQ_API int32_t TQ_CALL tqCalcGradient(TqImage** out, const TqImage* image, int32_t method);
 
@@ -41,6 +48,8 @@ TQ_API int32_t TQ_CALL tqCalcGradient(TqImage** out, const TqImage* image, int32
  *  @par Ownership
  *  The block that out held is freed, after its last use where it is an input; the host frees the new one with
  *  tqImageFree.
+ *  @par Memory
+ *  The result and a few working rows.
  *  @note A pel is measured when the 3 x 3 (method 5: 5 x 5) pels around it lie inside the image and none is
  *        0; others give 0.
  */
@@ -54,6 +63,8 @@ TQ_API int32_t TQ_CALL tqCalcGradient0(TqImage** out, const TqImage* image, int3
  *  @par Ownership
  *  The block that out held is freed, after its last use where it is an input; the host frees the new one with
  *  tqImageFree.
+ *  @par Memory
+ *  The result.
  *  @note Pels of 0 split each line into runs; the ends of a run count as first and last pel. A run of one
  *        gives 0. Method 0 uses the lines beside only where the pels that it reads there are inside and not
  *        0, else the rule of the first and last line.
@@ -68,6 +79,8 @@ TQ_API int32_t TQ_CALL tqCalcGradX0(TqImage** out, const TqImage* image, int32_t
  *  @par Ownership
  *  The block that out held is freed, after its last use where it is an input; the host frees the new one with
  *  tqImageFree.
+ *  @par Memory
+ *  The result.
  *  @note Pels of 0 split each line into runs; the ends of a run count as first and last pel. A run of one
  *        gives 0. Method 0 uses the lines beside only where the pels that it reads there are inside and not
  *        0, else the rule of the first and last line.
@@ -85,12 +98,16 @@ TQ_API int32_t TQ_CALL tqCalcGradY0(TqImage** out, const TqImage* image, int32_t
  *  @par Ownership
  *  The block that out held is freed, after its last use where it is an input; the host frees the new one with
  *  tqImageFree.
- *  @note v = sqrt(la^2 * |weightA| + (lb^2 + lc^2) * |weightBc|) of the luminances pel * LuxPerGrey, in single
- *        precision. Pels are trunc(v * scale) with scale = 65000 / largest v (1 when that is below 1e-10);
- *        MaxPelValue is 65000 and LuxPerGrey 1 / scale.
+ *  @par Memory
+ *  The result.
+ *  @note v = sqrt(la^2 * |weightA| + (lb^2 + lc^2) * |weightBc|) of the luminances pel * LuxPerGrey, in
+ *        single precision. Pels are trunc(v * scale) with scale = 65000 / largest v (1 when that is below
+ *        1e-10); MaxPelValue is 65000 and LuxPerGrey 1 / scale.
  */
 TQ_API int32_t TQ_CALL tqCombineGradients(TqImage** out, const TqImage* a, const TqImage* b, const TqImage* c,
                                           float weightA, float weightBc);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

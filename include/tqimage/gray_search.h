@@ -18,6 +18,11 @@
 extern "C" {
 #endif
 
+/** @defgroup gray_search Brightest and darkest place
+ *  @ingroup measure
+ *  @copydoc gray_search.h
+ *  @{ */
+
 /** @brief Largest block mean of an image.
  *  @param[in] image image to measure
  *  @param[out] column reference column of the block, pels; -1 after a failure
@@ -50,11 +55,13 @@ TQ_API double TQ_CALL tqFindMinGray(const TqImage* image, int32_t* column, int32
  *  @param[in] blockKind 0: block mean; other values: mean of its ellipse (tqGetPelBlockAvgEllipse)
  *  @param[in] blockWidth block width, pels, any value (below 1: 1)
  *  @param[in] blockHeight block height, pels, any value (below 1: 1)
- *  @return the mean, grey levels; -2.0 image null or invalid, or no memory; -3.0 no block fits into the image;
- *          -99.0 all pels are 0
+ *  @return the mean, grey levels; -2.0 image null or invalid, or no memory; -3.0 no block fits into the
+ *          image; -99.0 all pels are 0
  */
 TQ_API double TQ_CALL tqFindMinGray0(const TqImage* image, int32_t* column, int32_t* row, int32_t blockKind,
                                      int32_t blockWidth, int32_t blockHeight);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

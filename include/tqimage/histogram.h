@@ -11,6 +11,11 @@
 extern "C" {
 #endif
 
+/** @defgroup histogram Histograms
+ *  @ingroup measure
+ *  @copydoc histogram.h
+ *  @{ */
+
 /** @brief Makes an array of the number of pels of each grey level.
  *  @param[in] image image to measure
  *  @param[in,out] array address of the host's array pointer, which holds an array or null; receives a
@@ -20,7 +25,7 @@ extern "C" {
  *          locked; -4 the array could not be created; -5 it could not be locked; -6 it could not be unlocked
  *  @par Ownership
  *  The old array is destroyed. The new one belongs to the host, which releases it with SafeArrayDestroy;
- * after -5 and -6, too.
+ *  after -5 and -6, too.
  *  @par Memory
  *  The array, and up to 256 KiB of counters while it works.
  *  @note After -2 and -3 the pointer is as before. After -4 it is null, or as before when the counters could
@@ -40,6 +45,8 @@ TQ_API int32_t TQ_CALL tqGetHistogram(const TqImage* image, SAFEARRAY** array);
  *  @note A file that cannot be written completely, on a full disk, is removed.
  */
 TQ_API int32_t TQ_CALL tqWriteHistogram(const TqImage* image, const char* path);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -10,15 +10,21 @@
 extern "C" {
 #endif
 
+/** @defgroup image Image blocks
+ *  @ingroup core
+ *  @copydoc image.h
+ *  @{ */
+
 /**
  * @brief Creates an image block with a given header.
  * @param[in] info the header of the new image; the columns and rows, pels, decide the size, 0 included
  * @param[in,out] image address of the host's block pointer; receives the new block
  * @return 0; -1 when a pointer is null, a side is negative or no block of that size can be had
- * @par Ownership A block that *image holds is freed first; when no block can be had
- *      *image is null. The new block
- *      belongs to the host, which releases it with tqImageFree.
- * @par Memory The new block: 56 bytes and 2 bytes a pel.
+ * @par Ownership
+ * A block that *image holds is freed first; when no block can be had *image is null. The new block belongs to
+ * the host, which releases it with tqImageFree.
+ * @par Memory
+ * The new block: 56 bytes and 2 bytes a pel.
  * @note All 14 header fields are copied as they are. Sides are not held to 1..8000 here: an image outside
  *       that range is created, and refused by every function that validates its image. The pels are 0.
  * @note info may point at the header of the block that is replaced.
@@ -33,10 +39,11 @@ TQ_API int32_t TQ_CALL tqCreateImage(const TqImageHeader* info, TqImage** image)
  * @param[in] cols columns, pels, 0 or more
  * @param[in] rows rows, pels, 0 or more
  * @return 0; -1 when image is null, a side is negative or no block of that size can be had
- * @par Ownership A block that *image holds is freed first; when no block can be had
- *      *image is null. The new block
- *      belongs to the host, which releases it with tqImageFree.
- * @par Memory The new block: 56 bytes and 2 bytes a pel.
+ * @par Ownership
+ * A block that *image holds is freed first; when no block can be had *image is null. The new block belongs to
+ * the host, which releases it with tqImageFree.
+ * @par Memory
+ * The new block: 56 bytes and 2 bytes a pel.
  * @note The header holds the sizes and binning factors of 1, the rest of it and the pels are 0. Hosts fill
  *       it before they use the image.
  */
@@ -47,7 +54,8 @@ TQ_API int32_t TQ_CALL tqCreateImageA(TqImage** image, int32_t* blockAddress, ui
  * @brief Frees an image block or any other block that the library handed out, and sets the pointer to null.
  * @param[in,out] image address of the host's block pointer
  * @return 0; -1 when image or *image is null
- * @par Ownership The block is gone; copies of its address must not be used any more.
+ * @par Ownership
+ * The block is gone; copies of its address must not be used any more.
  * @note Nothing but the null pointer is tested, so an image with an impossible header can be freed.
  */
 TQ_API int32_t TQ_CALL tqImageFree(TqImage** image);
@@ -87,9 +95,11 @@ TQ_API int32_t TQ_CALL tqGetKeyStoneImageInfo(TqImageHeader* info, const TqDisto
  * @param[in] source the image to copy
  * @return 0; -1 when destination is null or the source invalid: the destination is untouched; -2 when the
  * copy cannot be allocated
- * @par Ownership A block that *destination holds is freed; after -2 *destination is null. The copy belongs to
- *      the host, which releases it with tqImageFree.
- * @par Memory The copy.
+ * @par Ownership
+ * A block that *destination holds is freed; after -2 *destination is null. The copy belongs to the host,
+ * which releases it with tqImageFree.
+ * @par Memory
+ * The copy.
  * @note When *destination is the source itself it stays: it is its own copy.
  */
 TQ_API int32_t TQ_CALL tqGlobalCopy(TqImage** destination, const TqImage* source);
@@ -185,6 +195,8 @@ TQ_API float TQ_CALL tqGetMaxPelValue(const TqImage* image);
  * @return distance from the source, metres
  */
 TQ_API float TQ_CALL tqGetSourceDistance(const TqImage* image);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -15,6 +15,11 @@
 extern "C" {
 #endif
 
+/** @defgroup image_arithmetic Arithmetic of images
+ *  @ingroup process
+ *  @copydoc image_arithmetic.h
+ *  @{ */
+
 /**
  * @brief Folds an image into an average of images.
  *
@@ -119,6 +124,8 @@ TQ_API int32_t TQ_CALL tqRootSumSquare(TqImage** out, const TqImage* a, const Tq
  */
 TQ_API int32_t TQ_CALL tqCombineImages(TqImage** out, const TqImage* first, const TqImage* second,
                                        const TqImage* third);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -11,6 +11,11 @@
 extern "C" {
 #endif
 
+/** @defgroup image_sum The sum form of an image
+ *  @ingroup interchange
+ *  @copydoc image_sum.h
+ *  @{ */
+
 /** One pel that was kept. */
 typedef struct TqImageSumEntry {
     uint32_t Total; /**< pel / step, added up over this and all earlier entries, modulo 2^32 */
@@ -59,6 +64,8 @@ TQ_API int32_t TQ_CALL tqImageToImageSum(TqImageSum** sum, const TqImage* image)
  * @note Pels are formed modulo 65536.
  */
 TQ_API int32_t TQ_CALL tqImageSumToImage(TqImage** image, const TqImageSum* sum);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -1,6 +1,5 @@
-/** @file keystone.h
- *  Keystone maps: distortion maps of exactly an image's size, that make the picture on a screen which was
- * seen obliquely rectangular again. They turn together with the image they belong to.
+/** @file keystone.h Keystone maps: distortion maps of exactly an image's size, that make the picture on a
+ *  screen which was seen obliquely rectangular again. They turn together with the image they belong to.
  */
 #ifndef TQIMAGE_KEYSTONE_H
 #define TQIMAGE_KEYSTONE_H
@@ -10,6 +9,11 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
+
+/** @defgroup keystone Keystone maps
+ *  @ingroup geometry
+ *  @copydoc keystone.h
+ *  @{ */
 
 /**
  * @brief Resamples an image, bilinearly, through a map of exactly its size.
@@ -150,6 +154,8 @@ TQ_API int32_t TQ_CALL tqCalcKeyStone(TqDistortionMap** map, const TqImage* imag
 TQ_API int32_t TQ_CALL tqCalcCylinderKeyStone(TqDistortionMap** map, const TqImage* image,
                                               const double* points, double halfAngle, double heightOverRadius,
                                               double* rms);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

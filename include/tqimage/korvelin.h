@@ -10,6 +10,11 @@
 extern "C" {
 #endif
 
+/** @defgroup korvelin Korvelin records
+ *  @ingroup interchange
+ *  @copydoc korvelin.h
+ *  @{ */
+
 /** The host record: 11 words on a 32-bit system. */
 typedef struct TqKorvelinRecord {
     void* Data;            /**< handle of global memory: Cols x Rows bytes, row 0 first */
@@ -41,6 +46,8 @@ typedef struct TqKorvelinRecord {
  */
 TQ_API int32_t TQ_CALL TqConvertKorvelinToImage(TqImage** image, const TqKorvelinRecord* record,
                                                 int32_t sourceDistance);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

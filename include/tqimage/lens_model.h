@@ -11,6 +11,11 @@
 extern "C" {
 #endif
 
+/** @defgroup lens_model Lens models
+ *  @ingroup geometry
+ *  @copydoc lens_model.h
+ *  @{ */
+
 /** What tqBuildLensDistortionImage is asked for: the sensor, the grid of calibrated lens settings (focus and
  *  iris, say) and the present setting. */
 typedef struct TqLensSetting {
@@ -52,6 +57,8 @@ typedef struct TqLensSetting {
  */
 TQ_API int32_t TQ_CALL tqBuildLensDistortionImage(TqDistortionMap** map, const TqLensSetting* setting,
                                                   SAFEARRAY** table);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

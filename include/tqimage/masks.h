@@ -12,6 +12,11 @@
 extern "C" {
 #endif
 
+/** @defgroup masks Masks
+ *  @ingroup process
+ *  @copydoc masks.h
+ *  @{ */
+
 /**
  * @brief Keeps the pels where the mask is not 0.
  *
@@ -65,6 +70,8 @@ TQ_API int32_t TQ_CALL tqInvMaskImageOffset(TqImage* image, const TqImage* mask)
  */
 TQ_API int32_t TQ_CALL tqInvMaskImage2(TqImage* image, const TqImage* mask, int32_t blockWidth,
                                        int32_t blockHeight);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

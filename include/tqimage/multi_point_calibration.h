@@ -11,6 +11,11 @@
 extern "C" {
 #endif
 
+/** @defgroup multi_point_calibration Multi-point calibration
+ *  @ingroup calibration
+ *  @copydoc multi_point_calibration.h
+ *  @{ */
+
 /** What tqBuildMultiPointImage is asked for. */
 typedef struct TqMultiPointSettings {
     int32_t Mode;      /**< 0: pels outside the valid area count as 1.0; others: as without value; 2 also
@@ -87,6 +92,8 @@ TQ_API int32_t TQ_CALL tqBuildMultiPointImage(TqImage** image, const TqMultiPoin
  * @note TotalPelValue and MaxPelValue are not updated.
  */
 TQ_API int32_t TQ_CALL tqApplyMultiPointCalibration(TqImage** image, const TqImage* correction);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -18,6 +18,11 @@
 extern "C" {
 #endif
 
+/** @defgroup offset_arithmetic Arithmetic of displaced images
+ *  @ingroup process
+ *  @copydoc offset_arithmetic.h
+ *  @{ */
+
 /**
  * @brief Subtracts the luminances of an image in the grey scale of the other.
  *
@@ -76,6 +81,8 @@ TQ_API int32_t TQ_CALL tqAddImageOffset(TqImage** out, const TqImage* a, const T
  */
 TQ_API int32_t TQ_CALL tqDivideImageOffset(TqImage** out, const TqImage* numerator,
                                            const TqImage* denominator, float offsetX, float offsetY);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -5,10 +5,10 @@
  *  - The block sum takes a rectangle of inclusive pel indices and cuts it to the image: left and top are
  *    raised to 0, right and bottom lowered to the last column and row. A right or bottom of 0 is column or
  *    row 0, unlike in region_rectangle.h.
- *  - The circle block is the circle inscribed in such a rectangle before it is cut: centre
- *    (left + (right - left) / 2, top + (bottom - top) / 2), squared radius ((|D| + 1) / 2)^2 with D the
- * larger of the spans right - left and bottom - top (the vertical one when they are equal). A pel on the
- * circle is inside. Block 0, 0, 9, 4 has D = 9 and squared radius 25.
+ *  - The circle block is the circle inscribed in such a rectangle before it is cut: centre (left + (right -
+ *    left) / 2, top + (bottom - top) / 2), squared radius ((|D| + 1) / 2)^2 with D the larger of the spans
+ *    right - left and bottom - top (the vertical one when they are equal). A pel on the circle is inside.
+ *    Block 0, 0, 9, 4 has D = 9 and squared radius 25.
  *  - The pel block is given by a centre pel, a width and a height. The block starts width / 2 columns left of
  *    and height / 2 rows above the centre (integer halves). At the left and top border it slides inward and
  *    keeps its size, at the right and bottom border it is cut short; hosts rely on the difference.
@@ -25,6 +25,11 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
+
+/** @defgroup pel_block Blocks of pels
+ *  @ingroup measure
+ *  @copydoc pel_block.h
+ *  @{ */
 
 /** @brief Sum of the pels of a rectangle that reach a threshold.
  *  @param[in] image image to measure
@@ -142,6 +147,8 @@ TQ_API int32_t TQ_CALL tqCountAllPelBlocksEllipse(const TqImage* image, uint32_t
  */
 TQ_API int32_t TQ_CALL tqCountAllPelBlocksEllipseLess(const TqImage* image, uint32_t* count, double threshold,
                                                       int32_t blockWidth, int32_t blockHeight);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

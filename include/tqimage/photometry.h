@@ -2,24 +2,30 @@
  *  Luminous intensity, viewing angles and luminous flux from the illuminance on a flat target.
  *
  *  The frame. Each pel times LuxPerGrey is the illuminance E in lux at its point of a flat target, which lies
- *  D = SourceDistance metres from the source; the axis of the source meets it at (CenterCol, CenterRow). A
- * pel (c, r) has the target co-ordinates, in metres, dx = (c - CenterCol) / PelsPerMeterX, to the right;  dy
- * = (CenterRow - r) / PelsPerMeterY, upward; rho = sqrt(dx^2 + dy^2), from the axis;              R =
- * sqrt(rho^2 + D^2), from the source; theta = atan(rho / D), the off-axis angle. The source sends the
- * intensity I = E R^2 / cos(theta) candela toward it. cos(theta) is evaluated as D / R: the same number as
- * cos(atan(rho / D)) without the rounding of the angle, and the same bits on every build.
+ *  D = SourceDistance metres from the source; the axis of the source meets it at (CenterCol, CenterRow). The
+ *  target co-ordinates of a pel (c, r), in metres, are
+ *  - dx = (c - CenterCol) / PelsPerMeterX, to the right;
+ *  - dy = (CenterRow - r) / PelsPerMeterY, upward;
+ *  - rho = sqrt(dx^2 + dy^2), from the axis;
+ *  - R = sqrt(rho^2 + D^2), from the source;
+ *  - theta = atan(rho / D), the off-axis angle.
+ *
+ *  The source sends the intensity I = E R^2 / cos(theta) candela toward the pel. cos(theta) is evaluated as
+ *  D / R: the same number as cos(atan(rho / D)) without the rounding of the angle, and the same bits on every
+ *  build.
  *
  *  Angle modes, the co-ordinate system of the two angles of a direction (radians):
- *      0  atan(dx / D), atan(dy / D)         both angles in the axis planes
- *      1  atan(dx / D), asin(dy / R)         vertical angle out of the horizontal plane
- *      2  asin(dx / R), atan(dy / D)         horizontal angle out of the vertical plane
- *      3  azimuth of (dx, dy), acos(D / R)   azimuth 0..2 pi from the right, counter-clockwise; polar angle
+ *  - 0: atan(dx / D), atan(dy / D), both angles in the axis planes;
+ *  - 1: atan(dx / D), asin(dy / R), vertical angle out of the horizontal plane;
+ *  - 2: asin(dx / R), atan(dy / D), horizontal angle out of the vertical plane;
+ *  - 3: azimuth of (dx, dy), 0..2 pi from the right, counter-clockwise, and polar angle, acos(D / R).
+ *
  *  The azimuth uses pi/2 = 1.570796327, pi = 3.141592654, 3 pi/2 = 4.712388981 and 2 pi = 6.283185308 as
  *  written; with dx = 0 it is pi/2 for dy >= 0 (on the axis too) and 3 pi/2 below. Hosts compare with these
  *  nine decimals. Other modes leave the angle outputs of the intensity functions unwritten.
  *
  *  The automatic block: a size of 0 means 0.9 inch on the target (39.37 inches a metre), but never more than
- * a tenth of the image: trunc(min(PelsPerMeterX * 0.9 / 39.37, PelCols * 0.1)), 1 when that is below 2; the
+ *  a tenth of the image: trunc(min(PelsPerMeterX * 0.9 / 39.37, PelCols * 0.1)), 1 when that is below 2; the
  *  height likewise. Given or derived, a block is then limited to the image.
  *
  *  The searches over blocks move a block (x0, y0) over the image or a rectangle and report its reference pel
@@ -38,6 +44,11 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
+
+/** @defgroup photometry Intensity, angles and flux
+ *  @ingroup measure
+ *  @copydoc photometry.h
+ *  @{ */
 
 /** @brief Luminous intensity toward a pel, from the mean illuminance of the elliptic spot around it.
  *  @param[in] image image to measure
@@ -255,6 +266,8 @@ TQ_API int32_t TQ_CALL tqPelToAngle(const TqImage* image, int32_t column, int32_
  */
 TQ_API int32_t TQ_CALL tqAngleToPel(const TqImage* image, int32_t* column, int32_t* row, double firstAngle,
                                     double secondAngle, uint32_t angleMode);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

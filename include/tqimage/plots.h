@@ -3,7 +3,7 @@
  *
  *  A polar image has one column a direction about the optical axis, counted from the right over the top
  *  (column c is c x 360 / columns degrees, so that the last column neighbours the first), and one row an
- * angle off the axis: row 0 is the axis itself, the last row the largest angle. A pel of 0 has no data.
+ *  angle off the axis: row 0 is the axis itself, the last row the largest angle. A pel of 0 has no data.
  *
  *  Every plot starts with the header of the generated images: the centre in the middle, 1000 pels a metre,
  *  MaxPelValue 65535, binning factors of 1, the rest 0. What a function stores beyond that it says.
@@ -16,6 +16,11 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
+
+/** @defgroup plots Plots
+ *  @ingroup patterns
+ *  @copydoc plots.h
+ *  @{ */
 
 /**
  * @brief Unrolls an image about its optical axis: columns are azimuths, rows are angles off the axis.
@@ -43,7 +48,7 @@ extern "C" {
  * The result, and a few numbers a row and a column.
  * @note LuxPerGrey of the result is the image's for grey levels. Intensities are scaled so that the largest
  *       is 65000, which MaxPelValue says, and LuxPerGrey holds the candela of a grey level. Where no
- * intensity is above 0 the result is 0 throughout.
+ *       intensity is above 0 the result is 0 throughout.
  */
 TQ_API int32_t TQ_CALL tqCreatePolarImage(TqImage** out, const TqImage* image, int32_t cols, int32_t rows,
                                           float maxAngle, int32_t projection, int32_t quantity);
@@ -138,6 +143,8 @@ TQ_API int32_t TQ_CALL tqPadRadarPlot(TqImage** image, int32_t margin, int32_t r
  */
 TQ_API int32_t TQ_CALL tqCreateGraphType(TqImage** out, const double* values, int32_t count, int32_t cols,
                                          int32_t rows, int32_t type, double low, double high);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

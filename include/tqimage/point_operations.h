@@ -23,6 +23,11 @@
 extern "C" {
 #endif
 
+/** @defgroup point_operations Point operations
+ *  @ingroup process
+ *  @copydoc point_operations.h
+ *  @{ */
+
 /**
  * @brief Adds a constant to every pel and stops at 0 and 65535.
  *
@@ -200,6 +205,8 @@ TQ_API int32_t TQ_CALL tqSubtractImage(TqImage** a, const TqImage* b);
  * Where b has no pel that of a is kept. No field of the header is recomputed.
  */
 TQ_API int32_t TQ_CALL tqMultiplyImages(TqImage** a, const TqImage* b, int32_t divisor);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -10,27 +10,32 @@
 extern "C" {
 #endif
 
+/** @defgroup projection Projection through a camera
+ *  @ingroup geometry
+ *  @copydoc projection.h
+ *  @{ */
+
 /** How tqProjectImage unrolls a target. Metres: x to the right, y upward, z toward the viewer; the target
  *  touches the plane z = 0 at the origin, a cylinder (with its axis upright) and a sphere bulging toward +z.
  *  With all angles 0 the camera looks along -z, its columns along +x. */
 typedef struct TqProjection {
-    double CameraX; /**< place of the pinhole, metres */
-    double CameraY;
-    double CameraZ;
-    double Yaw;          /**< turn of the camera toward +x, degrees */
-    double Pitch;        /**< turn of the camera upward, degrees */
-    double Roll;         /**< turn of the camera clockwise about its view, degrees */
-    double FocalLength;  /**< pels, > 0 */
-    double PrincipalCol; /**< where the camera's axis meets the image, pels */
-    double PrincipalRow;
+    double CameraX;       /**< place of the pinhole, metres to the right */
+    double CameraY;       /**< place of the pinhole, metres upward */
+    double CameraZ;       /**< place of the pinhole, metres in front of the target */
+    double Yaw;           /**< turn of the camera toward +x, degrees */
+    double Pitch;         /**< turn of the camera upward, degrees */
+    double Roll;          /**< turn of the camera clockwise about its view, degrees */
+    double FocalLength;   /**< pels, > 0 */
+    double PrincipalCol;  /**< column where the camera's axis meets the image, pels */
+    double PrincipalRow;  /**< row where the camera's axis meets the image, pels */
     double Surface;       /**< 0 plane, 1 upright cylinder, 2 sphere */
     double Radius;        /**< of a cylinder or sphere, metres, > 0 */
-    double PelsPerMeterX; /**< resolution of the result along the surface, > 0 */
-    double PelsPerMeterY;
-    double Cols; /**< size of the result, 1..8000, truncated */
-    double Rows;
-    double CenterCol; /**< the origin in the result, pels */
-    double CenterRow;
+    double PelsPerMeterX; /**< horizontal resolution of the result along the surface, > 0 */
+    double PelsPerMeterY; /**< vertical resolution of the result along the surface, > 0 */
+    double Cols;          /**< columns of the result, 1..8000, truncated */
+    double Rows;          /**< rows of the result, 1..8000, truncated */
+    double CenterCol;     /**< column of the origin in the result, pels */
+    double CenterRow;     /**< row of the origin in the result, pels */
 } TqProjection;
 
 /**
@@ -49,7 +54,7 @@ typedef struct TqProjection {
  * @param[in] map        Distortion map in the image's pels; null: the image is that of a pinhole.
  * @return 0; -1 image is null or invalid; -2 projection is null, a resolution, focal length or, of a curved
  *         surface, radius is not positive, or the surface is unknown; -3 a size outside 1..8000, or no
- * memory; -4 nothing is visible.
+ *         memory; -4 nothing is visible.
  * @par Ownership
  * The block that image held is freed and replaced; the host frees the new one with tqImageFree.
  * @par Memory
@@ -81,6 +86,8 @@ TQ_API int32_t TQ_CALL tqProjectImage(TqImage** image, const TqProjection* proje
  */
 TQ_API int32_t TQ_CALL tqCalcCameraClipRect(const TqDistortionMap* map, const TqImageHeader* info,
                                             int32_t* left, int32_t* top, int32_t* right, int32_t* bottom);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -24,6 +24,11 @@
 extern "C" {
 #endif
 
+/** @defgroup region_ellipse Ellipses
+ *  @ingroup measure
+ *  @copydoc region_ellipse.h
+ *  @{ */
+
 /** @brief Largest pel of an ellipse.
  *  @param[in] image image to measure
  *  @param[in] centerCol centre column, pels, any value
@@ -99,6 +104,8 @@ TQ_API double TQ_CALL tqCalcCharAreaInEllipse(const TqImage* image, int32_t cent
  */
 TQ_API double TQ_CALL tqCalcAreaInEllipse(const TqImage* image, int32_t centerCol, int32_t centerRow,
                                           int32_t width, int32_t height);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -38,6 +38,11 @@
 extern "C" {
 #endif
 
+/** @defgroup region_polygon Polygons
+ *  @ingroup measure
+ *  @copydoc region_polygon.h
+ *  @{ */
+
 /** @brief Largest pel of a polygon.
  *  @param[in] image image to measure
  *  @param[in] vertices vertex array, pels, any int32 coordinates
@@ -102,6 +107,8 @@ TQ_API double TQ_CALL tqCalcAreaInPoly(const TqImage* image, SAFEARRAY** vertice
  *          memory; -2.0 vertex array null or unreadable
  */
 TQ_API double TQ_CALL tqGetPelBlockAvgPoly(const TqImage* image, SAFEARRAY** vertices);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -23,6 +23,11 @@
 extern "C" {
 #endif
 
+/** @defgroup region_rectangle Rectangles
+ *  @ingroup measure
+ *  @copydoc region_rectangle.h
+ *  @{ */
+
 /** @brief Largest pel of a rectangle.
  *  @param[in] image image to measure
  *  @param[in] left first column, pels, any value (clamped)
@@ -196,6 +201,8 @@ TQ_API int32_t TQ_CALL tqFindMinMaxInRegion(const TqImage* image, double* min, d
                                             int32_t* minRow, int32_t* maxCol, int32_t* maxRow, int32_t left,
                                             int32_t top, int32_t right, int32_t bottom, int32_t blockKind,
                                             int32_t blockWidth, int32_t blockHeight);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

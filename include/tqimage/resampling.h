@@ -14,6 +14,11 @@
 extern "C" {
 #endif
 
+/** @defgroup resampling Rotation, scale, shift and binning
+ *  @ingroup geometry
+ *  @copydoc resampling.h
+ *  @{ */
+
 /**
  * @brief Turns an image by any angle about any place; the result holds the turned corners.
  * @param[in,out] image address of the host's block pointer; receives the turned image
@@ -21,8 +26,10 @@ extern "C" {
  * @param[in] centreCol column of the place, pels
  * @param[in] centreRow row of the place, pels
  * @return 0; -2 when the image is invalid; -3 when the new one cannot be allocated
- * @par Ownership *image is replaced by a new block of the host's; on any failure it stays as it was.
- * @par Memory The new block.
+ * @par Ownership
+ * *image is replaced by a new block of the host's; on any failure it stays as it was.
+ * @par Memory
+ * The new block.
  * @note Columns and rows are the width and height of the box around the turned corner pels, truncated,
  *       so an image turned by 0 degrees loses a column and a row. The centre moves with the picture, by whole
  *       source pels. Single precision; pels without a source are 0, samples are truncated and keep their low
@@ -36,8 +43,10 @@ TQ_API int32_t TQ_CALL tqRotateImage(TqImage** image, float angle, float centreC
  * @param[in] scaleCols horizontal factor, above 1 enlarges; negative factors mirror
  * @param[in] scaleRows vertical factor
  * @return 0; -1 when the image is invalid; -3 when the new one cannot be allocated
- * @par Ownership *image is replaced by a new block of the host's; on any failure it stays as it was.
- * @par Memory The new block.
+ * @par Ownership
+ * *image is replaced by a new block of the host's; on any failure it stays as it was.
+ * @par Memory
+ * The new block.
  * @note The whole header stays, resolutions and total included. Pels without a source are 0, samples are
  *       truncated; so a factor of 0 or one that is not a number gives a black image.
  */
@@ -49,8 +58,10 @@ TQ_API int32_t TQ_CALL tqScaleImage(TqImage** image, double scaleCols, double sc
  * @param[in] shiftCols pels to the right
  * @param[in] shiftRows pels down
  * @return 0; -1 when the image is invalid; -3 when the new one cannot be allocated
- * @par Ownership *image is replaced by a new block of the host's; on any failure it stays as it was.
- * @par Memory The new block.
+ * @par Ownership
+ * *image is replaced by a new block of the host's; on any failure it stays as it was.
+ * @par Memory
+ * The new block.
  * @note The whole header stays, the optical centre included. Pels without a source are 0, samples are
  *       truncated.
  */
@@ -62,12 +73,14 @@ TQ_API int32_t TQ_CALL tqShiftImage(TqImage** image, double shiftCols, double sh
  * @param[in] newCols columns, 1..8000; 2 or more for an optical centre
  * @return 0; -2 when the image is invalid; -4 when the new one cannot be allocated or would have a side
  *         outside 1..8000
- * @par Ownership *image is replaced by a new block of the host's; on any failure it stays as it was.
- * @par Memory The new block.
+ * @par Ownership
+ * *image is replaced by a new block of the host's; on any failure it stays as it was.
+ * @par Memory
+ * The new block.
  * @note The first and last columns and rows fall on each other; samples are rounded. The optical centre and
  *       the resolutions are scaled; an image of one column or row has no such scale, and that centre
  *       co-ordinate becomes infinite or no number. Each binning factor becomes the whole number of old pels
- * in a new one, at least 1, whatever it was before. The total stays.
+ *       in a new one, at least 1, whatever it was before. The total stays.
  */
 TQ_API int32_t TQ_CALL tqSizeImage(TqImage** image, int32_t newCols);
 
@@ -77,11 +90,13 @@ TQ_API int32_t TQ_CALL tqSizeImage(TqImage** image, int32_t newCols);
  * @param[in] binCols columns of a block, any value (clamped to 1..PelCols)
  * @param[in] binRows rows of a block, any value (clamped to 1..PelRows)
  * @return 0; -1 when the image is invalid; -2 when the new one cannot be allocated
- * @par Ownership *image is replaced by a new block of the host's; on any failure it stays as it was.
- * @par Memory The new block.
+ * @par Ownership
+ * *image is replaced by a new block of the host's; on any failure it stays as it was.
+ * @par Memory
+ * The new block.
  * @note Columns and rows beyond the last whole block are dropped. Means are truncated; the sum of a block has
  *       32 bits with sign and wraps, which takes more than 32768 pels. Optical centre, resolutions and total
- * are divided, the binning factors multiplied, in 16 bits.
+ *       are divided, the binning factors multiplied, in 16 bits.
  */
 TQ_API int32_t TQ_CALL tqBinImage(TqImage** image, int32_t binCols, int32_t binRows);
 
@@ -91,8 +106,10 @@ TQ_API int32_t TQ_CALL tqBinImage(TqImage** image, int32_t binCols, int32_t binR
  * @param[in] binCols columns of a block, any value (clamped to 1..PelCols)
  * @param[in] binRows rows of a block, any value (clamped to 1..PelRows)
  * @return 0; -1 when the image is invalid; -2 when the new one cannot be allocated
- * @par Ownership *image is replaced by a new block of the host's; on any failure it stays as it was.
- * @par Memory The new block.
+ * @par Ownership
+ * *image is replaced by a new block of the host's; on any failure it stays as it was.
+ * @par Memory
+ * The new block.
  * @note As tqBinImage, but a block without data becomes 0, the mean is a single-precision quotient,
  * truncated, and the total is the sum of the new pels.
  */
@@ -105,11 +122,13 @@ TQ_API int32_t TQ_CALL tqBinImage0(TqImage** image, int32_t binCols, int32_t bin
  * @param[in] binRows new vertical binning factor; below 1 counts as 1
  * @return 0; -2 when the image is invalid; -3 when a factor is larger than the image's, or the image's is
  * below 1; -4 when the new image cannot be allocated or would have a side outside 1..8000
- * @par Ownership *image is replaced by a new block of the host's; on any failure it stays as it was.
- * @par Memory The new block.
+ * @par Ownership
+ * *image is replaced by a new block of the host's; on any failure it stays as it was.
+ * @par Memory
+ * The new block.
  * @note The first and last columns and rows fall on each other; samples are rounded. Optical centre and
  *       resolutions are scaled by the quotient of the factors. Grey levels stay those of the binned image,
- * while the total is multiplied by the whole quotients.
+ *       while the total is multiplied by the whole quotients.
  */
 TQ_API int32_t TQ_CALL tqUnBinImage(TqImage** image, int32_t binCols, int32_t binRows);
 
@@ -133,6 +152,8 @@ TQ_API int32_t TQ_CALL tqInterpolateImage(const TqImage* image, double col, doub
  * @note Outside, the pels of the border go on for ever. A co-ordinate that is not finite gives no number.
  */
 TQ_API int32_t TQ_CALL tqInterpolateImage2(const TqImage* image, double col, double row, double* value);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -14,6 +14,11 @@
 extern "C" {
 #endif
 
+/** @defgroup stitching Stitching
+ *  @ingroup geometry
+ *  @copydoc stitching.h
+ *  @{ */
+
 /**
  * @brief Replaces the pels on seams by the mean of the data around them.
  * @param[in,out] image address of the host's block pointer; receives the smoothed image
@@ -22,8 +27,10 @@ extern "C" {
  * @param[in] winRows window height, pels, any value (clamped to 1..PelRows)
  * @return 0, also when a window of one pel leaves the image as it is; -2 when either image is invalid or
  * their sizes differ; -3 when the new image cannot be allocated
- * @par Ownership *image is replaced by a new block of the host's; on any failure it stays as it was.
- * @par Memory The new block.
+ * @par Ownership
+ * *image is replaced by a new block of the host's; on any failure it stays as it was.
+ * @par Memory
+ * The new block.
  * @note Means are truncated. The header stays.
  */
 TQ_API int32_t TQ_CALL tqSmoothStitch(TqImage** image, const TqImage* labels, int32_t winCols,
@@ -40,12 +47,16 @@ TQ_API int32_t TQ_CALL tqSmoothStitch(TqImage** image, const TqImage* labels, in
  * @param[in] averageRows its height, pels, any value (clamped to 1..PelRows)
  * @return 0, also when an average over one pel leaves the image as it is; -2 when either image is invalid or
  *         their sizes differ; -3 when the new image cannot be allocated
- * @par Ownership *image is replaced by a new block of the host's; on any failure it stays as it was.
- * @par Memory The new block.
+ * @par Ownership
+ * *image is replaced by a new block of the host's; on any failure it stays as it was.
+ * @par Memory
+ * The new block.
  * @note Means are truncated. The header stays.
  */
 TQ_API int32_t TQ_CALL tqSmoothStitch2(TqImage** image, const TqImage* labels, int32_t detectCols,
                                        int32_t detectRows, int32_t averageCols, int32_t averageRows);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

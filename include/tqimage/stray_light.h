@@ -10,6 +10,11 @@
 extern "C" {
 #endif
 
+/** @defgroup stray_light Stray light
+ *  @ingroup calibration
+ *  @copydoc stray_light.h
+ *  @{ */
+
 /**
  * @brief Subtracts from every pel its share of the image's mean level.
  *
@@ -35,6 +40,8 @@ extern "C" {
  *       step rounded once, the mean in double from an exact sum.
  */
 TQ_API int32_t TQ_CALL tqApplyStrayLightCorrection(TqImage** image, const TqImage* correction);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

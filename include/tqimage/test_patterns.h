@@ -15,6 +15,11 @@
 extern "C" {
 #endif
 
+/** @defgroup test_patterns Test patterns
+ *  @ingroup patterns
+ *  @copydoc test_patterns.h
+ *  @{ */
+
 /**
  * @brief Draws a rectangular lattice of filled discs.
  * @param[in,out] image address of the host's block pointer; receives the pattern
@@ -28,9 +33,11 @@ extern "C" {
  * @param[in] stepY rows from one centre to the next, may be negative
  * @param[in] radius of the discs, pels; 0 draws single pels, below 0 nothing
  * @return 0; -2 when image is null, a side is negative or no block of that size can be had
- * @par Ownership A block that *image holds is freed when the new one stands; after -2 it stays. The new block
- *      belongs to the host, which releases it with tqImageFree.
- * @par Memory The new block and a few numbers a column and a row.
+ * @par Ownership
+ * A block that *image holds is freed when the new one stands; after -2 it stays. The new block belongs to the
+ * host, which releases it with tqImageFree.
+ * @par Memory
+ * The new block and a few numbers a column and a row.
  * @note A pel belongs to a disc when its centre is at most radius away. Discs may overlap, and one whose
  *       centre lies outside the image is cut, not left out. A lattice has at least 2 x 2 discs: hosts rely on
  *       finding its corners.
@@ -49,9 +56,11 @@ TQ_API int32_t TQ_CALL tqCreateDotPattern(TqImage** image, int32_t cols, int32_t
  *            are firstRadius^2 / 4
  * @param[in] centreWhite non-zero for a white innermost zone, 0 for a black one
  * @return 0; -2 when image is null, a side is negative or no block of that size can be had
- * @par Ownership A block that *image holds is freed when the new one stands; after -2 it stays. The new block
- *      belongs to the host, which releases it with tqImageFree.
- * @par Memory The new block.
+ * @par Ownership
+ * A block that *image holds is freed when the new one stands; after -2 it stays. The new block belongs to the
+ * host, which releases it with tqImageFree.
+ * @par Memory
+ * The new block.
  * @note A pel at the distance d from the middle, which lies between pels when a side is even, belongs to zone
  *       d^2 / firstRadius^2, truncated. Beyond the last zone the image is black.
  */
@@ -66,9 +75,11 @@ TQ_API int32_t TQ_CALL tqCreateZonePattern(TqImage** image, int32_t cols, int32_
  * @param[in] radius of the discs, pels; 0 draws single pels, below 0 nothing
  * @param[in] extended non-zero for 25 points instead of 13
  * @return 0; -2 when image is null, a side is negative or no block of that size can be had
- * @par Ownership A block that *image holds is freed when the new one stands; after -2 it stays. The new block
- *      belongs to the host, which releases it with tqImageFree.
- * @par Memory The new block.
+ * @par Ownership
+ * A block that *image holds is freed when the new one stands; after -2 it stays. The new block belongs to the
+ * host, which releases it with tqImageFree.
+ * @par Memory
+ * The new block.
  * @note Nine points lie in the middles of a 3 x 3 division, at 100/6, 50 and 500/6 percent of either extent,
  *       four in the corners at 5 and 95 percent. The 25 points are all crossings of these five columns and
  *       five rows. A point at p percent lies at column p / 100 x (cols - 1) + 0.5, nearest, and rows alike.
@@ -85,9 +96,11 @@ TQ_API int32_t TQ_CALL tqCreateANSI13Pattern(TqImage** image, int32_t cols, int3
  * @param[in] countY discs in a column; below 2 counts as 2
  * @param[in] radius of the discs, pels; 0 draws single pels, below 0 nothing
  * @return 0; -2 when image is null, a side is negative or no block of that size can be had
- * @par Ownership A block that *image holds is freed when the new one stands; after -2 it stays. The new block
- *      belongs to the host, which releases it with tqImageFree.
- * @par Memory The new block and a few numbers a column and a row.
+ * @par Ownership
+ * A block that *image holds is freed when the new one stands; after -2 it stays. The new block belongs to the
+ * host, which releases it with tqImageFree.
+ * @par Memory
+ * The new block and a few numbers a column and a row.
  * @note Disc i of a row has its centre at column (2 i + 1) (cols - 1) / (2 countX), nearest, and rows alike.
  */
 TQ_API int32_t TQ_CALL tqCreateDistortionPattern(TqImage** image, int32_t cols, int32_t rows, int32_t countX,
@@ -106,9 +119,11 @@ TQ_API int32_t TQ_CALL tqCreateDistortionPattern(TqImage** image, int32_t cols, 
  * @param[in] stepY rows from one line to the next
  * @param[in] lineWidth width of the lines, pels; below 1 nothing is drawn
  * @return 0; -2 when image is null, a side is negative or no block of that size can be had
- * @par Ownership A block that *image holds is freed when the new one stands; after -2 it stays. The new block
- *      belongs to the host, which releases it with tqImageFree.
- * @par Memory The new block and a few numbers a column and a row.
+ * @par Ownership
+ * A block that *image holds is freed when the new one stands; after -2 it stays. The new block belongs to the
+ * host, which releases it with tqImageFree.
+ * @par Memory
+ * The new block and a few numbers a column and a row.
  * @note Lines run from left and top to 2 x ((lineWidth - 1) / 2) pels past the first pel of the last line
  *       across them. With an even width that is one pel short of the grid's corner, and hosts rely on it. A
  *       line that would start before the image is moved to its first column or row, not cut.
@@ -126,9 +141,11 @@ TQ_API int32_t TQ_CALL tqCreateGridPattern(TqImage** image, int32_t cols, int32_
  * @param[in] countY horizontal lines; 0 or less draws none
  * @param[in] lineWidth width of the lines, pels; below 1 nothing is drawn
  * @return 0; -2 when image is null, a side is negative or no block of that size can be had
- * @par Ownership A block that *image holds is freed when the new one stands; after -2 it stays. The new block
- *      belongs to the host, which releases it with tqImageFree.
- * @par Memory The new block and a few numbers a column and a row.
+ * @par Ownership
+ * A block that *image holds is freed when the new one stands; after -2 it stays. The new block belongs to the
+ * host, which releases it with tqImageFree.
+ * @par Memory
+ * The new block and a few numbers a column and a row.
  * @note Vertical line k starts at column (2 k + 1) (cols - 1) / (2 countX), nearest, less lineWidth / 2,
  *       truncated; rows alike.
  */
@@ -143,9 +160,11 @@ TQ_API int32_t TQ_CALL tqCreateConvergencePattern(TqImage** image, int32_t cols,
  * @param[in] horizontal non-zero for horizontal lines, 0 for vertical ones
  * @param[in] lineWidth width of the lines, pels; below 1 counts as 1
  * @return 0; -2 when image is null, a side is negative or no block of that size can be had
- * @par Ownership A block that *image holds is freed when the new one stands; after -2 it stays. The new block
- *      belongs to the host, which releases it with tqImageFree.
- * @par Memory The new block.
+ * @par Ownership
+ * A block that *image holds is freed when the new one stands; after -2 it stays. The new block belongs to the
+ * host, which releases it with tqImageFree.
+ * @par Memory
+ * The new block.
  * @note A vertical line at p percent starts at column p / 100 x (cols - 1), nearest, less lineWidth / 2,
  *       truncated; horizontal ones by rows.
  */
@@ -163,9 +182,11 @@ TQ_API int32_t TQ_CALL tqCreateVESAConvergencePattern(TqImage** image, int32_t c
  * @param[in] frameY height of every frame's top and bottom sides, pels; below 1 the frames have none
  * @param[in] interior grey level inside the frames; below 0 counts as 0, above 65535 as 65535
  * @return 0; -2 when image is null, a side is negative or no block of that size can be had
- * @par Ownership A block that *image holds is freed when the new one stands; after -2 it stays. The new block
- *      belongs to the host, which releases it with tqImageFree.
- * @par Memory The new block and a row.
+ * @par Ownership
+ * A block that *image holds is freed when the new one stands; after -2 it stays. The new block belongs to the
+ * host, which releases it with tqImageFree.
+ * @par Memory
+ * The new block and a row.
  * @note A pel with dx and dy pels between it and the nearest edges lies in frame dx / frameX or dy / frameY,
  *       truncated, whichever is less.
  */
@@ -182,9 +203,11 @@ TQ_API int32_t TQ_CALL tqCreateBorderPattern(TqImage** image, int32_t count, con
  * @param[in] fieldsY fields in a column; below 2 counts as 2
  * @param[in] whiteFirst non-zero for a white field in the first column and row, 0 for a black one
  * @return 0; -2 when image is null, a side is negative or no block of that size can be had
- * @par Ownership A block that *image holds is freed when the new one stands; after -2 it stays. The new block
- *      belongs to the host, which releases it with tqImageFree.
- * @par Memory The new block and two rows.
+ * @par Ownership
+ * A block that *image holds is freed when the new one stands; after -2 it stays. The new block belongs to the
+ * host, which releases it with tqImageFree.
+ * @par Memory
+ * The new block and two rows.
  * @note Field k of a row, counted from 1, ends with column k (cols - 1) / fieldsX, nearest; rows alike. With
  *       more fields than pels some are empty, and still count for the alternation.
  */
@@ -203,9 +226,11 @@ TQ_API int32_t TQ_CALL tqCreateCheckerboardPattern(TqImage** image, int32_t cols
  * @param[in] fourPrimaries 0: the lower right field is lit in red, green and blue, and the fourth plane marks
  *            it; else it is lit in the fourth plane only
  * @return 0; -2 when a pointer that is needed is null, a side is negative or no block of that size can be had
- * @par Ownership Blocks that the pointers hold are freed when all new ones stand; after -2 they stay. The new
- *      blocks belong to the host, which releases each with tqImageFree.
- * @par Memory The new blocks.
+ * @par Ownership
+ * Blocks that the pointers hold are freed when all new ones stand; after -2 they stay. The new blocks belong
+ * to the host, which releases each with tqImageFree.
+ * @par Memory
+ * The new blocks.
  * @note The middle column and row of odd sides belong to the left and upper fields.
  */
 TQ_API int32_t TQ_CALL tqCreateFourColorImage(TqImage** red, TqImage** green, TqImage** blue, TqImage** white,
@@ -219,14 +244,18 @@ TQ_API int32_t TQ_CALL tqCreateFourColorImage(TqImage** red, TqImage** green, Tq
  * @param[in] rows rows, pels, 0 or more
  * @return 0; -2 when image is null, a side is negative or no block of that size can be had; -3 when steps is
  * below 2
- * @par Ownership A block that *image holds is freed when the new one stands; after -2 and -3 it stays. The
- *      new block belongs to the host, which releases it with tqImageFree.
- * @par Memory The new block and a row.
+ * @par Ownership
+ * A block that *image holds is freed when the new one stands; after -2 and -3 it stays. The new block belongs
+ * to the host, which releases it with tqImageFree.
+ * @par Memory
+ * The new block and a row.
  * @note A band is cols / steps + 0.5 columns wide, nearest; the last one takes what is left, so when the
  *       width is rounded up the right bands are narrower, or cut off by the image. Band k from 0 has the
  *       grey level k x 65535 / (steps - 1), truncated.
  */
 TQ_API int32_t TQ_CALL tqCreateGrayScaleImage(TqImage** image, int32_t steps, int32_t cols, int32_t rows);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -13,6 +13,11 @@
 extern "C" {
 #endif
 
+/** @defgroup thresholds Thresholds
+ *  @ingroup process
+ *  @copydoc thresholds.h
+ *  @{ */
+
 /**
  * @brief Clears the pels below a threshold and keeps or marks the others.
  * @param[in,out] image Address of the pointer to the image; the result, with the image's header and refreshed
@@ -126,8 +131,8 @@ TQ_API int32_t TQ_CALL tqThresholdImageEdge(TqImage** image, int32_t threshold, 
  * all pels of the neighbourhood, pels of 0 included. It is dark below (1 - percent / 100) * mean and bright
  * above (1 + percent / 100) * mean; one that is both counts as bright.
  *
- * @param[out] out    Address of the pointer that receives the result, with the source's whole header; may be
- *                    the source's own. Untouched after a failure.
+ * @param[in,out] out    Address of the pointer that receives the result, with the source's whole header; may
+ *                       be the source's own. Untouched after a failure.
  * @param[in] source  Image to test.
  * @param[in] kind    0 dark pels, 1 bright pels, any other value both.
  * @param[in] width   Columns of the neighbourhood; below 1 counts as 1.
@@ -153,8 +158,8 @@ TQ_API int32_t TQ_CALL tqLocalThresholdImage(TqImage** out, const TqImage* sourc
  *
  * At the border the neighbourhood slides inward and keeps its size, so that pels there are tested too.
  *
- * @param[out] out    Address of the pointer that receives the result, with the source's whole header; may be
- *                    the source's own. Untouched after a failure.
+ * @param[in,out] out    Address of the pointer that receives the result, with the source's whole header; may
+ *                       be the source's own. Untouched after a failure.
  * @param[in] source  Image to test; pels of 0 hold no data.
  * @param[in] kind    0 dark pels, 1 bright pels, any other value both.
  * @param[in] width   Columns of the neighbourhood, from column - width / 2 on; below 1 counts as 1.
@@ -175,8 +180,8 @@ TQ_API int32_t TQ_CALL tqLocalThresholdImage2(TqImage** out, const TqImage* sour
 
 /**
  * @brief The same, only for the pels whose neighbourhood lies inside the image and holds no 0.
- * @param[out] out    Address of the pointer that receives the result, with the source's whole header; may be
- *                    the source's own. Untouched after a failure.
+ * @param[in,out] out    Address of the pointer that receives the result, with the source's whole header; may
+ *                       be the source's own. Untouched after a failure.
  * @param[in] source  Image to test; pels of 0 hold no data.
  * @param[in] kind    0 dark pels, 1 bright pels, any other value both.
  * @param[in] width   Columns of the neighbourhood, from column - width / 2 on; below 1 counts as 1.
@@ -194,6 +199,8 @@ TQ_API int32_t TQ_CALL tqLocalThresholdImage2(TqImage** out, const TqImage* sour
 TQ_API int32_t TQ_CALL tqLocalThresholdImage3(TqImage** out, const TqImage* source, int32_t kind,
                                               int32_t width, int32_t height, double percent, int32_t* bright,
                                               int32_t* dark);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

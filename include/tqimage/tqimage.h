@@ -1,6 +1,17 @@
 /** @file tqimage.h
  *  Everything that TqImage20 declares.
  */
+
+/** @defgroup core Images and their exchange
+ *  @defgroup interchange Bitmaps, files and other forms
+ *  @defgroup measure Measurement
+ *  @defgroup process Processing
+ *  @defgroup geometry Geometry
+ *  @defgroup colour Colour
+ *  @defgroup calibration Calibration
+ *  @defgroup analysis Analysis
+ *  @defgroup patterns Patterns and plots
+ */
 #ifndef TQIMAGE_TQIMAGE_H
 #define TQIMAGE_TQIMAGE_H
 

@@ -10,6 +10,11 @@
 extern "C" {
 #endif
 
+/** @defgroup transform Projective transformation
+ *  @ingroup geometry
+ *  @copydoc transform.h
+ *  @{ */
+
 /**
  * @brief Resamples an image through a projective transformation: turning, scaling, shearing and perspective.
  *
@@ -38,6 +43,8 @@ extern "C" {
  */
 TQ_API int32_t TQ_CALL tqTransformImage(TqImage** image, const double* matrix, int32_t cols, int32_t rows,
                                         int32_t kernel, int32_t fill);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

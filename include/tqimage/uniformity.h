@@ -22,6 +22,11 @@
 extern "C" {
 #endif
 
+/** @defgroup uniformity Displays and projectors
+ *  @ingroup measure
+ *  @copydoc uniformity.h
+ *  @{ */
+
 /** @brief Luminous flux of a projected white field: the mean illuminance of the nine grid points times the
  *  lit area.
  *  @param[in] image image of the field; what lies outside it has been set to 0
@@ -49,8 +54,8 @@ TQ_API double TQ_CALL tqCalcANSILumens(const TqImage* image, int32_t shape, int3
  *  @return 0; -2 image null or invalid; -3 PelsPerMeterX or PelsPerMeterY not positive
  *  @par Source
  *  The thirteen points of ANSI IT7.228-1997 for the uniformity of projectors.
- *  @note Nine dark samples have no mean to deviate from: the outputs are then not a number, or infinite when a
- *        corner is lit.
+ *  @note Nine dark samples have no mean to deviate from: the outputs are then not a number, or infinite when
+ *        a corner is lit.
  */
 TQ_API int32_t TQ_CALL tqCalcANSIUniformity(const TqImage* image, double* maximumDeviation,
                                             double* minimumDeviation, int32_t shape, int32_t width,
@@ -113,8 +118,8 @@ TQ_API double TQ_CALL tqCalcSemu(const TqImage* image, int32_t threshold, double
 
 /** @brief A contrast map: the Michelson contrast of each pel against the mean, scaled so that the strongest
  *  becomes 65535.
- *  @param[out] out address of the host's image pointer; receives the map, an image of the source's size with
- *              its whole header. Untouched by -2 and -5
+ *  @param[in,out] out address of the host's image pointer; receives the map, an image of the source's size
+ *              with its whole header. Untouched by -2 and -5
  *  @param[in] source image to map; may be the image that *out holds
  *  @return 0; -2 source null or invalid, or out null; -5 no memory; -3 PelsPerMeterX or PelsPerMeterY not
  *          positive: *out is then an image of zeros
@@ -132,9 +137,9 @@ TQ_API int32_t TQ_CALL tqCalcAbsContrast(TqImage** out, const TqImage* source);
 
 /** @brief The lit field in the image of a lamp.
  *
- *  A cell is a square of 2 x 2 pels. Its level is the truncated mean of those pels v with v < 2 m and
- *  v > trunc(m / 2), m being the mean of the four: a hot pel does not light a cell. When none qualifies it is
- *  trunc(m). A cell is lit when its level exceeds the threshold.
+ *  A cell is a square of 2 x 2 pels; cells begin at every pel, so they overlap. Its level is the truncated
+ *  mean of those pels v with v < 2 m and v > trunc(m / 2), m being the mean of the four: a hot pel does not
+ *  light a cell. When none qualifies it is trunc(m). A cell is lit when its level exceeds the threshold.
  *  @param[in] image image of the field
  *  @param[in] threshold level that a lit cell exceeds, grey levels, any value
  *  @param[out] left first column of the first column of cells with a lit one
@@ -142,6 +147,7 @@ TQ_API int32_t TQ_CALL tqCalcAbsContrast(TqImage** out, const TqImage* source);
  *  @param[out] right last column of the last column of cells with a lit one, but at least left + 1
  *  @param[out] bottom last row of the last row of cells with a lit one
  *  @return 0; -1 image null or invalid (the outputs untouched)
+ *  @note A cell half in the dark is lit, so the range reaches one pel beyond a field with sharp borders.
  *  @note Without a field left and right are PelCols / 2 - 1 and PelCols / 2, top and bottom PelRows / 2 - 1
  *        and PelRows / 2, and the result is 0. An image of one column or row has no cell and no field.
  *  @note A cell that begins in the last column takes its right-hand pels from the start of the next row, in
@@ -150,6 +156,8 @@ TQ_API int32_t TQ_CALL tqCalcAbsContrast(TqImage** out, const TqImage* source);
  */
 TQ_API int32_t TQ_CALL tqCalcLampClipRange(const TqImage* image, int32_t threshold, int32_t* left,
                                            int32_t* top, int32_t* right, int32_t* bottom);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

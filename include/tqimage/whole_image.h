@@ -14,6 +14,11 @@
 extern "C" {
 #endif
 
+/** @defgroup whole_image Whole images
+ *  @ingroup measure
+ *  @copydoc whole_image.h
+ *  @{ */
+
 /** @brief Counts the pels that reach a level.
  *  @param[in] image image to measure
  *  @param[out] count pels of at least the level; untouched after a failure
@@ -94,7 +99,7 @@ TQ_API int32_t TQ_CALL tqGetMinPelValue2(const TqImage* image, float* minimum);
  *  TotalPelValue becomes the sum of all pels and MaxPelValue the largest pel. CenterPelValue becomes the mean
  *  of the block around (CenterCol, CenterRow), which reaches (int)((PelCols + 49) * 0.005) columns and
  *  (int)((PelRows + 49) * 0.005) rows to each side, rounded and cut to the image, 0 when no pel is left of
- * it; 1.0 when the centre lies outside the image.
+ *  it; 1.0 when the centre lies outside the image.
  *  @param[in,out] image image to measure; the other fields and the pels stay
  *  @return 0; -2 image null or invalid
  *  @note MaxPelValue ends as the largest pel, not as the mean of tqMaxAvgPels: hosts rely on no pel being
@@ -108,8 +113,8 @@ TQ_API int32_t TQ_CALL tqCalcImageValues(TqImage* image);
  *  @return 0; -2 image null or invalid, or no memory
  *  @par Memory
  *  One working row.
- *  @note The sum of a column is formed top to bottom in single precision, which rounds beyond 2^24: hosts rely
- *        on getting the figures they have stored.
+ *  @note The sum of a column is formed top to bottom in single precision, which rounds beyond 2^24: hosts
+ *        rely on getting the figures they have stored.
  */
 TQ_API int32_t TQ_CALL tqColAverage(TqImage* image);
 
@@ -120,6 +125,8 @@ TQ_API int32_t TQ_CALL tqColAverage(TqImage* image);
  *  @note The sum of a row is formed left to right in single precision, as those of tqColAverage are.
  */
 TQ_API int32_t TQ_CALL tqRowAverage(TqImage* image);
+
+/** @} */
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -8,11 +8,11 @@
 #include "analysis/centroid_sums.h"
 #include "core/guard.h"
 #include "core/image_view.h"
+#include "core/out_value.h"
 #include "core/rectangle.h"
 #include "kernels/first_moments.h"
 #include "kernels/window_sums.h"
 #include "measure/block_sweep.h"
-#include "measure/out_value.h"
 #include "measure/region_shapes.h"
 
 namespace tq {

@@ -1,8 +1,8 @@
 #include "tqimage/comparison.h"
 
-#include "core/guard.h"
 #include "core/image_block.h"
 #include "core/image_view.h"
+#include "core/replaced_image.h"
 #include "kernels/relative_difference.h"
 
 namespace tq {
@@ -40,8 +40,5 @@ std::int32_t TQ_CALL tqCompareImages(TqImage** result, const TqImage* reference,
     const ConstImageView actual = LocateImage(test);
     if (!actual) return kInvalidTest;
     if (!SameSize(expected, actual)) return kSizesDiffer;
-    return Guarded(kNoMemory, [&] {
-        CommitImage(result, Compare(expected, actual));
-        return 0;
-    });
+    return ReplaceImage(result, kNoMemory, [&] { return Compare(expected, actual); });
 }

@@ -6,8 +6,8 @@
 #include <cstdint>
 
 #include "core/image_view.h"
+#include "core/out_value.h"
 #include "core/rectangle.h"
-#include "measure/out_value.h"
 #include "measure/region_shapes.h"
 #include "measure/span_consumers.h"
 

@@ -4,9 +4,9 @@
 #include <array>
 #include <cstddef>
 
-#include "core/guard.h"
 #include "core/image_block.h"
 #include "core/image_view.h"
+#include "core/replaced_image.h"
 #include "kernels/line_mask.h"
 
 namespace tq {
@@ -51,8 +51,5 @@ std::int32_t TQ_CALL tqDetectLine(TqImage** result, const TqImage* source, std::
     const ConstImageView view = LocateImage(source);
     if (result == nullptr || !view) return kInvalidImage;
     if (direction >= kLines.size()) return kBadDirection;
-    return Guarded(kNotCreated, [&] {
-        CommitImage(result, DetectLines(view, kLines[direction]));
-        return 0;
-    });
+    return ReplaceImage(result, kNotCreated, [&] { return DetectLines(view, kLines[direction]); });
 }

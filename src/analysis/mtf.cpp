@@ -10,9 +10,9 @@
 #include "analysis/slanted_edge.h"
 #include "core/guard.h"
 #include "core/image_view.h"
+#include "core/out_value.h"
 #include "core/portable_math.h"
 #include "core/rectangle.h"
-#include "measure/out_value.h"
 
 namespace tq {
 namespace {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <numeric>
+#include <utility>
 
 #include "analysis/hamming.h"
 #include "core/numerics.h"

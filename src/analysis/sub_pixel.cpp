@@ -8,12 +8,11 @@
 
 #include "analysis/centroid_sums.h"
 #include "analysis/paraboloid.h"
-#include "core/guard.h"
 #include "core/image_view.h"
+#include "core/out_value.h"
 #include "core/portable_math.h"
 #include "core/rectangle.h"
 #include "kernels/span_statistics.h"
-#include "measure/out_value.h"
 #include "measure/region_shapes.h"
 #include "measure/span_consumers.h"
 

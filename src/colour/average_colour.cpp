@@ -1,8 +1,8 @@
 #include <cstdint>
 
 #include "colour/channels.h"
+#include "core/out_value.h"
 #include "core/rectangle.h"
-#include "measure/out_value.h"
 #include "measure/region_shapes.h"
 #include "tqimage/colour_averages.h"
 

@@ -1,8 +1,6 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
-#include <utility>
 
 #include "colour/channels.h"
 #include "colour/row_sampler.h"
@@ -10,31 +8,35 @@
 
 namespace tq {
 
-/// The rows of three channels at once.
+/// The rows of three channels at once: pels, or what samplers make of them.
 class ChannelSamplers {
   public:
+    explicit ChannelSamplers(const Channels& channels) : channels_(channels) {}
     /// sampler(view) makes that of a channel.
     template <class MakeSampler>
     ChannelSamplers(const Channels& channels, MakeSampler&& sampler)
-        : first_(sampler(channels.first)),
+        : channels_(channels),
+          first_(sampler(channels.first)),
           second_(sampler(channels.second)),
-          third_(sampler(channels.third)),
-          count_(static_cast<std::size_t>(channels.second.cols)) {}
+          third_(sampler(channels.third)) {}
 
-    kernels::ChannelRows Row(std::int32_t row) {
-        return {first_->Row(row), second_->Row(row), third_->Row(row), count_};
+    kernels::ChannelValues Row(std::int32_t row) {
+        const kernels::ChannelRuns pels = channels_.Run(row, 0, channels_.second.cols);
+        if (first_ == nullptr) return pels;
+        return kernels::ChannelRows{first_->Row(row), second_->Row(row), third_->Row(row), pels.count};
     }
 
   private:
+    Channels channels_;
     RowSamplerPtr first_;
     RowSamplerPtr second_;
     RowSamplerPtr third_;
-    std::size_t count_;
 };
 
 /// The channels' pels or block averages.
 inline ChannelSamplers BlockSamplers(const Channels& channels, std::int32_t blockCols, std::int32_t blockRows,
                                      Counted counted = Counted::kAll) {
+    if (IsSinglePel(blockCols, blockRows)) return ChannelSamplers(channels);
     return {channels,
             [&](const ConstImageView& view) { return SampleBlocks(view, blockCols, blockRows, counted); }};
 }

@@ -32,7 +32,7 @@ std::int32_t CompareWithin(const Surroundings& reach, const DifferenceRequest& a
         ChannelSamplers around(
             channels, [&](const ConstImageView& view) { return SampleWindows(view, size, request.counted); });
         return DifferenceImage(channels.second, holed, [&](std::int32_t row, float* values) {
-            kernels::LocalDifferences(samplers.Row(row), around.Row(row), weights, values);
+            kernels::LocalDifferences(samplers.Row(row), around.Row(row).averages, weights, values);
         });
     };
     const auto grey = [&](const ConstImageView& view, const DifferenceRequest& request, auto holed) {

@@ -78,7 +78,7 @@ RowSamplerPtr Means(const ConstImageView& view, Sweep sweep) {
 
 RowSamplerPtr SampleBlocks(const ConstImageView& view, std::int32_t blockCols, std::int32_t blockRows,
                            Counted counted) {
-    if (blockCols < 2 && blockRows < 2) return std::make_unique<PelSampler>(view);
+    if (IsSinglePel(blockCols, blockRows)) return std::make_unique<PelSampler>(view);
     // One size of 0 or 1 beside a larger one counts as 1.
     const std::int32_t width = std::max(blockCols, 1);
     const std::int32_t height = std::max(blockRows, 1);

@@ -4,7 +4,7 @@
 #include <memory>
 
 #include "core/image_view.h"
-#include "process/window_sweep.h"
+#include "measure/window_sweep.h"
 
 namespace tq {
 
@@ -20,6 +20,11 @@ class RowSampler {
 };
 
 using RowSamplerPtr = std::unique_ptr<RowSampler>;
+
+/// True for blocks that are just the pel in their middle.
+constexpr bool IsSinglePel(std::int32_t blockCols, std::int32_t blockRows) noexcept {
+    return blockCols < 2 && blockRows < 2;
+}
 
 /// The pels, or where a size is 2 or more the averages of the blocks around them, which cost the same for
 /// every size of block. An average over no pel is not a number.

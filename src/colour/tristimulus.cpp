@@ -7,7 +7,7 @@
 #include "colour/channels.h"
 #include "colour/mixed_images.h"
 #include "core/guard.h"
-#include "measure/out_value.h"
+#include "core/out_value.h"
 #include "tqimage/colour_transforms.h"
 
 using namespace tq;

@@ -55,8 +55,8 @@ double FixedPower::operator()(double value) const noexcept {
     // At most ln 2 / 64, so what the series leaves out is below 2^-57.
     const double x = (y - steps / static_cast<double>(powers_.size())) * kLn2;
     const double exp = 1.0 + x * (1.0 + x / 2 * (1.0 + x / 3 * (1.0 + x / 4 * (1.0 + x / 5))));
-    const auto part2 = static_cast<std::size_t>(step & ((1 << kExpBits) - 1));
-    return PowerOfTwo(step >> kExpBits) * (powers_[part2] * exp);
+    const auto fraction = static_cast<std::size_t>(step & ((1 << kExpBits) - 1));
+    return PowerOfTwo(step >> kExpBits) * (powers_[fraction] * exp);
 }
 
 }  // namespace tq

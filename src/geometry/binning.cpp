@@ -1,12 +1,13 @@
 #include <algorithm>
-#include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <numeric>
 #include <vector>
 
 #include "core/numerics.h"
 #include "geometry/replaced_image.h"
-#include "kernels/window_sums.h"
+#include "kernels/binning.h"
+#include "kernels/span_statistics.h"
 #include "tqimage/resampling.h"
 
 using namespace tq;
@@ -42,70 +43,88 @@ OwnedImage MakeBinned(const ConstImageView& source, const BinSize& bin) {
     return result;
 }
 
-/// The column sums of the rows of one bin. 8000 pels of a column stay below 2^32.
-class ColumnSums {
+/// The bins of one row of the result. The rows of a bin are added up first, pairs of columns where its width
+/// is even; what then is left of a bin lies side by side.
+class RowOfBins {
   public:
-    explicit ColumnSums(std::int32_t cols) : sums_(static_cast<std::size_t>(cols)) {}
+    RowOfBins(const ConstImageView& source, const BinSize& bin, std::int32_t bins)
+        : source_(source),
+          bin_(bin),
+          pairs_(bin.cols % 2 == 0),
+          perBin_(static_cast<std::size_t>(pairs_ ? bin.cols / 2 : bin.cols)),
+          bins_(static_cast<std::size_t>(bins)),
+          sums_(bins_ * perBin_) {}
 
-    void Clear() noexcept { std::fill(sums_.begin(), sums_.end(), 0u); }
-    void Add(const Pel* row) noexcept { kernels::AddRow(sums_.data(), row, sums_.size()); }
-    std::uint64_t OfBin(std::int32_t bin, std::int32_t cols) const noexcept {
-        const auto width = static_cast<std::size_t>(cols);
-        const std::uint32_t* first = sums_.data() + static_cast<std::size_t>(bin) * width;
-        std::uint64_t sum = 0;
-        for (std::size_t i = 0; i < width; ++i)
-            sum += first[i];
-        return sum;
+    /// The mean of a bin comes from a sum in a signed 32-bit accumulator that wraps: bins of more than 32768
+    /// bright pels have always come out so.
+    void Average(std::int32_t row, Pel* out) noexcept {
+        if (bin_.cols == 2 && bin_.rows == 2) {
+            kernels::MeansOfFour(source_.Row(2 * row), source_.Row(2 * row + 1), bins_, out);
+            return;
+        }
+        (pairs_ ? kernels::SumPairsOfColumns : kernels::SumColumns)(Rows(row), sums_.size(), sums_.data());
+        AddUpBins(sums_);
+        kernels::TruncatedMeans(sums_.data(), bins_, bin_.Pels(), out);
+    }
+
+    /// The mean of the pels that are not 0, in single precision.
+    void AverageLit(std::int32_t row, Pel* out) {
+        counts_.resize(sums_.size());
+        (pairs_ ? kernels::SumLitPairsOfColumns : kernels::SumLitColumns)(Rows(row), sums_.size(),
+                                                                          sums_.data(), counts_.data());
+        if (bin_.Pels() > kernels::kPelsBelow31Bits) {
+            for (std::size_t i = 0; i < bins_; ++i)
+                out[i] = LitMean(OfBin(sums_, i), OfBin(counts_, i));
+            return;
+        }
+        AddUpBins(sums_);
+        AddUpBins(counts_);
+        kernels::LitMeans(sums_.data(), counts_.data(), bins_, out);
     }
 
   private:
-    std::vector<std::uint32_t> sums_;
+    using Numbers = std::vector<std::uint32_t>;
+
+    static Pel LitMean(std::uint64_t sum, std::uint64_t count) noexcept {
+        if (count == 0) return 0;
+        return WrapToPel(TruncToInt32(static_cast<float>(sum) / static_cast<float>(count)));
+    }
+
+    kernels::PelRows Rows(std::int32_t row) const noexcept {
+        return {source_.Row(row * bin_.rows), source_.cols, static_cast<std::size_t>(bin_.rows)};
+    }
+    std::uint64_t OfBin(const Numbers& numbers, std::size_t bin) const noexcept {
+        const std::uint32_t* first = numbers.data() + bin * perBin_;
+        return std::accumulate(first, first + perBin_, std::uint64_t{0});
+    }
+    void AddUpBins(Numbers& numbers) const noexcept {
+        if (perBin_ == 1) return;
+        for (std::size_t i = 0; i < bins_; ++i)
+            numbers[i] = static_cast<std::uint32_t>(OfBin(numbers, i));
+    }
+
+    ConstImageView source_;
+    BinSize bin_;
+    bool pairs_;
+    std::size_t perBin_;
+    std::size_t bins_;
+    Numbers sums_;
+    Numbers counts_;
 };
 
-/// The mean of a bin from its sum, kept in a signed 32-bit accumulator that wraps: bins of more than 32768
-/// bright pels have always come out so.
-Pel WrappingMean(std::uint64_t sum, std::int32_t pels) noexcept {
-    return WrapToPel(std::bit_cast<std::int32_t>(static_cast<std::uint32_t>(sum)) / pels);
-}
-
 void AverageBins(const ConstImageView& source, const BinSize& bin, const ImageView& out) {
-    ColumnSums sums(out.cols * bin.cols);
-    for (std::int32_t row = 0; row < out.rows; ++row) {
-        sums.Clear();
-        for (std::int32_t i = 0; i < bin.rows; ++i)
-            sums.Add(source.Row(row * bin.rows + i));
-        for (std::int32_t col = 0; col < out.cols; ++col)
-            out.At(col, row) = WrappingMean(sums.OfBin(col, bin.cols), bin.Pels());
-    }
-}
-
-/// The mean of the pels that are not 0, in single precision.
-Pel LitMean(std::uint64_t sum, std::uint64_t count) noexcept {
-    if (count == 0) return 0;
-    return WrapToPel(TruncToInt32(static_cast<float>(sum) / static_cast<float>(count)));
+    RowOfBins bins(source, bin, out.cols);
+    for (std::int32_t row = 0; row < out.rows; ++row)
+        bins.Average(row, out.Row(row));
 }
 
 /// Returns the sum of the pels written.
 std::uint64_t AverageLitBins(const ConstImageView& source, const BinSize& bin, const ImageView& out) {
-    const std::int32_t cols = out.cols * bin.cols;
-    ColumnSums sums(cols);
-    ColumnSums counts(cols);
-    std::vector<Pel> lit(static_cast<std::size_t>(cols));
+    RowOfBins bins(source, bin, out.cols);
     std::uint64_t total = 0;
     for (std::int32_t row = 0; row < out.rows; ++row) {
-        sums.Clear();
-        counts.Clear();
-        for (std::int32_t i = 0; i < bin.rows; ++i) {
-            const Pel* pels = source.Row(row * bin.rows + i);
-            sums.Add(pels);
-            kernels::MarkNonZero(pels, lit.size(), lit.data());
-            counts.Add(lit.data());
-        }
-        for (std::int32_t col = 0; col < out.cols; ++col) {
-            const Pel mean = LitMean(sums.OfBin(col, bin.cols), counts.OfBin(col, bin.cols));
-            out.At(col, row) = mean;
-            total += mean;
-        }
+        bins.AverageLit(row, out.Row(row));
+        total += kernels::SumPels(out.Row(row), static_cast<std::size_t>(out.cols));
     }
     return total;
 }

@@ -1,11 +1,11 @@
+#include <cstddef>
 #include <cstdint>
 
 #include "core/guard.h"
 #include "core/image_block.h"
 #include "core/image_view.h"
-#include "core/numerics.h"
-#include "geometry/bilinear.h"
 #include "geometry/distortion_map.h"
+#include "kernels/map_row.h"
 #include "tqimage/keystone.h"
 
 namespace tq {
@@ -18,14 +18,11 @@ constexpr std::int32_t kNoMemory = -3;
 OwnedImage RemoveKeystone(const ConstImageView& image, const ConstMapView& map) {
     OwnedImage result(image, NewPels::kUnwritten);
     const ImageView out = result.View();
-    const BilinearSampler sampler(image);
-    const auto cols = static_cast<float>(image.cols);
-    const auto rows = static_cast<float>(image.rows);
-    for (std::int64_t i = 0; i < map.Count(); ++i) {
-        const MapEntry entry = map.entries[i];
-        // The bound of columns is one looser than that of rows; hosts rely on maps made to these bounds.
-        const bool hasSource = entry.HasSource() && entry.col <= cols && entry.row < rows;
-        out.pels[i] = hasSource ? WrapToPel(TruncToInt32(sampler.AnyPlace(entry.col, entry.row))) : Pel{0};
+    const kernels::SourcePels source{image.pels, image.cols, image.rows};
+    // The bound of columns is one looser than that of rows, but a place in the column after the last is
+    // outside for the sampler: either bound gives 0 there.
+    for (std::int32_t row = 0; row < out.rows; ++row) {
+        kernels::SampleWithin(source, &map.Row(row)->col, static_cast<std::size_t>(out.cols), out.Row(row));
     }
     return result;
 }

@@ -1,14 +1,16 @@
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <vector>
 
 #include "core/guard.h"
 #include "core/image_block.h"
 #include "core/image_view.h"
 #include "core/numerics.h"
 #include "core/sensor_offset.h"
-#include "geometry/bilinear.h"
 #include "geometry/distortion_map.h"
+#include "kernels/map_row.h"
 #include "tqimage/distortion.h"
 
 namespace tq {
@@ -41,53 +43,42 @@ bool PlaceAxis(float mapCenter, float imageCenter, std::int16_t bin, std::int32_
     return true;
 }
 
-/// A source position of the unbinned sensor in the image's own pels. Every step rounds to float, because the
-/// maps were measured through exactly this arithmetic; dividing by 1 changes no bit, so an unbinned image
-/// goes without the division.
-template <bool kBinned>
-float ToImagePels(float source, float offset, float step, float last) noexcept {
-    float place = source - offset;
-    if constexpr (kBinned) place /= step;
-    return std::min(std::max(place, 0.0f), last);
-}
-
-/// 0 is kept for pels without a source, so a dark pel that has one becomes 1.
-Pel SampleLit(const BilinearSampler& sampler, float col, float row) noexcept {
-    const Pel pel = WrapToPel(TruncToInt32(sampler.PlaceInside(col, row)));
-    return pel == 0 ? Pel{1} : pel;
-}
-
-/// One row of the result from its row of entries.
-template <bool kBinned>
-void CorrectRow(const ConstImageView& image, const MapEntry* entries, const AxisPlace& cols,
-                const AxisPlace& rows, Pel* out) noexcept {
-    const auto col0 = static_cast<float>(cols.offset);
-    const auto row0 = static_cast<float>(rows.offset);
-    const auto colStep = static_cast<float>(cols.step);
-    const auto rowStep = static_cast<float>(rows.step);
-    const auto lastCol = static_cast<float>(image.cols - 1);
-    const auto lastRow = static_cast<float>(image.rows - 1);
-    const BilinearSampler sampler(image);
-    for (std::int32_t c = 0; c < cols.covered; ++c) {
-        const MapEntry& entry = entries[cols.offset + c * cols.step];
-        if (!entry.HasSource()) {
-            out[c] = 0;
-            continue;
-        }
-        out[c] = SampleLit(sampler, ToImagePels<kBinned>(entry.col, col0, colStep, lastCol),
-                           ToImagePels<kBinned>(entry.row, row0, rowStep, lastRow));
+/// The entries of a row of the image, which a binned image takes from every second, third ... of the map's.
+class EntriesOfRow {
+  public:
+    explicit EntriesOfRow(const AxisPlace& cols) : cols_(cols) {
+        if (cols.step != 1) picked_.resize(static_cast<std::size_t>(cols.covered));
     }
-    std::fill(out + cols.covered, out + image.cols, Pel{0});
-}
+
+    const MapEntry* In(const MapEntry* mapRow) noexcept {
+        if (cols_.step == 1) return mapRow + cols_.offset;
+        const auto step = static_cast<std::size_t>(cols_.step);
+        for (std::size_t i = 0; i < picked_.size(); ++i)
+            picked_[i] = mapRow[static_cast<std::size_t>(cols_.offset) + i * step];
+        return picked_.data();
+    }
+
+  private:
+    AxisPlace cols_;
+    std::vector<MapEntry> picked_;
+};
 
 OwnedImage CorrectImage(const ConstImageView& image, const ConstMapView& map, const AxisPlace& cols,
                         const AxisPlace& rows) {
     OwnedImage result(image, NewPels::kUnwritten);
     const ImageView out = result.View();
-    const auto correctRow = cols.step == 1 && rows.step == 1 ? CorrectRow<false> : CorrectRow<true>;
+    const kernels::SourcePels source{image.pels, image.cols, image.rows};
+    const kernels::SensorWindow window{static_cast<float>(cols.offset), static_cast<float>(rows.offset),
+                                       static_cast<float>(cols.step), static_cast<float>(rows.step)};
+    EntriesOfRow entries(cols);
     for (std::int32_t row = 0; row < rows.covered; ++row) {
-        const std::int64_t mapRow = rows.offset + static_cast<std::int64_t>(row) * rows.step;
-        correctRow(image, map.Row(mapRow), cols, rows, out.Row(row));
+        Pel* pels = out.Row(row);
+        if (cols.covered > 0) {
+            const std::int64_t mapRow = rows.offset + static_cast<std::int64_t>(row) * rows.step;
+            const MapEntry* first = entries.In(map.Row(mapRow));
+            kernels::SampleClamped(source, &first->col, static_cast<std::size_t>(cols.covered), window, pels);
+        }
+        std::fill(pels + cols.covered, pels + out.cols, Pel{0});
     }
     std::fill(out.Row(rows.covered), out.Row(image.rows), Pel{0});
     return result;

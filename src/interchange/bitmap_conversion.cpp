@@ -25,10 +25,9 @@ constexpr std::int32_t kNoPalette = 0;
 /// `makeTable(const TqImageHeader&, Pel largest)` gives the byte of every pel.
 template <class MakeTable>
 OwnedBitmap Convert(const ImageView& image, const std::optional<Palette>& palette, MakeTable&& makeTable) {
-    OwnedBitmap bitmap(image.cols, image.rows, palette ? &*palette : nullptr);
+    OwnedBitmap bitmap(image.cols, image.rows, palette ? &*palette : nullptr, NewPixels::kUnwritten);
     EnsureScale(*image.header);
-    const Pel largest = kernels::FindMinMax(image.pels, image.Count()).max;
-    const std::vector<std::uint8_t> bytes = makeTable(*image.header, largest);
+    const std::vector<std::uint8_t> bytes = makeTable(*image.header, LargestToTabulate(image));
     for (std::int32_t row = 0; row < image.rows; ++row) {
         kernels::LookUp(image.Row(row), bytes.data(), bitmap.Row(row), static_cast<std::size_t>(image.cols));
     }

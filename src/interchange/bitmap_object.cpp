@@ -28,7 +28,8 @@ std::int64_t PaddedLine(std::int64_t width, std::int64_t bitsPerPixel) noexcept 
     return (width * bitsPerPixel + 31) / 32 * 4;
 }
 
-OwnedBitmap::OwnedBitmap(std::int32_t width, std::int32_t height, BitmapDepth depth, const Palette* palette) {
+OwnedBitmap::OwnedBitmap(std::int32_t width, std::int32_t height, BitmapDepth depth, const Palette* palette,
+                         NewPixels pixels) {
     const auto bits = static_cast<std::int32_t>(depth);
     const std::size_t bytes = GridBytes(0, 1, PaddedLine(width, bits), height);
     bitmap_.structSize = sizeof(TqLeadBitmap);
@@ -43,16 +44,25 @@ OwnedBitmap::OwnedBitmap(std::int32_t width, std::int32_t height, BitmapDepth de
         palette_.reset(new std::uint8_t[sizeof(Palette)]);
         std::memcpy(palette_.get(), palette->data(), sizeof(Palette));
     }
-    rows_ = std::make_unique<std::uint8_t[]>(bytes);
+    const bool zero = pixels == NewPixels::kZero;
+    rows_.reset(zero ? new std::uint8_t[bytes]() : new std::uint8_t[bytes]);
     bitmap_.palette = palette_.get();
     bitmap_.rows = rows_.get();
+    if (!zero) ClearPadding();
 }
 
-OwnedBitmap::OwnedBitmap(std::int32_t width, std::int32_t height, const Palette* palette)
-    : OwnedBitmap(width, height, BitmapDepth::kBytes, palette) {}
+OwnedBitmap::OwnedBitmap(std::int32_t width, std::int32_t height, const Palette* palette, NewPixels pixels)
+    : OwnedBitmap(width, height, BitmapDepth::kBytes, palette, pixels) {}
 
-OwnedBitmap OwnedBitmap::OfColours(std::int32_t width, std::int32_t height) {
-    return {width, height, BitmapDepth::kColours, nullptr};
+OwnedBitmap OwnedBitmap::OfColours(std::int32_t width, std::int32_t height, NewPixels pixels) {
+    return {width, height, BitmapDepth::kColours, nullptr, pixels};
+}
+
+void OwnedBitmap::ClearPadding() noexcept {
+    const std::ptrdiff_t used = static_cast<std::ptrdiff_t>(bitmap_.width) * bitmap_.bitsPerPixel / 8;
+    if (used == bitmap_.bytesPerLine) return;
+    for (std::int32_t row = 0; row < bitmap_.height; ++row)
+        std::fill(Row(row) + used, Row(row) + bitmap_.bytesPerLine, std::uint8_t{0});
 }
 
 std::uint8_t* OwnedBitmap::Row(std::int32_t row) const noexcept {

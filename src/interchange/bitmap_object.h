@@ -18,20 +18,28 @@ enum class BitmapDepth : std::int32_t {
     kColours = 24,  ///< blue, green, red
 };
 
+/// What the pixels of a new bitmap hold. The bytes that pad its lines are always 0.
+enum class NewPixels {
+    kZero,
+    kUnwritten,  ///< for makers that write every pixel
+};
+
 /// A bitmap that the library is making, until the host has it.
 class OwnedBitmap {
   public:
-    /// 8 bits a pixel, top-down, all pixels 0; `palette` may be null. Throws std::bad_alloc.
-    OwnedBitmap(std::int32_t width, std::int32_t height, const Palette* palette);
-    /// 24 bits a pixel, top-down, all pixels black. Throws std::bad_alloc.
-    static OwnedBitmap OfColours(std::int32_t width, std::int32_t height);
+    /// 8 bits a pixel, top-down; `palette` may be null. Throws std::bad_alloc.
+    OwnedBitmap(std::int32_t width, std::int32_t height, const Palette* palette, NewPixels pixels);
+    /// 24 bits a pixel, top-down. Throws std::bad_alloc.
+    static OwnedBitmap OfColours(std::int32_t width, std::int32_t height, NewPixels pixels);
 
     const TqLeadBitmap& Get() const noexcept { return bitmap_; }
     std::uint8_t* Row(std::int32_t row) const noexcept;
     TqLeadBitmap Release() noexcept;
 
   private:
-    OwnedBitmap(std::int32_t width, std::int32_t height, BitmapDepth depth, const Palette* palette);
+    OwnedBitmap(std::int32_t width, std::int32_t height, BitmapDepth depth, const Palette* palette,
+                NewPixels pixels);
+    void ClearPadding() noexcept;
 
     TqLeadBitmap bitmap_{};
     std::unique_ptr<std::uint8_t[]> palette_;

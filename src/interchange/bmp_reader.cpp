@@ -40,8 +40,11 @@ void UnpackRow(const BmpLayout& layout, std::size_t start, std::uint8_t* out) no
 
 /// At the depth that comes closest to the file's own.
 std::optional<OwnedBitmap> Unpack(const BmpLayout& layout) {
-    OwnedBitmap bitmap = layout.HasPalette() ? OwnedBitmap(layout.width, layout.height, &layout.colours)
-                                             : OwnedBitmap::OfColours(layout.width, layout.height);
+    // Run lengths may skip pixels.
+    const NewPixels pixels = layout.runLengths ? NewPixels::kZero : NewPixels::kUnwritten;
+    OwnedBitmap bitmap = layout.HasPalette()
+                             ? OwnedBitmap(layout.width, layout.height, &layout.colours, pixels)
+                             : OwnedBitmap::OfColours(layout.width, layout.height, pixels);
     if (layout.runLengths) {
         if (!UnpackRunLengths(layout.pixels, layout.bitsPerPixel, bitmap)) return std::nullopt;
         return bitmap;
@@ -55,7 +58,7 @@ std::optional<OwnedBitmap> Unpack(const BmpLayout& layout) {
 
 OwnedBitmap ColoursOf(const OwnedBitmap& entries, const Palette& palette) {
     const auto [width, height] = std::pair(entries.Get().width, entries.Get().height);
-    OwnedBitmap colours = OwnedBitmap::OfColours(width, height);
+    OwnedBitmap colours = OwnedBitmap::OfColours(width, height, NewPixels::kUnwritten);
     for (std::int32_t row = 0; row < height; ++row) {
         const std::uint8_t* from = entries.Row(row);
         std::uint8_t* to = colours.Row(row);
@@ -73,7 +76,7 @@ std::uint8_t Grey(const std::uint8_t* colour) noexcept {
 OwnedBitmap GreysOf(const OwnedBitmap& colours) {
     const auto [width, height] = std::pair(colours.Get().width, colours.Get().height);
     const Palette ramp = GreyRamp();
-    OwnedBitmap greys(width, height, &ramp);
+    OwnedBitmap greys(width, height, &ramp, NewPixels::kUnwritten);
     for (std::int32_t row = 0; row < height; ++row) {
         const std::uint8_t* from = colours.Row(row);
         std::uint8_t* to = greys.Row(row);

@@ -8,9 +8,11 @@
 
 #include "core/guard.h"
 #include "core/image_view.h"
-#include "core/portable_math.h"
 #include "interchange/bitmap_object.h"
+#include "interchange/combined_gamma.h"
 #include "interchange/tone_curve.h"
+#include "kernels/colour_bytes.h"
+#include "kernels/pel_arithmetic.h"
 #include "tqimage/colour_bitmap.h"
 
 namespace tq {
@@ -20,44 +22,30 @@ constexpr std::int32_t kInvalidImage = -1;
 constexpr std::int32_t kNoBitmap = -2;
 constexpr std::int32_t kNoDib = -11;
 
-constexpr double kFullScale = 255.0;
 constexpr std::uint8_t kWhite = 255;
-
-/// Three numbers in the order in which bitmaps store them.
-enum Channel : std::size_t { kBlue, kGreen, kRed, kChannels };
-using Triple = std::array<double, kChannels>;
-
-double Largest(const Triple& values) noexcept {
-    return std::max(std::max(values[kRed], values[kGreen]), values[kBlue]);
-}
 
 /// The images present, of one size, and what turns their pels into light.
 struct Sources {
     std::array<ConstImageView, kChannels> images;
-    Triple gains{};
+    Triple gains{};  ///< 0 for an image that is absent
     std::int32_t cols = 0;
     std::int32_t rows = 0;
     double fullScale = 0.0;
 
     bool Add(Channel channel, const TqImage* image, float gain) noexcept {
-        gains[channel] = gain;
         if (image == nullptr) return true;
         const ConstImageView view = LocateImage(image);
         if (!view || (cols != 0 && (view.cols != cols || view.rows != rows))) return false;
         const auto scale = static_cast<double>(view.header->MaxPelValue);
         fullScale = cols == 0 ? scale : std::max(fullScale, scale);
         images[channel] = view;
+        gains[channel] = gain;
         cols = view.cols;
         rows = view.rows;
         return true;
     }
-    Triple Light(std::int32_t col, std::int32_t row) const noexcept {
-        Triple light{};
-        for (std::size_t i = 0; i < kChannels; ++i) {
-            if (images[i]) light[i] = images[i].At(col, row) * gains[i];
-        }
-        return light;
-    }
+    std::size_t Cols() const noexcept { return static_cast<std::size_t>(cols); }
+    std::size_t Count() const noexcept { return Cols() * static_cast<std::size_t>(rows); }
 };
 
 struct Style {
@@ -66,78 +54,122 @@ struct Style {
     double gamma;
 };
 
-/// Bytes of light / fullScale, made brighter or darker by one power of the largest of the three. As long as
-/// no result is next to a whole number the C library's powers are good enough for the same bytes everywhere.
-void EncodeWithGamma(Triple light, double gamma, std::uint8_t* pixel) {
-    const double largest = Largest(light);
-    const auto scaled = [&](double factor, auto&& tone) {
-        Triple tones;
+/// Makes one row after the other.
+class Rows {
+  public:
+    Rows(const Sources& sources, const Style& style)
+        : sources_(sources), style_(style), dark_(sources.Cols()), left_(sources.Cols()), way_(ChooseWay()) {
+        for (auto& channel : bytes_)
+            channel.resize(sources.Cols());
+        if (way_ == Way::kLevels) {
+            for (std::size_t i = 0; i < kChannels; ++i)
+                tables_[i] = MakeToneTable(1.0, sources.fullScale, kLargestPel, sources.gains[i]);
+        }
+        if (way_ == Way::kGamma) gamma_.emplace(style.gamma, sources.fullScale, sources.gains);
+    }
+
+    void Fill(std::int32_t row, std::uint8_t* out) {
         for (std::size_t i = 0; i < kChannels; ++i)
-            tones[i] = tone(light[i] * factor, kToneExponent);
-        return tones;
+            pels_[i] = sources_.images[i] ? sources_.images[i].Row(row) : dark_.data();
+        if (way_ == Way::kPixels) {
+            for (std::size_t col = 0; col < sources_.Cols(); ++col)
+                FillPixel(col, out + kChannels * col);
+        } else {
+            FillTogether(out);
+        }
+        if (style_.whiteForBlack) WhitenBlack(out);
+    }
+
+  private:
+    /// How bytes come about: as the host's numbers allow, the last way being the one for all of them.
+    enum class Way {
+        kNormalized,
+        kLevels,  ///< a byte depends on its own pel alone
+        kGamma,
+        kPixels,
     };
-    Triple tones = scaled(largest > 0.0 ? std::pow(largest, gamma - 1.0) : 1.0, RoughTone);
-    if (std::ranges::any_of(tones, IsDoubtful)) {
-        tones = scaled(largest > 0.0 ? portable::Pow(largest, gamma - 1.0) : 1.0, ExactTone);
+
+    /// Tables of powers for all levels take longer than fewer pixels one by one.
+    static constexpr std::size_t kWorthTables = 16'000;
+
+    Way ChooseWay() const noexcept {
+        const auto isFinite = [](double gain) { return std::isfinite(gain); };
+        // Without a light above 0 a normalized pixel is black, with and without a scale.
+        if (style_.normalize)
+            return std::ranges::all_of(sources_.gains, isFinite) ? Way::kNormalized : Way::kPixels;
+        if (!(sources_.fullScale > 0.0)) return Way::kPixels;
+        if (style_.gamma == 1.0) return Way::kLevels;
+        const bool worth = sources_.Count() >= kWorthTables;
+        return worth && CombinedGamma::Holds(style_.gamma, sources_.fullScale, sources_.gains) ? Way::kGamma
+                                                                                               : Way::kPixels;
     }
-    std::ranges::transform(tones, pixel, ToneByte);
-}
 
-void Normalize(const Triple& light, double largest, std::uint8_t* pixel) noexcept {
-    std::ranges::transform(light, pixel,
-                           [=](double value) { return ToneByte(value * kFullScale / largest); });
-}
-
-/// Dark pixels of a row stand out in white. Gains may be negative, so that the brightest channel decides.
-void WhitenBlack(const Sources& sources, std::int32_t row, std::uint8_t* pixel) noexcept {
-    for (std::int32_t col = 0; col < sources.cols; ++col, pixel += kChannels) {
-        if (Largest(sources.Light(col, row)) == 0.0) std::fill(pixel, pixel + kChannels, kWhite);
+    Triple Light(std::size_t col) const noexcept {
+        Triple light;
+        for (std::size_t i = 0; i < kChannels; ++i)
+            light[i] = pels_[i][col] * sources_.gains[i];
+        return light;
     }
-}
 
-void FillPixel(const Sources& sources, const Style& style, Triple light, std::uint8_t* pixel) {
-    const double largest = Largest(light);
-    if (style.normalize && largest > 0.0) {
-        Normalize(light, largest, pixel);
-    } else if (sources.fullScale > 0.0) {
-        for (double& value : light)
-            value /= sources.fullScale;
-        EncodeWithGamma(light, style.gamma, pixel);
-    }
-}
-
-/// Without normalisation and gamma a byte depends on its own pel alone.
-void FillByTables(const Sources& sources, const Style& style, const OwnedBitmap& bitmap) {
-    std::array<std::vector<std::uint8_t>, kChannels> tables;
-    for (std::size_t i = 0; i < kChannels; ++i) {
-        if (sources.images[i]) {
-            tables[i] = MakeToneTable(style.gamma, sources.fullScale, kLargestPel, sources.gains[i]);
+    void FillTogether(std::uint8_t* out) {
+        const ByteRows bytes{bytes_[kBlue].data(), bytes_[kGreen].data(), bytes_[kRed].data()};
+        const kernels::ChannelRuns runs{pels_[kBlue], pels_[kGreen], pels_[kRed], sources_.Cols()};
+        if (way_ == Way::kNormalized) kernels::NormalizeToBytes(runs, sources_.gains.data(), bytes.data());
+        if (way_ == Way::kGamma) gamma_->Encode(runs, bytes, left_.data());
+        if (way_ == Way::kLevels) {
+            for (std::size_t i = 0; i < kChannels; ++i)
+                kernels::LookUp(pels_[i], tables_[i].data(), bytes[i], runs.count);
+        }
+        kernels::InterleaveBytes(bytes.data(), out, runs.count);
+        if (way_ != Way::kGamma) return;
+        for (auto left = left_.begin(); (left = std::find(left, left_.end(), 1)) != left_.end(); ++left) {
+            const auto col = static_cast<std::size_t>(left - left_.begin());
+            FillPixel(col, out + kChannels * col);
         }
     }
-    for (std::int32_t row = 0; row < sources.rows; ++row) {
-        for (std::size_t i = 0; i < kChannels; ++i) {
-            if (!sources.images[i]) continue;
-            const Pel* pels = sources.images[i].Row(row);
-            std::uint8_t* out = bitmap.Row(row) + i;
-            for (std::int32_t col = 0; col < sources.cols; ++col, out += kChannels)
-                *out = tables[i][pels[col]];
+
+    void FillPixel(std::size_t col, std::uint8_t* pixel) const {
+        Triple light = Light(col);
+        const double largest = Largest(light);
+        if (style_.normalize && largest > 0.0) {
+            std::ranges::transform(light, pixel,
+                                   [=](double value) { return ToneByte(value * 255.0 / largest); });
+        } else if (sources_.fullScale > 0.0) {
+            for (double& value : light)
+                value /= sources_.fullScale;
+            EncodeWithGamma(light, style_.gamma, pixel);
         }
-        if (style.whiteForBlack) WhitenBlack(sources, row, bitmap.Row(row));
     }
-}
+
+    /// Dark pixels stand out in white. Gains may be negative, so that the brightest channel decides.
+    void WhitenBlack(std::uint8_t* pixel) const noexcept {
+        std::array<const Pel*, kChannels> adding = pels_;
+        for (std::size_t i = 0; i < kChannels; ++i)
+            if (!(sources_.gains[i] > 0.0)) adding[i] = dark_.data();
+        for (std::size_t col = 0; col < sources_.Cols(); ++col, pixel += kChannels) {
+            const bool lit = (adding[kBlue][col] | adding[kGreen][col] | adding[kRed][col]) != 0;
+            if (!lit && Largest(Light(col)) == 0.0) std::fill(pixel, pixel + kChannels, kWhite);
+        }
+    }
+
+    const Sources& sources_;
+    const Style& style_;
+    std::vector<Pel> dark_;           ///< the row of an image that is absent
+    std::vector<std::uint8_t> left_;  ///< 1 for pixels to be made one by one
+    Way way_;
+    std::array<const Pel*, kChannels> pels_{};
+    std::array<std::vector<std::uint8_t>, kChannels> bytes_;
+    std::array<std::vector<std::uint8_t>, kChannels> tables_;
+    std::optional<CombinedGamma> gamma_;
+};
 
 OwnedBitmap Combine(const Sources& sources, const Style& style) {
-    OwnedBitmap bitmap = OwnedBitmap::OfColours(sources.cols, sources.rows);
-    if (!style.normalize && style.gamma == 1.0 && sources.fullScale > 0.0) {
-        FillByTables(sources, style, bitmap);
-        return bitmap;
-    }
-    for (std::int32_t row = 0; row < sources.rows; ++row) {
-        std::uint8_t* pixel = bitmap.Row(row);
-        for (std::int32_t col = 0; col < sources.cols; ++col, pixel += kChannels)
-            FillPixel(sources, style, sources.Light(col, row), pixel);
-        if (style.whiteForBlack) WhitenBlack(sources, row, bitmap.Row(row));
-    }
+    // Without normalisation and a scale nothing is written: black.
+    OwnedBitmap bitmap = OwnedBitmap::OfColours(
+        sources.cols, sources.rows, sources.fullScale > 0.0 ? NewPixels::kUnwritten : NewPixels::kZero);
+    Rows rows(sources, style);
+    for (std::int32_t row = 0; row < sources.rows; ++row)
+        rows.Fill(row, bitmap.Row(row));
     return bitmap;
 }
 

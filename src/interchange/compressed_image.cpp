@@ -11,7 +11,6 @@
 #include "core/image_view.h"
 #include "interchange/jpeg_codec.h"
 #include "interchange/tone_curve.h"
-#include "kernels/span_statistics.h"
 
 using namespace tq;
 
@@ -36,8 +35,7 @@ constexpr double kLinear = -1.0;
 
 std::vector<std::uint8_t> LinearTones(const ImageView& image) {
     EnsureScale(*image.header);
-    const Pel largest = kernels::FindMinMax(image.pels, image.Count()).max;
-    return MakeToneTable(kLinear, image.header->MaxPelValue, largest);
+    return MakeToneTable(kLinear, image.header->MaxPelValue, LargestToTabulate(image));
 }
 
 std::int32_t Save(const std::vector<std::uint8_t>& file, std::uint8_t* destination, std::uint32_t* length,

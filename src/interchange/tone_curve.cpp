@@ -3,18 +3,13 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <limits>
 
 #include "core/portable_math.h"
+#include "kernels/span_statistics.h"
 
 namespace tq {
 namespace {
-
-// The encoding of IEC 61966-2-1. Its exponent 1/2.4 is 0.4166 here (kToneExponent): the bitmaps that hosts
-// compare with were made so, and 1/2.4 gives other bytes.
-constexpr double kLinearLimit = 0.0031308;
-constexpr double kLinearSlope = 12.92;
-constexpr double kGain = 1.055;
-constexpr double kOffset = 0.055;
 
 constexpr double kLargestByte = 255.0;
 
@@ -25,17 +20,11 @@ constexpr double kStretchSteps = 254.0;
 /// hardly a level in a million falls inside.
 constexpr double kDoubt = 1e-6;
 
-template <class Power>
-double Encoded(double value, double exponent, Power&& power) {
-    if (!(value > kLinearLimit)) return kLinearSlope * value * kLargestByte;
-    return (kGain * power(value, exponent) - kOffset) * kLargestByte;
-}
-
 /// The C libraries differ from platform to platform in the last place; that can change a truncated byte only
 /// next to a whole number, so only there is the slow, exact function asked.
 double ScaledTone(double value, double exponent) {
     const double scaled = RoughTone(value, exponent);
-    return value > kLinearLimit && IsDoubtful(scaled) ? ExactTone(value, exponent) : scaled;
+    return value > kToneLinearLimit && IsDoubtful(scaled) ? ExactTone(value, exponent) : scaled;
 }
 
 double ScaledLog(double value, double range) {
@@ -88,20 +77,60 @@ double Stretched(std::size_t pel, const Stretch& stretch) {
 
 }  // namespace
 
+ToneSteps::ToneSteps(double gamma) : linear_(!(gamma >= 0.0)) {
+    if (linear_) return;
+    exponent_ = (gamma == 0.0 ? 1.0 : gamma) * kToneExponent;
+    // Full light is 254.99...: no light up to it shows the last byte.
+    possible_.fill(std::numeric_limits<double>::infinity());
+    sure_ = possible_;
+    // The doubt covers the error of the power's base, and this that of its result.
+    constexpr double kResultDoubt = 1e-12;
+    const auto lightOf = [&](double scaled) {
+        return std::pow((scaled / kLargestByte + kToneOffset) / kToneGain, 1.0 / exponent_);
+    };
+    for (std::size_t byte = 0; byte + 1 < kBytes; ++byte) {
+        possible_[byte] = lightOf(static_cast<double>(byte) - kDoubt) * (1.0 - kResultDoubt);
+        sure_[byte] = lightOf(static_cast<double>(byte) + kDoubt) * (1.0 + kResultDoubt);
+    }
+    std::size_t byte = 0;
+    for (std::size_t i = 0; i <= kSections; ++i) {
+        while (sure_[byte + 1] <= static_cast<double>(i) / static_cast<double>(kSections))
+            ++byte;
+        atStart_[i] = static_cast<std::uint8_t>(byte);
+    }
+}
+
+std::uint8_t ToneSteps::ByteOf(double light) const {
+    if (linear_) return ToneByte(light * kLargestByte);
+    if (!(light > kToneLinearLimit)) return ToneByte(EncodedTone(light, [] { return 0.0; }));
+    std::size_t byte = atStart_[static_cast<std::size_t>(TruncToInt32(light * kSections))];
+    while (light >= sure_[byte + 1])
+        ++byte;
+    if (light >= possible_[byte + 1]) return ToneByte(ExactTone(light, exponent_));
+    return static_cast<std::uint8_t>(byte);
+}
+
 double RoughTone(double value, double exponent) noexcept {
-    return Encoded(value, exponent, [](double base, double power) { return std::pow(base, power); });
+    return EncodedTone(value, [=] { return std::pow(value, exponent); });
 }
 
 double ExactTone(double value, double exponent) {
-    return Encoded(value, exponent, portable::Pow);
+    return EncodedTone(value, [=] { return portable::Pow(value, exponent); });
 }
 
 bool IsDoubtful(double scaled) noexcept {
-    return std::fabs(scaled - std::nearbyint(scaled)) <= kDoubt && scaled <= kLargestByte + 1.0;
+    // Around 0 every result is byte 0.
+    const double nearest = std::nearbyint(scaled);
+    return nearest >= 1.0 && nearest <= kLargestByte && std::fabs(scaled - nearest) <= kDoubt;
 }
 
 std::uint8_t ToneByte(double scaled) noexcept {
     return static_cast<std::uint8_t>(std::clamp(TruncToInt32(std::min(scaled, kLargestByte)), 0, 255));
+}
+
+Pel LargestToTabulate(const ConstImageView& image) noexcept {
+    return image.Count() > kLargestPel ? Pel{kLargestPel}
+                                       : kernels::FindMinMax(image.pels, image.Count()).max;
 }
 
 std::vector<std::uint8_t> MakeToneTable(double gamma, double fullScale, Pel largest, double gain) {
@@ -115,7 +144,7 @@ std::vector<std::uint8_t> MakeToneTable(double gamma, double fullScale, Pel larg
     const auto byteAt = [&](std::size_t pel) { return ToneByte(ScaledTone(valueOf(pel), exponent)); };
     // The straight part pel by pel: where the curve takes over, the byte may fall.
     std::size_t first = 0;
-    for (; first < table.size() && !(valueOf(first) > kLinearLimit); ++first)
+    for (; first < table.size() && !(valueOf(first) > kToneLinearLimit); ++first)
         table[first] = byteAt(first);
     FillFrom(table, first, byteAt);
     return table;

@@ -1,8 +1,11 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
+#include "core/image_view.h"
 #include "core/numerics.h"
 #include "tqimage/base.h"
 
@@ -16,6 +19,10 @@ inline constexpr float kByteScale = 255.0f;
 inline void EnsureScale(TqImageHeader& header) noexcept {
     if (header.MaxPelValue <= 0.0f) header.MaxPelValue = kByteScale;
 }
+
+/// A pel that no pel of the image exceeds. An image with more pels than there are levels is not searched for
+/// its largest: a table of all levels is made sooner.
+Pel LargestToTabulate(const ConstImageView& image) noexcept;
 
 /// The displayed byte of every pel from 0 to `largest`, times `gain`, at this full scale. A gamma of 0 counts
 /// as 1, a negative one leaves the grey levels linear.
@@ -32,6 +39,21 @@ struct Stretch {
 /// lies between the two levels. Only a pel of 0 gets byte 0, so that missing data stays apart from dark.
 std::vector<std::uint8_t> MakeStretchTable(double gamma, const Stretch& stretch, Pel largest);
 
+// The encoding of IEC 61966-2-1. Its exponent 1/2.4 is 0.4166 here: the bitmaps that hosts compare with were
+// made so, and 1/2.4 gives other bytes.
+inline constexpr double kToneExponent = 0.4166;
+/// Up to here the encoding is a straight line.
+inline constexpr double kToneLinearLimit = 0.0031308;
+inline constexpr double kToneGain = 1.055;
+inline constexpr double kToneOffset = 0.055;
+
+/// 255 times the encoded value, not yet truncated; `power()` is the value's power with the exponent.
+template <class Power>
+double EncodedTone(double value, Power&& power) {
+    if (!(value > kToneLinearLimit)) return 12.92 * value * 255.0;
+    return (kToneGain * power() - kToneOffset) * 255.0;
+}
+
 /// The encoding of MakeToneTable for single values: 255 times the encoded value, not yet truncated. The
 /// rough form may differ from platform to platform in the last places.
 double RoughTone(double value, double exponent) noexcept;
@@ -41,7 +63,25 @@ bool IsDoubtful(double scaled) noexcept;
 /// Truncated and limited to 0..255.
 std::uint8_t ToneByte(double scaled) noexcept;
 
-/// The exponent of the encoding at gamma 1.
-inline constexpr double kToneExponent = 0.4166;
+/// The displayed byte of any light from 0 to 1, where there are too many values for a table and too many
+/// pixels for a power each: the light at which each byte begins is found once.
+class ToneSteps {
+  public:
+    /// A gamma of 0 counts as 1, a negative one leaves the light linear.
+    explicit ToneSteps(double gamma);
+
+    std::uint8_t ByteOf(double light) const;
+
+  private:
+    /// Sections of the curve, each of which knows the byte at its start.
+    static constexpr std::size_t kSections = 4096;
+    static constexpr std::size_t kBytes = 256;
+
+    bool linear_;
+    double exponent_ = 0.0;
+    std::array<double, kBytes> possible_;  ///< from this light on the curve may show the byte
+    std::array<double, kBytes> sure_;      ///< and from this it shows it, or a larger one
+    std::array<std::uint8_t, kSections + 1> atStart_{};
+};
 
 }  // namespace tq

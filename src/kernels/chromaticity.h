@@ -3,15 +3,26 @@
 #include <cstddef>
 #include <cstdint>
 
-/// Chromaticities of rows of three channels, and how far they lie from a reference. Channels come as doubles,
-/// so that pels and block averages take the same way.
+#include "kernels/channel_mix.h"
+
+/// Chromaticities of rows of three channels, and how far they lie from a reference.
 namespace tq::kernels {
 
+/// Averages of three channels.
 struct ChannelRows {
     const double* first;
     const double* second;
     const double* third;
     std::size_t count;
+};
+
+/// A row of three channels: averages where there are some, else pels.
+struct ChannelValues {
+    ChannelValues(const ChannelRows& rows) : averages(rows) {}
+    ChannelValues(const ChannelRuns& runs) : pels(runs) {}
+
+    ChannelRows averages{};
+    ChannelRuns pels{};
 };
 
 /// A quotient of tristimulus values, X, Y and Z being the matrix times the channels:
@@ -27,7 +38,7 @@ struct ChromaticRatio {
 
 /// out[i] = (ratio - low) * gain, truncated and clamped to a pel; a guarded denominator of 0 has the ratio 0,
 /// and what is not finite becomes 0.
-void StoreRatios(const ChannelRows& rows, const ChromaticRatio& ratio, double low, double gain,
+void StoreRatios(const ChannelValues& row, const ChromaticRatio& ratio, double low, double gain,
                  std::uint16_t* out);
 
 /// A luminance below this is none to compare with.
@@ -48,11 +59,11 @@ struct ColourWeights {
 
 /// out[i] = sqrt(((v' - v)^2 + (u' - u)^2) * chromaticity + dL^2 * luminance), rounded to float, with
 /// dL = (second * luxPerGrey - L) / L, or 0 where L is none to compare with.
-void ColourDifferences(const ChannelRows& rows, const ColourWeights& weights, const ColourReference& from,
+void ColourDifferences(const ChannelValues& row, const ColourWeights& weights, const ColourReference& from,
                        float* out);
 
 /// The same from what is around each pel: u', v' and L of the channels `around`, rounded to float.
-void LocalDifferences(const ChannelRows& rows, const ChannelRows& around, const ColourWeights& weights,
+void LocalDifferences(const ChannelValues& row, const ChannelRows& around, const ColourWeights& weights,
                       float* out);
 
 struct ToleranceEllipse {
@@ -66,7 +77,7 @@ struct ToleranceEllipse {
 
 /// out[i] = sqrt(vv * dv^2 + 2 uv * du * dv + uu * du^2), rounded to float as are du, dv, X, Y, Z and
 /// X + 15 Y + 3 Z.
-void EllipseDistances(const ChannelRows& rows, const ToleranceEllipse& ellipse, float* out);
+void EllipseDistances(const ChannelValues& row, const ToleranceEllipse& ellipse, float* out);
 
 /// The largest of the values and `largest`; what is not a number is not larger.
 float LargestOf(const float* values, std::size_t count, float largest);

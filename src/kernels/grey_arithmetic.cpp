@@ -253,6 +253,28 @@ void WriteLuminances(const Channels& channels, const LuminanceScale& scale, Pel*
         channels.pels[0], channels.pels[1], channels.pels[2]);
 }
 
+/// The combination of gradients as a formula.
+HWY_INLINE auto GradientOf(const Gradients& gradients) {
+    return [g = gradients](auto k, auto a, auto b, auto c) {
+        const auto la = a * k(g.scales[0]);
+        const auto lb = b * k(g.scales[1]);
+        const auto lc = c * k(g.scales[2]);
+        return SquareRoot(la * la * k(g.weightA) + (lb * lb + lc * lc) * k(g.weightBc));
+    };
+}
+
+float LargestGradient(const Gradients& gradients, std::size_t count) {
+    return LargestResult(0.0f, count, GradientOf(gradients), gradients.pels[0], gradients.pels[1],
+                         gradients.pels[2]);
+}
+
+void WriteGradients(const Gradients& gradients, float factor, Pel* out, std::size_t count) {
+    const auto gradient = GradientOf(gradients);
+    const auto formula = [=](auto k, auto a, auto b, auto c) { return gradient(k, a, b, c) * k(factor); };
+    ComputePels<Excess::kClamp, float>(out, count, formula, gradients.pels[0], gradients.pels[1],
+                                       gradients.pels[2]);
+}
+
 void SubtractLuminances(const Pel* a, const Pel* b, double scaleA, double scaleB, Pel* out,
                         std::size_t count) {
     const auto difference = [=](auto k, auto pa, auto pb) { return pa * k(scaleA) - pb * k(scaleB); };
@@ -283,6 +305,8 @@ HWY_EXPORT(LargestRatio);
 HWY_EXPORT(WriteRatios);
 HWY_EXPORT(LargestLuminance);
 HWY_EXPORT(WriteLuminances);
+HWY_EXPORT(LargestGradient);
+HWY_EXPORT(WriteGradients);
 HWY_EXPORT(SubtractLuminances);
 
 namespace {
@@ -346,6 +370,14 @@ double LargestLuminance(const Channels& channels, std::size_t count) {
 
 void WriteLuminances(const Channels& channels, const LuminanceScale& scale, Pel* out, std::size_t count) {
     HWY_DYNAMIC_DISPATCH(WriteLuminances)(channels, scale, out, count);
+}
+
+float LargestGradient(const Gradients& gradients, std::size_t count) {
+    return HWY_DYNAMIC_DISPATCH(LargestGradient)(gradients, count);
+}
+
+void WriteGradients(const Gradients& gradients, float factor, Pel* out, std::size_t count) {
+    HWY_DYNAMIC_DISPATCH(WriteGradients)(gradients, factor, out, count);
 }
 
 void SubtractLuminances(const Pel* a, const Pel* b, double scaleA, double scaleB, Pel* out,

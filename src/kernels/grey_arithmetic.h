@@ -74,6 +74,21 @@ struct LuminanceScale {
 
 void WriteLuminances(const Channels& channels, const LuminanceScale& scale, Pel* out, std::size_t count);
 
+/// Three gradients in single precision, step by step: sqrt(a^2 * weightA + (b^2 + c^2) * weightBc), each the
+/// pel times its scale.
+struct Gradients {
+    const Pel* pels[3];
+    float scales[3];
+    float weightA;
+    float weightBc;
+};
+
+/// The largest; 0 if none is positive.
+float LargestGradient(const Gradients& gradients, std::size_t count);
+
+/// Each times a factor, clamped.
+void WriteGradients(const Gradients& gradients, float factor, Pel* out, std::size_t count);
+
 /// (a * scaleA - b * scaleB) / scaleA + 0.5, clamped.
 void SubtractLuminances(const Pel* a, const Pel* b, double scaleA, double scaleB, Pel* out,
                         std::size_t count);

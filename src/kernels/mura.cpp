@@ -7,28 +7,10 @@
 #include <hwy/foreach_target.h>  // IWYU pragma: keep
 #include <hwy/highway.h>
 
+#include "kernels/pair_sums-inl.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace tq::kernels::HWY_NAMESPACE {
-
-#if HWY_TARGET != HWY_SCALAR
-namespace hn = hwy::HWY_NAMESPACE;
-
-using U16 = hn::ScalableTag<std::uint16_t>;
-using U32 = hn::Repartition<std::uint32_t, U16>;
-using U64 = hn::Repartition<std::uint64_t, U16>;
-
-/// The two 32-bit values of each 64-bit lane, added.
-HWY_INLINE hn::Vec<U64> WidenPairs(hn::Vec<U32> values) {
-    const U64 d;
-    const auto pairs = hn::BitCast(d, values);
-    return hn::Add(hn::And(pairs, hn::Set(d, 0xFFFFFFFF)), hn::ShiftRight<32>(pairs));
-}
-
-HWY_INLINE std::uint64_t Total(hn::Vec<U64> sums) {
-    const U64 d;
-    return hn::GetLane(hn::SumOfLanes(d, sums));
-}
-#endif
 
 SquaresAndCount SumSquaredDeviations(const std::uint16_t* pels, std::size_t count, std::uint16_t zero,
                                      std::uint16_t threshold) {
@@ -60,10 +42,8 @@ SquaresAndCount SumSquaredDeviations(const std::uint16_t* pels, std::size_t coun
             squares =
                 hn::Add(squares, hn::Add(WidenPairs(hn::Mul(low, low)), WidenPairs(hn::Mul(high, high))));
         }
-        const auto missPairs = hn::BitCast(d32, misses);
-        const auto missSums = hn::Add(hn::And(missPairs, lowHalf), hn::ShiftRight<16>(missPairs));
         const auto seen = hn::Set(d32, static_cast<std::uint32_t>(2 * vectors));
-        hits = hn::Add(hits, WidenPairs(hn::Sub(seen, missSums)));
+        hits = hn::Add(hits, WidenPairs(hn::Sub(seen, AddPairs(misses))));
     }
     result = {Total(squares), Total(hits)};
 #endif

@@ -17,6 +17,7 @@
 #include <type_traits>
 
 #include "core/numerics.h"
+#include "kernels/vectors-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace tq::kernels::HWY_NAMESPACE {
@@ -84,8 +85,7 @@ HWY_INLINE V SquareRoot(V value) {
 
 template <class V>
 HWY_INLINE V RoundToFloat(V value) {
-    const hn::DFromV<V> d;
-    return hn::PromoteTo(d, hn::DemoteTo(hn::Rebind<float, decltype(d)>(), value));
+    return Rounded(hn::DFromV<V>(), value);
 }
 
 template <class V>
@@ -111,6 +111,11 @@ HWY_INLINE Pel ToPel(T value) {
 HWY_INLINE hn::Vec<hn::ScalableTag<double>> LoadNumbers(hn::ScalableTag<double> d, const Pel* pels) {
     const hn::Rebind<std::int32_t, decltype(d)> d32;
     return hn::PromoteTo(d, hn::PromoteTo(d32, hn::LoadU(hn::Rebind<Pel, decltype(d)>(), pels)));
+}
+
+HWY_INLINE hn::Vec<hn::ScalableTag<double>> LoadNumbers(hn::ScalableTag<double> d,
+                                                        const std::int32_t* numbers) {
+    return hn::PromoteTo(d, hn::LoadU(hn::Rebind<std::int32_t, decltype(d)>(), numbers));
 }
 
 HWY_INLINE hn::Vec<hn::ScalableTag<float>> LoadNumbers(hn::ScalableTag<float> d, const Pel* pels) {
@@ -216,13 +221,13 @@ HWY_INLINE void ComputeRoughly(Pel* out, std::size_t count, Formula formula,
     ComputePels<Excess::kCeiling, double>(out + i, count - i, formula, (in + i)...);
 }
 
-/// The largest formula(k, in[i]...) in double that exceeds `start`, else `start`. NaN exceeds nothing.
-template <class Formula, class... In>
-HWY_INLINE double LargestResult(double start, std::size_t count, Formula formula, const In*... in) {
-    double largest = start;
+/// The largest formula(k, in[i]...) in precision T that exceeds `start`, else `start`. NaN exceeds nothing.
+template <class T, class Formula, class... In>
+HWY_INLINE T LargestResult(T start, std::size_t count, Formula formula, const In*... in) {
+    T largest = start;
     std::size_t i = 0;
 #if HWY_TARGET != HWY_SCALAR
-    const hn::ScalableTag<double> d;
+    const hn::ScalableTag<T> d;
     const std::size_t lanes = hn::Lanes(d);
     auto best = hn::Set(d, start);
     for (; i + lanes <= count; i += lanes) {
@@ -232,7 +237,7 @@ HWY_INLINE double LargestResult(double start, std::size_t count, Formula formula
     largest = hn::GetLane(hn::MaxOfLanes(d, best));
 #endif
     for (; i < count; ++i) {
-        const double value = formula(PlainConstants<double>(), static_cast<double>(in[i])...);
+        const T value = formula(PlainConstants<T>(), static_cast<T>(in[i])...);
         if (value > largest) largest = value;
     }
     return largest;

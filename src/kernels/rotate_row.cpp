@@ -3,23 +3,43 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "kernels/bilinear.h"
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "kernels/rotate_row.cpp"
+#include <hwy/foreach_target.h>  // IWYU pragma: keep
+#include <hwy/highway.h>
 
-namespace tq::kernels {
-namespace {
+#include "kernels/place_block-inl.h"
 
+HWY_BEFORE_NAMESPACE();
+namespace tq::kernels::HWY_NAMESPACE {
+namespace hn = hwy::HWY_NAMESPACE;
+
+template <class Float>
 struct Place {
-    float col;
-    float row;
+    Float col;
+    Float row;
 };
 
 /// The steps in the order that every target follows.
-Place PlaceOf(const RotationBack& back, float y, std::int32_t col) noexcept {
+HWY_INLINE Place<float> PlaceOf(const RotationBack& back, float y, std::int32_t col) {
     const float dx = (static_cast<float>(col) + back.left) - back.centreCol;
     const float dy = y + back.centreRow;
     return {(back.cosine * dx - back.sine * dy) + back.centreCol,
             -((back.sine * dx + back.cosine * dy) - back.centreRow)};
 }
+
+#if HWY_TARGET != HWY_SCALAR
+/// The same for a vector of columns.
+HWY_INLINE Place<hn::Vec<Floats>> PlacesOf(const RotationBack& back, float y, hn::Vec<Floats> col) {
+    const Floats d;
+    const auto dx = hn::Sub(hn::Add(col, hn::Set(d, back.left)), hn::Set(d, back.centreCol));
+    const auto dy = hn::Set(d, y + back.centreRow);
+    const auto sine = hn::Set(d, back.sine);
+    const auto cosine = hn::Set(d, back.cosine);
+    return {hn::Add(hn::Sub(hn::Mul(cosine, dx), hn::Mul(sine, dy)), hn::Set(d, back.centreCol)),
+            hn::Neg(hn::Sub(hn::Add(hn::Mul(sine, dx), hn::Mul(cosine, dy)), hn::Set(d, back.centreRow)))};
+}
+#endif
 
 /// The pels of a row whose places lie inside. A place's co-ordinates only grow or only fall along the row,
 /// for rounding keeps the order of what it rounds: so the pels are a run.
@@ -30,7 +50,7 @@ struct Run {
 
 /// First index in 0 .. count for which `holds` is true, false before it and true behind.
 template <class Holds>
-std::int32_t FirstThat(std::int32_t count, Holds&& holds) noexcept {
+HWY_INLINE std::int32_t FirstThat(std::int32_t count, Holds&& holds) {
     std::int32_t low = 0;
     while (low < count) {
         const std::int32_t middle = low + (count - low) / 2;
@@ -44,7 +64,7 @@ std::int32_t FirstThat(std::int32_t count, Holds&& holds) noexcept {
 }
 
 template <class At>
-Run RunInside(std::int32_t count, float limit, bool falls, At&& at) noexcept {
+HWY_INLINE Run RunInside(std::int32_t count, float limit, bool falls, At&& at) {
     if (falls) {
         return {FirstThat(count, [&](std::int32_t i) { return at(i) < limit; }),
                 FirstThat(count, [&](std::int32_t i) { return !(at(i) >= 0.0f); })};
@@ -53,7 +73,7 @@ Run RunInside(std::int32_t count, float limit, bool falls, At&& at) noexcept {
             FirstThat(count, [&](std::int32_t i) { return !(at(i) < limit); })};
 }
 
-Run RunInside(const SourcePels& source, const RotationBack& back, float y, std::int32_t cols) noexcept {
+HWY_INLINE Run RunInside(const SourcePels& source, const RotationBack& back, float y, std::int32_t cols) {
     const Run byCol = RunInside(cols, static_cast<float>(source.cols), back.cosine < 0.0f,
                                 [&](std::int32_t i) { return PlaceOf(back, y, i).col; });
     const Run byRow = RunInside(cols, static_cast<float>(source.rows), back.sine > 0.0f,
@@ -62,26 +82,41 @@ Run RunInside(const SourcePels& source, const RotationBack& back, float y, std::
     return {first, std::max(first, std::min(byCol.end, byRow.end))};
 }
 
-}  // namespace
-
 void RotateRow(const SourcePels& source, const RotationBack& back, float y, Pel* out, std::int32_t cols) {
     const Run run = RunInside(source, back, y, cols);
-    // The last column and row belong to the cell before them; an axis of one pel has that pel only.
-    const std::int32_t lastCol = std::max(source.cols - 2, 0);
-    const std::int32_t lastRow = std::max(source.rows - 2, 0);
-    const std::ptrdiff_t next = source.cols == 1 ? 0 : 1;
-    const std::ptrdiff_t below = source.rows == 1 ? 0 : source.cols;
     std::fill_n(out, run.first, Pel{0});
-    for (std::int32_t i = run.first; i < run.end; ++i) {
-        const Place place = PlaceOf(back, y, i);
-        const std::int32_t col = std::min(TruncToInt32(place.col), lastCol);
-        const std::int32_t row = std::min(TruncToInt32(place.row), lastRow);
-        const double fx = next == 0 ? 0.0 : static_cast<double>(place.col) - col;
-        const double fy = below == 0 ? 0.0 : static_cast<double>(place.row) - row;
-        const Pel* near = source.pels + static_cast<std::ptrdiff_t>(row) * source.cols + col;
-        out[i] = WrapToPel(TruncToInt32(Blend(near, near + below, next, fx, fy)));
+    std::int32_t i = run.first;
+#if HWY_TARGET != HWY_SCALAR
+    const Floats d;
+    const auto put = [&](PlaceBlock& block, std::size_t first, std::size_t length) {
+        for (std::size_t at = 0; at < length; at += hn::Lanes(d)) {
+            const auto col = static_cast<std::int32_t>(first + at) + run.first;
+            const auto place = PlacesOf(back, y, hn::Iota(d, static_cast<float>(col)));
+            block.Put(at, place.col, place.row);
+        }
+    };
+    i += static_cast<std::int32_t>(BlendBlocks(source, static_cast<std::size_t>(run.end - run.first), out + i,
+                                               put, [](std::size_t, std::size_t) {}));
+#endif
+    const CellSampler sampler(source);
+    for (; i < run.end; ++i) {
+        const Place<float> place = PlaceOf(back, y, i);
+        out[i] = WrapToPel(TruncToInt32(sampler.At(place.col, place.row)));
     }
     std::fill(out + run.end, out + cols, Pel{0});
 }
 
+}  // namespace tq::kernels::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace tq::kernels {
+
+HWY_EXPORT(RotateRow);
+
+void RotateRow(const SourcePels& source, const RotationBack& back, float y, Pel* out, std::int32_t cols) {
+    HWY_DYNAMIC_DISPATCH(RotateRow)(source, back, y, out, cols);
+}
+
 }  // namespace tq::kernels
+#endif

@@ -3,15 +3,9 @@
 #include <cstdint>
 
 #include "core/numerics.h"
+#include "kernels/bilinear.h"
 
 namespace tq::kernels {
-
-/// The pels of a source image.
-struct SourcePels {
-    const Pel* pels;
-    std::int32_t cols;
-    std::int32_t rows;
-};
 
 /// From the pels of a turned image back into its source. Every step is single precision.
 struct RotationBack {

@@ -7,38 +7,12 @@
 #include <hwy/foreach_target.h>  // IWYU pragma: keep
 #include <hwy/highway.h>
 
+#include "kernels/pair_sums-inl.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace tq::kernels::HWY_NAMESPACE {
 
-// The loops that finish each run are the plain form of the statistic. The scalar target, for processors below
-// SSSE3, runs on them alone.
 #if HWY_TARGET != HWY_SCALAR
-namespace hn = hwy::HWY_NAMESPACE;
-
-using U16 = hn::ScalableTag<std::uint16_t>;
-using U32 = hn::Repartition<std::uint32_t, U16>;
-using U64 = hn::Repartition<std::uint64_t, U16>;
-
-/// The two pels of each 32-bit lane, added.
-template <class V16>
-HWY_INLINE hn::Vec<U32> AddPairs(V16 pels) {
-    const U32 d;
-    const auto pairs = hn::BitCast(d, pels);
-    return hn::Add(hn::And(pairs, hn::Set(d, 0xFFFF)), hn::ShiftRight<16>(pairs));
-}
-
-/// The two 32-bit sums of each 64-bit lane, added.
-HWY_INLINE hn::Vec<U64> WidenPairs(hn::Vec<U32> sums) {
-    const U64 d;
-    const auto pairs = hn::BitCast(d, sums);
-    return hn::Add(hn::And(pairs, hn::Set(d, 0xFFFFFFFF)), hn::ShiftRight<32>(pairs));
-}
-
-HWY_INLINE std::uint64_t Total(hn::Vec<U64> sums) {
-    const U64 d;
-    return hn::GetLane(hn::SumOfLanes(d, sums));
-}
-
 /// Vectors whose pels a 32-bit lane takes without overflow: 2 pels each, 2 * 32768 * 65535 < 2^32.
 constexpr std::size_t kVectorsPerFlush = 32768;
 #endif

@@ -29,19 +29,29 @@ template <class D>
 using U16 = hn::Rebind<std::uint16_t, D>;
 
 /// Calls body(tag, position) for every vector of a run.
-template <class Body>
+template <class Lane = double, class Body>
 HWY_INLINE void ForEachVector(std::size_t count, const Body& body) {
-    const Wide wide;
+    const hn::ScalableTag<Lane> wide;
     std::size_t i = 0;
     for (; i + hn::Lanes(wide) <= count; i += hn::Lanes(wide))
         body(wide, i);
     for (; i < count; ++i)
-        body(Single(), i);
+        body(hn::CappedTag<Lane, 1>(), i);
 }
 
 template <class D>
 HWY_INLINE hn::Vec<D> LoadPels(D d, const std::uint16_t* pels) {
     return hn::PromoteTo(d, hn::PromoteTo(I32<D>(), hn::LoadU(U16<D>(), pels)));
+}
+
+/// Values as doubles, whatever they are in memory.
+template <class D>
+HWY_INLINE hn::Vec<D> LoadValues(D d, const std::uint16_t* pels) {
+    return LoadPels(d, pels);
+}
+template <class D>
+HWY_INLINE hn::Vec<D> LoadValues(D d, const double* values) {
+    return hn::LoadU(d, values);
 }
 
 /// Truncates values of 0..65535.

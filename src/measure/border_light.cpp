@@ -8,10 +8,11 @@
 #include "core/guard.h"
 #include "core/image_block.h"
 #include "core/image_view.h"
+#include "core/out_value.h"
 #include "core/rectangle.h"
+#include "core/replaced_image.h"
 #include "measure/border_background.h"
 #include "measure/border_strips.h"
-#include "measure/out_value.h"
 
 using namespace tq;
 
@@ -121,7 +122,7 @@ std::int32_t TQ_CALL tqRemoveBorderLight(TqImage** image, std::int32_t left, std
                                          double* topMean, double* rightMean, double* bottomMean, double* mean,
                                          double* maximum, std::int32_t* column, std::int32_t* row,
                                          std::int32_t mode, double strength) {
-    const ConstImageView view = image == nullptr ? ConstImageView{} : LocateImage(*image);
+    const ConstImageView view = LocateHeld(image);
     return WithBorderLight(view, {{left, top, right, bottom}, gap, depth, ceiling},
                            {leftMean, topMean, rightMean, bottomMean, mean, maximum, column, row},
                            [&](const BorderStrips& strips, const BorderLight& light) {

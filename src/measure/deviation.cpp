@@ -6,11 +6,11 @@
 #include <utility>
 #include <vector>
 
-#include "core/guard.h"
 #include "core/image_block.h"
 #include "core/image_view.h"
 #include "core/numerics.h"
 #include "core/population_deviation.h"
+#include "core/replaced_image.h"
 #include "kernels/span_statistics.h"
 #include "measure/image_values.h"
 #include "measure/mura.h"
@@ -141,8 +141,5 @@ std::int32_t TQ_CALL tqCalcImageDevInRegion(TqImage** out, const TqImage* image,
     LitExtremes found;
     region.Feed(found);
     if (found.max == 0) return kNothingLit;
-    return Guarded(kNotCreated, [&] {
-        CommitImage(out, MakeMura(region, found));
-        return 0;
-    });
+    return ReplaceImage(out, kNotCreated, [&] { return MakeMura(region, found); });
 }

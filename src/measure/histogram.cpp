@@ -33,7 +33,7 @@ constexpr std::int32_t kNotWritten = -2;
 
 bool WriteLines(std::FILE* file, std::span<const std::uint32_t> counts) noexcept {
     for (std::size_t level = 0; level < counts.size(); ++level) {
-        if (std::fprintf(file, "%u%c%u\n", static_cast<unsigned>(level), ',',
+        if (std::fprintf(file, "%u,%u\n", static_cast<unsigned>(level),
                          static_cast<unsigned>(counts[level])) < 0) {
             return false;
         }

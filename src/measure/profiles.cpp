@@ -44,10 +44,10 @@ std::vector<double> RowMeans(const Region& region) {
     std::vector<double> means(Length(rect.Height()));
     const std::size_t cols = Length(rect.Width());
     if (cols == 0) return means;
-    const Pel* row = region.view.Row(rect.top) + rect.left;
+    std::int32_t row = rect.top;
     for (double& mean : means) {
-        mean = static_cast<double>(kernels::SumPels(row, cols)) / static_cast<double>(cols);
-        row += region.view.cols;
+        const Pel* const pels = region.view.Row(row++) + rect.left;
+        mean = static_cast<double>(kernels::SumPels(pels, cols)) / static_cast<double>(cols);
     }
     return means;
 }

@@ -4,9 +4,9 @@
 #include <cstdint>
 
 #include "core/image_view.h"
+#include "core/out_value.h"
 #include "core/rectangle.h"
 #include "kernels/span_statistics.h"
-#include "measure/out_value.h"
 #include "measure/rectangle_region.h"
 #include "measure/region_shapes.h"
 #include "measure/span_consumers.h"

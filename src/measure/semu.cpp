@@ -6,10 +6,10 @@
 
 #include "core/guard.h"
 #include "core/image_view.h"
+#include "core/out_value.h"
 #include "core/portable_math.h"
 #include "measure/blob_scan.h"
 #include "measure/mura.h"
-#include "measure/out_value.h"
 #include "measure/photometric_frame.h"
 #include "tqimage/uniformity.h"
 

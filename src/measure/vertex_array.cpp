@@ -11,11 +11,12 @@ std::optional<std::vector<Vertex>> ReadVertices(SAFEARRAY** array) {
     if (table.Dimensions() != 2) return std::nullopt;
     const SafeArrayLockGuard lock(*array);
     if (!lock.Locked()) return std::nullopt;
-    std::vector<Vertex> vertices(table.RightCount());
-    for (std::size_t i = 0; i < vertices.size(); ++i) {
-        const auto vertex = static_cast<std::int64_t>(i);
-        if (!table.Read(0, vertex, &vertices[i].col) || !table.Read(1, vertex, &vertices[i].row))
-            return std::nullopt;
+    // As many as can be read, not as the descriptor names: 2^32 vertices of no co-ordinates take no memory.
+    std::vector<Vertex> vertices;
+    for (std::int64_t i = 0; i < table.RightCount(); ++i) {
+        Vertex vertex{};
+        if (!table.Read(0, i, &vertex.col) || !table.Read(1, i, &vertex.row)) return std::nullopt;
+        vertices.push_back(vertex);
     }
     return vertices;
 }

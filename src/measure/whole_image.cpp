@@ -3,9 +3,9 @@
 #include <cstdint>
 
 #include "core/image_view.h"
+#include "core/out_value.h"
 #include "kernels/span_statistics.h"
 #include "measure/image_values.h"
-#include "measure/out_value.h"
 #include "measure/span_consumers.h"
 
 using namespace tq;

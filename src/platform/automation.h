@@ -2,15 +2,7 @@
 
 /// Everything that the library knows about a host's SAFEARRAYs. On Windows they are the system's.
 #if defined(_WIN32)
-#if !defined(NOMINMAX)
-#define NOMINMAX
-#endif
-#if !defined(WIN32_LEAN_AND_MEAN)
-#define WIN32_LEAN_AND_MEAN
-#endif
-#include <windows.h>
-// After windows.h, which it does not bring itself.
-#include <oleauto.h>
+#include "platform/windows/system.h"
 #endif
 
 #include <cstdint>

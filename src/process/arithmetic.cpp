@@ -1,8 +1,9 @@
 #include <algorithm>
 
-#include "core/guard.h"
 #include "core/image_block.h"
 #include "core/image_view.h"
+#include "core/replaced_image.h"
+#include "core/sensor_offset.h"
 #include "kernels/grey_arithmetic.h"
 #include "kernels/pel_arithmetic.h"
 #include "process/pel_runs.h"
@@ -27,13 +28,13 @@ Offset StatedOffset(const ConstImageView& carrier) noexcept {
     return {TruncToInt32(carrier.header->CenterCol), TruncToInt32(carrier.header->CenterRow)};
 }
 
-/// Leaves a usable offset or returns the status of the axis that has none. Hosts compute the offset as a
-/// difference of two centres that may fall half a pel short of 0, so -1 means 0.
+/// Leaves a usable offset or returns the status of the axis that has none.
 std::int32_t AcceptOffset(Offset& offset) noexcept {
-    if (offset.col < -1) return kBadColumnOffset;
-    if (offset.row < -1) return kBadRowOffset;
-    if (offset.col == -1) offset.col = 0;
-    if (offset.row == -1) offset.row = 0;
+    const auto col = AcceptedOffset(offset.col);
+    if (!col) return kBadColumnOffset;
+    const auto row = AcceptedOffset(offset.row);
+    if (!row) return kBadRowOffset;
+    offset = {*col, *row};
     return 0;
 }
 
@@ -87,10 +88,7 @@ std::int32_t TQ_CALL tqSubtractImage(TqImage** a, const TqImage* b) {
     // An offset of -1 has let one column or row too few pass above.
     if (!Covers(subtrahend, minuend, offset)) return kBadRowOffset;
 
-    return Guarded(kNoMemory, [&] {
-        CommitImage(a, Subtract(minuend, subtrahend, offset));
-        return 0;
-    });
+    return ReplaceImage(a, kNoMemory, [&] { return Subtract(minuend, subtrahend, offset); });
 }
 
 std::int32_t TQ_CALL tqMultiplyImages(TqImage** a, const TqImage* b, std::int32_t divisor) {
@@ -100,8 +98,5 @@ std::int32_t TQ_CALL tqMultiplyImages(TqImage** a, const TqImage* b, std::int32_
     if (!multiplier) return kInvalidOperand;
     Offset offset = StatedOffset(multiplier);
     if (const std::int32_t status = AcceptOffset(offset); status != 0) return status;
-    return Guarded(kNoMemory, [&] {
-        CommitImage(a, Multiply(multiplicand, multiplier, offset, divisor));
-        return 0;
-    });
+    return ReplaceImage(a, kNoMemory, [&] { return Multiply(multiplicand, multiplier, offset, divisor); });
 }

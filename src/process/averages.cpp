@@ -1,8 +1,8 @@
 #include <algorithm>
 
-#include "core/guard.h"
 #include "core/image_block.h"
 #include "core/image_view.h"
+#include "core/replaced_image.h"
 #include "kernels/grey_arithmetic.h"
 #include "process/pel_runs.h"
 #include "tqimage/image_arithmetic.h"
@@ -29,10 +29,7 @@ std::int32_t StoreFromPair(TqImage** out, const TqImage* a, const TqImage* b, Ma
     const ConstImageView second = LocateImage(b);
     if (!second) return PairStatus::kInvalidSecond;
     if (!SameSize(first, second)) return PairStatus::kOtherSize;
-    return Guarded(PairStatus::kNoMemory, [&] {
-        CommitImage(out, make(first, second));
-        return kOk;
-    });
+    return ReplaceImage(out, PairStatus::kNoMemory, [&] { return make(first, second); });
 }
 
 /// The mean luminance of `count` images, `average` standing for all but the fresh one, in the coarser of the
@@ -67,18 +64,12 @@ std::int32_t TQ_CALL tqRunningAverage(TqImage** average, const TqImage* image, s
         // An average that is the image itself is its own copy; a new block would leave the host's other
         // pointer dangling.
         if (*average == image) return kOk;
-        return Guarded(Status::kNotCopied, [&] {
-            CommitImage(average, Copy(fresh));
-            return kOk;
-        });
+        return ReplaceImage(average, Status::kNotCopied, [&] { return Copy(fresh); });
     }
     const ConstImageView old = LocateHeld(average);
     if (!old) return Status::kInvalidAverage;
     if (!SameSize(old, fresh)) return Status::kOtherSize;
-    return Guarded(Status::kNoMemory, [&] {
-        CommitImage(average, Mean(old, fresh, count));
-        return kOk;
-    });
+    return ReplaceImage(average, Status::kNoMemory, [&] { return Mean(old, fresh, count); });
 }
 
 std::int32_t TQ_CALL tqAverageImages(TqImage** out, const TqImage* a, const TqImage* b) {

@@ -1,8 +1,8 @@
 #include <algorithm>
 
-#include "core/guard.h"
 #include "core/image_block.h"
 #include "core/image_view.h"
+#include "core/replaced_image.h"
 #include "kernels/grey_arithmetic.h"
 #include "process/pel_runs.h"
 #include "tqimage/image_arithmetic.h"
@@ -62,8 +62,5 @@ std::int32_t TQ_CALL tqCombineImages(TqImage** out, const TqImage* first, const 
         channels.pels[i] = views[i] ? views[i].pels : leading.pels;
         channels.scales[i] = views[i] ? views[i].header->LuxPerGrey : 0.0;
     }
-    return Guarded(kFailed, [&] {
-        CommitImage(out, ChannelSum(leading, channels));
-        return kOk;
-    });
+    return ReplaceImage(out, kFailed, [&] { return ChannelSum(leading, channels); });
 }

@@ -4,8 +4,11 @@
 #include <utility>
 #include <vector>
 
+#include "core/guard.h"
+#include "core/image_block.h"
+#include "core/image_view.h"
 #include "core/numerics.h"
-#include "process/filter_result.h"
+#include "core/out_value.h"
 #include "tqimage/clustering.h"
 
 namespace tq {
@@ -109,7 +112,7 @@ std::int32_t TQ_CALL tqClusterImage(TqImage** out, const TqImage* image, std::in
         result.Header().TotalPelValue = count;
         result.Header().MaxPelValue = static_cast<float>(count);
         CommitImage(out, std::move(result));
-        if (clusterCount != nullptr) *clusterCount = count;
+        StoreIfAsked(clusterCount, count);
         return 0;
     });
 }

@@ -3,15 +3,16 @@
 #include <limits>
 #include <memory>
 #include <optional>
+#include <span>
 #include <vector>
 
 #include "core/guard.h"
 #include "core/image_block.h"
 #include "core/image_view.h"
+#include "core/out_value.h"
 #include "core/window.h"
 #include "kernels/defect_tests.h"
 #include "measure/block_sweep.h"
-#include "measure/out_value.h"
 #include "process/sliding_median.h"
 #include "tqimage/defect_detection.h"
 

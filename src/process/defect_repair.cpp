@@ -6,7 +6,7 @@
 
 #include "core/rectangle.h"
 #include "core/window.h"
-#include "kernels/span_statistics.h"
+#include "process/pel_runs.h"
 #include "tqimage/defects.h"
 
 namespace tq {
@@ -14,15 +14,6 @@ namespace {
 
 constexpr std::int32_t kCannotRepair = -1;
 constexpr std::int32_t kInvalidBlockImage = -2;
-
-/// Exact: 8000 x 8000 pels of 65535 stay far below 2^64.
-std::uint64_t SumPels(const ImageView& image, const Rect& area) noexcept {
-    std::uint64_t sum = 0;
-    for (std::int32_t row = area.top; row <= area.bottom; ++row) {
-        sum += kernels::SumPels(image.Row(row) + area.left, static_cast<std::size_t>(area.Width()));
-    }
-    return sum;
-}
 
 /// One line across a defect column or row: `stride` leads from neighbour to neighbour.
 Pel MeanAcross(const Pel* line, std::ptrdiff_t stride, const Reach& across, std::int32_t defect) {

@@ -1,3 +1,5 @@
+#include "process/equalised_image.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -54,6 +56,17 @@ std::vector<std::uint32_t> HistogramOf(const ConstImageView& view, const Rect& r
 }
 
 }  // namespace
+
+Pel EqualiseInto(const ImageView& result, const ConstImageView& view, std::int32_t levels) {
+    const std::vector<std::uint32_t> counts = Histogram(view);
+    if (counts.size() == 1) return 0;
+    const std::vector<Pel> table = EqualisingTable(counts, levels);
+    StoreImageValues(result, ProduceMeasured(result, [&](std::size_t first, std::size_t count) {
+                         kernels::LookUp(view.pels + first, table.data(), result.pels + first, count);
+                     }));
+    return static_cast<Pel>(counts.size() - 1);
+}
+
 }  // namespace tq
 
 using namespace tq;
@@ -63,15 +76,10 @@ std::int32_t TQ_CALL tqHistoEqualize(TqImage** out, TqImage* source, std::int32_
     if (!view) return kInvalidEqualisationSource;
     const std::int32_t used = EqualisedLevels(levels, *view.header);
     return ProduceEqualised(out, source, view, [&](const ImageView& result) {
-        const std::vector<std::uint32_t> counts = Histogram(view);
+        const Pel largest = EqualiseInto(result, view, used);
         // Hosts scale the display of the source by the refreshed field afterwards.
-        view.header->MaxPelValue = static_cast<float>(counts.size() - 1);
-        if (counts.size() == 1) return kNoHistogram;
-        const std::vector<Pel> table = EqualisingTable(counts, used);
-        StoreImageValues(result, ProduceMeasured(result, [&](std::size_t first, std::size_t count) {
-                             kernels::LookUp(view.pels + first, table.data(), result.pels + first, count);
-                         }));
-        return 0;
+        view.header->MaxPelValue = largest;
+        return largest == 0 ? kNoHistogram : 0;
     });
 }
 

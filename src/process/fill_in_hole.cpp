@@ -4,7 +4,7 @@
 #include "core/image_view.h"
 #include "core/numerics.h"
 #include "core/rectangle.h"
-#include "kernels/span_statistics.h"
+#include "process/pel_runs.h"
 #include "tqimage/filters.h"
 
 namespace tq {
@@ -20,10 +20,7 @@ std::int32_t Near(std::int64_t index) noexcept {
 /// a hole that starts in column 0 or 1 it reaches to the last column; hosts have that in their results.
 double MeanBeside(const ConstImageView& view, std::int64_t first, std::int64_t last, std::int32_t row) {
     const Rect block = ClampRegion({Near(first), row - 2, Near(last), row + 2}, view.cols, view.rows);
-    std::uint64_t sum = 0;
-    for (std::int32_t y = block.top; y <= block.bottom; ++y)
-        sum += kernels::SumPels(view.Row(y) + block.left, static_cast<std::size_t>(block.Width()));
-    return static_cast<double>(sum) / static_cast<double>(block.Area());
+    return static_cast<double>(SumPels(view, block)) / static_cast<double>(block.Area());
 }
 
 }  // namespace

@@ -1,20 +1,13 @@
 #pragma once
 
-#include <cstdint>
 #include <cstring>
 
-#include "core/guard.h"
 #include "core/image_block.h"
 #include "core/image_view.h"
 #include "core/rectangle.h"
 
 /// What the filters that replace a host's image have in common.
 namespace tq {
-
-/// The image behind a host's pointer; empty for a null address, too.
-inline ConstImageView LocateHostImage(TqImage* const* host) noexcept {
-    return host == nullptr ? ConstImageView{} : LocateImage(*host);
-}
 
 inline Rect WholeImage(const ConstImageView& view) noexcept {
     return {0, 0, view.cols - 1, view.rows - 1};
@@ -27,15 +20,6 @@ inline OwnedImage CopyAround(const ConstImageView& source, const Rect& written) 
     if (written.Area() < WholeImage(source).Area())
         std::memcpy(copy.View().pels, source.pels, source.Count() * sizeof(Pel));
     return copy;
-}
-
-/// Replaces the host's image by make(), which throws when there is no memory.
-template <class Make>
-std::int32_t ReplaceImage(TqImage** host, std::int32_t noMemory, Make&& make) noexcept {
-    return Guarded(noMemory, [&] {
-        CommitImage(host, make());
-        return 0;
-    });
 }
 
 }  // namespace tq

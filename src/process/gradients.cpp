@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "core/replaced_image.h"
 #include "core/window.h"
 #include "kernels/sobel.h"
 #include "process/gradient.h"
@@ -160,10 +161,7 @@ std::int32_t NewGradient0(TqImage** out, const TqImage* image, std::int32_t meth
     const ConstImageView view = LocateImage(image);
     if (out == nullptr || !view) return kInvalidImage;
     if (!IsGradientMethod(method)) return kNoGradient;
-    return Guarded(kNoMemory0, [&] {
-        CommitImage(out, make(view));
-        return 0;
-    });
+    return ReplaceImage(out, kNoMemory0, [&] { return make(view); });
 }
 
 }  // namespace
@@ -176,10 +174,7 @@ std::int32_t TQ_CALL tqCalcGradient(TqImage** out, const TqImage* image, std::in
     if (out == nullptr || !view) return kInvalidImage;
     // Both directions take the same methods, so the horizontal one, asked first, is the one that refuses.
     if (!IsGradientMethod(method)) return kNoHorizontalGradient;
-    return Guarded(kNoMemory, [&] {
-        CommitImage(out, MakeGradient(view, method));
-        return 0;
-    });
+    return ReplaceImage(out, kNoMemory, [&] { return MakeGradient(view, method); });
 }
 
 std::int32_t TQ_CALL tqCalcGradient0(TqImage** out, const TqImage* image, std::int32_t method) {

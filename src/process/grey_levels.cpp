@@ -1,10 +1,9 @@
-#include "core/guard.h"
 #include "core/image_block.h"
 #include "core/image_view.h"
 #include "core/rectangle.h"
+#include "core/replaced_image.h"
 #include "kernels/grey_arithmetic.h"
 #include "kernels/pel_arithmetic.h"
-#include "kernels/span_statistics.h"
 #include "measure/image_values.h"
 #include "process/pel_runs.h"
 #include "tqimage/point_operations.h"
@@ -21,24 +20,15 @@ constexpr std::int32_t kNoMemory = -3;
 template <class Produce>
 std::int32_t ReplaceByRectangle(TqImage** image, const ConstImageView& source, const Rect& rect,
                                 Produce&& produce) {
-    return Guarded(kNoMemory, [&] {
+    return ReplaceImage(image, kNoMemory, [&] {
         OwnedImage result(source, NewPels::kZero);
         const ImageView out = result.View();
         const auto written = ProduceMeasured(out, rect, [&](std::size_t first, std::size_t count) {
             produce(source.pels + first, out.pels + first, count);
         });
         out.header->MaxPelValue = written.max;
-        CommitImage(image, std::move(result));
-        return kOk;
+        return result;
     });
-}
-
-double MeanOf(const ConstImageView& view, const Rect& rect) {
-    std::uint64_t sum = 0;
-    VisitRuns(view, rect, [&](std::size_t first, std::size_t count) {
-        sum += kernels::SumPels(view.pels + first, count);
-    });
-    return static_cast<double>(sum) / static_cast<double>(rect.Area());
 }
 
 }  // namespace
@@ -82,7 +72,7 @@ std::int32_t TQ_CALL tqContrastCorrectionInRegion(TqImage** image, float factor,
     const ConstImageView source = LocateHeld(image);
     if (!source) return kInvalidImage;
     const Rect rect = ClampRegion({left, top, right, bottom}, source.cols, source.rows);
-    const double mean = MeanOf(source, rect);
+    const double mean = static_cast<double>(SumPels(source, rect)) / static_cast<double>(rect.Area());
     // Results wrap as those of the brightness correction do.
     return ReplaceByRectangle(image, source, rect, [&](const Pel* pels, Pel* out, std::size_t count) {
         kernels::StretchGreys(pels, mean, factor, out, count);

@@ -1,16 +1,20 @@
 #include "tqimage/local_contrast.h"
 
 #include <algorithm>
-#include <cmath>
+#include <cstddef>
 #include <cstdint>
-#include <optional>
-#include <utility>
+#include <limits>
 #include <vector>
 
-#include "core/numerics.h"
+#include "core/image_block.h"
+#include "core/image_view.h"
+#include "core/replaced_image.h"
+#include "core/window.h"
+#include "kernels/local_contrast.h"
+#include "kernels/window_sums.h"
 #include "measure/mura.h"
-#include "process/filter_result.h"
-#include "process/window_sweep.h"
+#include "measure/window_sweep.h"
+#include "process/scaled_by_largest.h"
 
 namespace tq {
 namespace {
@@ -19,37 +23,17 @@ constexpr std::int32_t kInvalidImage = -2;
 constexpr std::int32_t kNoMemory = -3;
 constexpr std::int32_t kBadArguments = -4;
 
-/// Nothing where a difference cannot be formed.
-using Difference = std::optional<double>;
+constexpr double kNothing = std::numeric_limits<double>::quiet_NaN();
+
+std::size_t Size(std::int32_t count) noexcept {
+    return static_cast<std::size_t>(count);
+}
 
 /// A signed image of differences: kMuraZero is 0, the largest difference of either sign lies kMuraZero away.
-/// `Source(view)` is made anew for each of the two passes and gives the differences of a row at a time.
-template <class MakeSource>
-OwnedImage EncodeDifferences(const ConstImageView& view, MakeSource&& makeSource) {
-    const auto visit = [&](auto&& each) {
-        auto source = makeSource();
-        for (std::int32_t row = 0; row < view.rows; ++row) {
-            source.MoveTo(row);
-            for (std::int32_t col = 0; col < view.cols; ++col) {
-                if (view.At(col, row) == 0) continue;
-                if (const Difference difference = source.At(col)) each(col, row, *difference);
-            }
-        }
-    };
-    OwnedImage result(view, NewPels::kZero);
-    const ImageView out = result.View();
-    double largest = 0.0;
-    visit([&](std::int32_t, std::int32_t, double difference) {
-        largest = std::max(largest, std::abs(difference));
-    });
-    if (largest == 0.0) largest = 1.0;
-    visit([&](std::int32_t col, std::int32_t row, double difference) {
-        const double steps = std::nearbyint(difference * kMuraZero / largest);
-        out.At(col, row) = ClampToPel(kMuraZero + TruncToInt32(steps));
-    });
-    TqImageHeader& header = result.Header();
-    header.MaxPelValue = static_cast<float>(2 * kMuraZero);
-    header.LuxPerGrey = static_cast<float>(header.LuxPerGrey * (largest / kMuraZero));
+template <class MakeRows>
+OwnedImage EncodeDifferences(const ConstImageView& view, MakeRows&& makeRows) {
+    OwnedImage result = ScaleByLargest(view, kMuraZero, makeRows, kernels::WriteSigned);
+    result.Header().MaxPelValue = static_cast<float>(2 * kMuraZero);
     return result;
 }
 
@@ -57,40 +41,39 @@ OwnedImage EncodeDifferences(const ConstImageView& view, MakeSource&& makeSource
 class AgainstSurround {
   public:
     AgainstSurround(const ConstImageView& view, const WindowSize& inner, const WindowSize& outer)
-        : view_(view),
-          innerSize_(inner),
-          outerSize_(outer),
-          inner_(view, WindowPlacement::kClipped, inner),
-          outer_(view, WindowPlacement::kClipped, outer) {}
+        : view_(view), inner_(view, inner), outer_(view, outer), differences_(Size(view.cols)) {}
 
-    void MoveTo(std::int32_t row) {
-        row_ = row;
-        inner_.MoveTo(row);
-        outer_.MoveTo(row);
-    }
-
-    /// Of a pel with data, so that the inner window is never empty.
-    Difference At(std::int32_t col) const noexcept {
-        const auto i = static_cast<std::size_t>(col);
-        const double around = outer_.Counts()[i] - inner_.Counts()[i];
-        const std::int64_t area = Covered(outerSize_, col) - Covered(innerSize_, col);
-        if (around <= 0.0 || 2.0 * around < static_cast<double>(area)) return std::nullopt;
-        const double mean = inner_.Sums()[i] / inner_.Counts()[i];
-        return mean - (outer_.Sums()[i] - inner_.Sums()[i]) / around;
+    const double* Row(std::int32_t row) {
+        inner_.sums.MoveTo(row);
+        outer_.sums.MoveTo(row);
+        kernels::SurroundDifferences(
+            {inner_.sums.Sums().data(), inner_.sums.Counts().data(), outer_.sums.Sums().data(),
+             outer_.sums.Counts().data(), inner_.cols.data(), outer_.cols.data(), inner_.RowsAt(row, view_),
+             outer_.RowsAt(row, view_)},
+            differences_.size(), differences_.data());
+        return differences_.data();
     }
 
   private:
-    std::int64_t Covered(const WindowSize& size, std::int32_t col) const noexcept {
-        return std::int64_t{ClippedReach(col, size.width, view_.cols).Count()} *
-               ClippedReach(row_, size.height, view_.rows).Count();
-    }
+    struct Windows {
+        LitWindowSums sums;
+        std::int32_t height;
+        std::vector<double> cols;  ///< of each window that lie inside the image
+
+        Windows(const ConstImageView& view, const WindowSize& size)
+            : sums(view, WindowPlacement::kClipped, size), height(size.height), cols(Size(view.cols)) {
+            for (std::int32_t col = 0; col < view.cols; ++col)
+                cols[Size(col)] = ClippedReach(col, size.width, view.cols).Count();
+        }
+        double RowsAt(std::int32_t row, const ConstImageView& view) const noexcept {
+            return ClippedReach(row, height, view.rows).Count();
+        }
+    };
 
     ConstImageView view_;
-    WindowSize innerSize_;
-    WindowSize outerSize_;
-    LitWindowSums inner_;
-    LitWindowSums outer_;
-    std::int32_t row_ = 0;
+    Windows inner_;
+    Windows outer_;
+    std::vector<double> differences_;
 };
 
 /// Horizontal, vertical, falling and rising diagonal; then all of them.
@@ -98,29 +81,41 @@ constexpr std::int32_t kStepCols[] = {1, 0, 1, 1};
 constexpr std::int32_t kStepRows[] = {0, 1, 1, -1};
 constexpr std::int32_t kDirections = 4;
 
-/// Means of the blocks around a row's pels.
+/// Means of the blocks around the pels of a row, kNothing where no pel holds data and outside the image. The
+/// rows asked for last are kept.
 class BlockMeans {
   public:
-    BlockMeans(const ConstImageView& view, const WindowSize& size)
-        : view_(view), sums_(view, WindowPlacement::kClipped, size) {}
+    /// `margin` columns beyond either side can be read, too.
+    BlockMeans(const ConstImageView& view, const WindowSize& size, std::int32_t margin, std::int32_t kept)
+        : view_(view),
+          margin_(Size(margin)),
+          length_(Size(view.cols) + 2 * margin_),
+          sums_(view, WindowPlacement::kClipped, size),
+          outside_(length_, kNothing),
+          means_(length_ * Size(kept), kNothing),
+          held_(Size(kept), -1) {}
 
-    void MoveTo(std::int64_t row) {
-        inside_ = view_.Contains(0, row);
-        if (inside_) sums_.MoveTo(static_cast<std::int32_t>(row));
-    }
-
-    /// Nothing outside the image and where no pel holds data.
-    Difference At(std::int64_t col) const noexcept {
-        if (!inside_ || !view_.Contains(col, 0)) return std::nullopt;
-        const auto i = static_cast<std::size_t>(col);
-        if (sums_.Counts()[i] == 0.0) return std::nullopt;
-        return sums_.Sums()[i] / sums_.Counts()[i];
+    /// From column 0 on; cheapest downwards.
+    const double* Row(std::int64_t row) {
+        if (!view_.Contains(0, row)) return outside_.data() + margin_;
+        const std::size_t slot = static_cast<std::size_t>(row) % held_.size();
+        double* const means = means_.data() + slot * length_ + margin_;
+        if (held_[slot] == row) return means;
+        held_[slot] = row;
+        sums_.MoveTo(static_cast<std::int32_t>(row));
+        // No data is 0 / 0.
+        kernels::Quotients(sums_.Sums().data(), sums_.Counts().data(), Size(view_.cols), means);
+        return means;
     }
 
   private:
     ConstImageView view_;
+    std::size_t margin_;
+    std::size_t length_;
     LitWindowSums sums_;
-    bool inside_ = false;
+    std::vector<double> outside_;
+    std::vector<double> means_;
+    std::vector<std::int64_t> held_;
 };
 
 /// The mean of a block against the mean of two like it, a distance away on either side.
@@ -128,46 +123,50 @@ class AgainstNeighbours {
   public:
     AgainstNeighbours(const ConstImageView& view, const WindowSize& size, std::int32_t distance,
                       std::int32_t direction)
-        : above_(view, size),
-          here_(view, size),
-          below_(view, size),
-          distance_(distance),
-          direction_(direction) {}
-
-    void MoveTo(std::int32_t row) {
-        above_.MoveTo(row - distance_);
-        here_.MoveTo(row);
-        below_.MoveTo(row + distance_);
+        : distance_(distance),
+          colDistance_(std::min(distance, view.cols)),
+          firstDirection_(direction < kDirections ? direction : 0),
+          lastDirection_(direction < kDirections ? direction : kDirections - 1),
+          differences_(Size(view.cols)) {
+        // Near lines are one sweep that keeps the rows between them; far ones, which would keep many, are
+        // three.
+        constexpr std::int32_t kNear = 32;
+        reach_ = kStepRows[lastDirection_] == 0 ? 0 : distance;
+        const bool near = reach_ <= kNear;
+        for (std::int32_t line = 0; line < (near ? 1 : 3); ++line)
+            lines_.emplace_back(view, size, colDistance_, near ? 2 * reach_ + 1 : 1);
     }
 
-    Difference At(std::int32_t col) const noexcept {
-        if (direction_ < kDirections) return Along(col, direction_);
-        Difference largest;
-        for (std::int32_t direction = 0; direction < kDirections; ++direction) {
-            const Difference found = Along(col, direction);
-            if (found && (!largest || std::abs(*found) > std::abs(*largest))) largest = found;
+    const double* Row(std::int32_t row) {
+        // In order, so that the one sweep never turns back.
+        if (lines_.size() == 1) {
+            for (; next_ <= row + reach_; ++next_)
+                lines_.front().Row(next_);
         }
-        return largest;
+        std::fill(differences_.begin(), differences_.end(), kNothing);
+        for (std::int32_t direction = firstDirection_; direction <= lastDirection_; ++direction) {
+            const std::int32_t step = kStepRows[direction];
+            const std::int32_t cols = colDistance_ * kStepCols[direction];
+            kernels::KeepLargerDifferences(Line(row, 0), Line(row, step) + cols, Line(row, -step) - cols,
+                                           differences_.size(), differences_.data());
+        }
+        return differences_.data();
     }
 
   private:
-    Difference Along(std::int32_t col, std::int32_t direction) const noexcept {
-        const std::int64_t cols = distance_ * kStepCols[direction];
-        const Difference ahead = Line(kStepRows[direction]).At(col + cols);
-        const Difference behind = Line(-kStepRows[direction]).At(col - cols);
-        const Difference here = here_.At(col);
-        if (!here || !ahead || !behind) return std::nullopt;
-        return *here - 0.5 * (*ahead + *behind);
-    }
-    const BlockMeans& Line(std::int32_t step) const noexcept {
-        return step == 0 ? here_ : step < 0 ? above_ : below_;
+    /// The means of the row itself or of the one that lies a distance above (-1) or below (1).
+    const double* Line(std::int32_t row, std::int32_t step) {
+        return lines_[lines_.size() == 1 ? 0 : Size(step + 1)].Row(row + step * distance_);
     }
 
-    BlockMeans above_;
-    BlockMeans here_;
-    BlockMeans below_;
     std::int64_t distance_;
-    std::int32_t direction_;
+    std::int32_t colDistance_;  ///< no more than leads past the last column
+    std::int32_t firstDirection_;
+    std::int32_t lastDirection_;
+    std::int32_t reach_;     ///< rows to the lines above and below
+    std::int32_t next_ = 0;  ///< row that the one sweep has not reached yet
+    std::vector<BlockMeans> lines_;
+    std::vector<double> differences_;
 };
 
 }  // namespace

@@ -1,12 +1,16 @@
-#include <algorithm>
+#include <cstddef>
 #include <cstdint>
-#include <utility>
+#include <numeric>
 #include <vector>
 
-#include "core/numerics.h"
+#include "core/image_block.h"
+#include "core/image_view.h"
 #include "core/population_deviation.h"
-#include "process/filter_result.h"
-#include "process/window_sweep.h"
+#include "core/replaced_image.h"
+#include "core/window.h"
+#include "kernels/local_contrast.h"
+#include "measure/window_sweep.h"
+#include "process/scaled_by_largest.h"
 #include "tqimage/local_contrast.h"
 
 namespace tq {
@@ -16,82 +20,68 @@ constexpr std::int32_t kInvalidImage = -2;
 constexpr std::int32_t kNoMemory = -3;
 
 /// The largest deviation becomes this grey level.
-constexpr double kFullScale = 65000.0;
+constexpr std::int32_t kFullScale = 65000;
 
-/// Sums of squares over the sliding windows of a row, exact: 8000 x 8000 squares below 2^32 stay below 2^58.
-class SquareSums {
+/// Deviations of the pels with data in the sliding windows of a row.
+class DeviationRows {
   public:
-    SquareSums(const ConstImageView& view, const WindowSize& size)
-        : view_(view), size_(size), columns_(static_cast<std::size_t>(view.cols)), sums_(columns_.size()) {}
+    DeviationRows(const ConstImageView& view, const WindowSize& size)
+        : view_(view),
+          size_(size),
+          windows_(0, view.cols - 1, size.width, view.cols),
+          sums_(view, WindowPlacement::kShifted, size),
+          columns_(static_cast<std::size_t>(view.cols)),
+          squares_(columns_.size() + 1),
+          deviations_(columns_.size()) {}
 
-    const std::vector<std::uint64_t>& At(std::int32_t row) {
+    const double* Row(std::int32_t row) {
         const Reach wanted = ShiftedReach(row, size_.height, view_.rows);
+        if (wanted.last == held_.last) return deviations_.data();  // at the border rows share their windows
         while (held_.last < wanted.last)
-            Update(++held_.last, [](std::uint64_t& sum, std::uint64_t square) { sum += square; });
+            kernels::AddSquares(columns_.data(), view_.Row(++held_.last), columns_.size());
         while (held_.first < wanted.first)
-            Update(held_.first++, [](std::uint64_t& sum, std::uint64_t square) { sum -= square; });
-        std::int32_t first = 0;
-        std::uint64_t sum = 0;
-        for (std::int32_t col = 0; col < size_.width; ++col)
-            sum += Column(col);
-        for (std::int32_t col = 0; col < view_.cols; ++col) {
-            for (; first < ShiftedReach(col, size_.width, view_.cols).first; ++first)
-                sum += Column(first + size_.width) - Column(first);
-            sums_[static_cast<std::size_t>(col)] = sum;
-        }
-        return sums_;
+            kernels::SubtractSquares(columns_.data(), view_.Row(held_.first++), columns_.size());
+        std::partial_sum(columns_.begin(), columns_.end(), squares_.begin() + 1);
+        sums_.MoveTo(row);
+        Deviate();
+        return deviations_.data();
     }
 
   private:
-    std::uint64_t Column(std::int32_t col) const noexcept { return columns_[static_cast<std::size_t>(col)]; }
-
-    template <class Apply>
-    void Update(std::int32_t row, Apply&& apply) {
-        const Pel* pels = view_.Row(row);
-        for (std::size_t col = 0; col < columns_.size(); ++col)
-            apply(columns_[col], std::uint64_t{pels[col]} * pels[col]);
+    void Deviate() {
+        const auto lead = static_cast<std::size_t>(windows_.lead);
+        const auto count = static_cast<std::size_t>(windows_.count);
+        const auto width = static_cast<std::size_t>(size_.width);
+        const double* const sums = sums_.Sums().data() + lead;
+        const double* const counts = sums_.Counts().data() + lead;
+        double* const out = deviations_.data() + lead;
+        if (size_.Area() <= kernels::kLargestSquaredWindow) {
+            kernels::WindowDeviations(sums, counts, squares_.data(), width, count, out);
+        } else {
+            for (std::size_t i = 0; i < count; ++i) {
+                out[i] = PopulationDeviation(static_cast<std::int64_t>(counts[i]),
+                                             static_cast<std::int64_t>(sums[i]),
+                                             static_cast<std::int64_t>(squares_[i + width] - squares_[i]));
+            }
+        }
+        RepeatEnds(deviations_.data(), deviations_.size(), lead, count);
     }
 
     ConstImageView view_;
     WindowSize size_;
-    Reach held_{0, -1};
+    SlidingWindows windows_;
+    LitWindowSums sums_;
+    Reach held_{0, -1};  ///< rows that the columns sum
+    /// Exact: 8000 x 8000 squares below 2^32 stay below 2^58.
     std::vector<std::uint64_t> columns_;
-    std::vector<std::uint64_t> sums_;
+    std::vector<std::uint64_t> squares_;  ///< of the columns before each one
+    std::vector<double> deviations_;
 };
 
-/// Calls visit(col, row, deviation) for every pel with data, top down.
-template <class Visit>
-void VisitDeviations(const ConstImageView& view, const WindowSize& size, Visit&& visit) {
-    LitWindowSums sums(view, WindowPlacement::kShifted, size);
-    SquareSums squares(view, size);
-    for (std::int32_t row = 0; row < view.rows; ++row) {
-        sums.MoveTo(row);
-        const auto& squared = squares.At(row);
-        for (std::int32_t col = 0; col < view.cols; ++col) {
-            if (view.At(col, row) == 0) continue;
-            const auto i = static_cast<std::size_t>(col);
-            visit(col, row,
-                  PopulationDeviation(static_cast<std::int64_t>(sums.Counts()[i]),
-                                      static_cast<std::int64_t>(sums.Sums()[i]),
-                                      static_cast<std::int64_t>(squared[i])));
-        }
-    }
-}
-
 OwnedImage MakeLocalDeviation(const ConstImageView& view, const WindowSize& size) {
-    OwnedImage result(view, NewPels::kZero);
-    const ImageView out = result.View();
-    double largest = 0.0;
-    VisitDeviations(view, size, [&](std::int32_t, std::int32_t, double deviation) {
-        largest = std::max(largest, deviation);
-    });
-    if (largest == 0.0) largest = 1.0;
-    VisitDeviations(view, size, [&](std::int32_t col, std::int32_t row, double deviation) {
-        out.At(col, row) = ClampToPel(TruncToInt32(deviation * kFullScale / largest));
-    });
-    TqImageHeader& header = result.Header();
-    header.MaxPelValue = static_cast<float>(kFullScale);
-    header.LuxPerGrey = static_cast<float>(header.LuxPerGrey * (largest / kFullScale));
+    OwnedImage result = ScaleByLargest(
+        view, kFullScale, [&] { return DeviationRows(view, size); }, kernels::WriteMagnitudes);
+    result.Header().MaxPelValue = static_cast<float>(kFullScale);
     return result;
 }
 
@@ -101,7 +91,7 @@ OwnedImage MakeLocalDeviation(const ConstImageView& view, const WindowSize& size
 using namespace tq;
 
 std::int32_t TQ_CALL tqCalcLocalStdDev(TqImage** image, std::int32_t width, std::int32_t height) {
-    const ConstImageView view = LocateHostImage(image);
+    const ConstImageView view = LocateHeld(image);
     if (!view) return kInvalidImage;
     const WindowSize size(width, height, view);
     if (size.IsPel()) return 0;

@@ -8,10 +8,10 @@
 #include "core/guard.h"
 #include "core/image_block.h"
 #include "core/image_view.h"
+#include "core/out_value.h"
 #include "core/rectangle.h"
 #include "kernels/outliers.h"
 #include "measure/block_sweep.h"
-#include "measure/out_value.h"
 #include "tqimage/thresholds.h"
 
 namespace tq {

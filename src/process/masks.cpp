@@ -7,6 +7,8 @@
 #include "core/image_block.h"
 #include "core/image_view.h"
 #include "core/rectangle.h"
+#include "core/replaced_image.h"
+#include "core/window.h"
 #include "kernels/pel_arithmetic.h"
 #include "kernels/span_statistics.h"
 #include "process/pel_runs.h"
@@ -44,21 +46,10 @@ MaskedImage Masked(const ConstImageView& source, const ConstImageView& mask, ker
     return result;
 }
 
-/// Columns or rows that a block of `size` pels around `center` clears. Hosts have always got a block that
-/// begins size / 2 before its centre and is pushed back at the far side, never cut there.
-struct Cleared {
-    std::int32_t first;
-    std::int32_t last;
-};
-
-Cleared BlockAt(std::int32_t center, std::int32_t size, std::int32_t pels) noexcept {
-    const std::int32_t first = std::min(std::max(0, center - size / 2), pels - size);
-    return {first, first + size - 1};
-}
-
-/// Clears a block around every marked pel, row by row. For each column it remembers down to which row it is
-/// to be cleared, so that a pel is cleared once however many blocks cover it. Blocks begin at or above their
-/// mask row: a mask row is always read before the same row of the image is written.
+/// Clears a block around every marked pel, shifted inward at the border, row by row. For each column it
+/// remembers down to which row it is to be cleared, so that a pel is cleared once however many blocks cover
+/// it. Blocks begin at or above their mask row: a mask row is always read before the same row of the image is
+/// written.
 class BlockClearing {
   public:
     BlockClearing(const ImageView& image, const ConstImageView& mask, std::int32_t width, std::int32_t height)
@@ -69,7 +60,7 @@ class BlockClearing {
     void Run() noexcept {
         std::int32_t next = 0;
         for (std::int32_t row = 0; row < image_.rows; ++row) {
-            for (; next < mask_.rows && BlockAt(next, height_, image_.rows).first <= row; ++next)
+            for (; next < mask_.rows && ShiftedReach(next, height_, image_.rows).first <= row; ++next)
                 Enter(next);
             ClearRow(row);
         }
@@ -77,12 +68,12 @@ class BlockClearing {
 
   private:
     void Enter(std::int32_t maskRow) noexcept {
-        const auto last = static_cast<std::int16_t>(BlockAt(maskRow, height_, image_.rows).last);
+        const auto last = static_cast<std::int16_t>(ShiftedReach(maskRow, height_, image_.rows).last);
         const Pel* mask = mask_.Row(maskRow);
         std::int32_t done = 0;  // blocks of a row begin and end in the order of their pels
         for (std::int32_t col = 0; col < mask_.cols; ++col) {
             if (mask[col] == 0) continue;
-            const Cleared block = BlockAt(col, width_, image_.cols);
+            const Reach block = ShiftedReach(col, width_, image_.cols);
             for (done = std::max(done, block.first); done <= block.last; ++done)
                 clearedTo_[static_cast<std::size_t>(done)] = last;
         }

@@ -1,12 +1,13 @@
 #include <algorithm>
 #include <cstdint>
+#include <iterator>
 #include <vector>
 
+#include "core/replaced_image.h"
 #include "kernels/median_network.h"
 #include "kernels/median_ranks.h"
+#include "measure/window_sweep.h"
 #include "process/filter_result.h"
-#include "process/shell_sort.h"
-#include "process/window_sweep.h"
 #include "tqimage/filters.h"
 
 namespace tq {
@@ -15,7 +16,7 @@ namespace {
 constexpr std::int32_t kInvalidImage = -2;
 constexpr std::int32_t kNoMemory = -3;
 
-/// Up to so many pels gathering and sorting each window costs less than preparing anything.
+/// Up to so many pels gathering each window costs less than preparing anything.
 constexpr std::int64_t kFewPels = 16;
 
 /// Pels of a tile to each side beyond its windows: small enough that neighbouring ranks stay close together,
@@ -24,8 +25,7 @@ constexpr std::int32_t kSmallTile = 64;
 constexpr std::int32_t kLargeTile = 128;
 constexpr std::int64_t kLargeWindow = 200;
 
-void SortedMedians(const ConstImageView& view, const WindowSize& size, const Rect& rect,
-                   const ImageView& out) {
+void FewMedians(const ConstImageView& view, const WindowSize& size, const Rect& rect, const ImageView& out) {
     std::vector<Pel> window(static_cast<std::size_t>(size.Area()));
     for (std::int32_t row = rect.top; row <= rect.bottom; ++row) {
         const Reach rows = ShiftedReach(row, size.height, view.rows);
@@ -34,8 +34,9 @@ void SortedMedians(const ConstImageView& view, const WindowSize& size, const Rec
             Pel* to = window.data();
             for (std::int32_t y = rows.first; y <= rows.last; ++y)
                 to = std::copy_n(view.Row(y) + first, size.width, to);
-            ShellSort(window.data(), window.size());
-            out.At(col, row) = window[window.size() / 2];
+            const auto middle = window.begin() + std::ssize(window) / 2;
+            std::nth_element(window.begin(), middle, window.end());
+            out.At(col, row) = *middle;
         }
     }
 }
@@ -104,7 +105,7 @@ void RepeatAtBorder(const Windows& windows, const Rect& rect, const ImageView& o
 
 void FilterMedians(const ConstImageView& view, const WindowSize& size, const Rect& rect,
                    const ImageView& out) {
-    if (rect.Area() <= kFewPels) return SortedMedians(view, size, rect, out);
+    if (rect.Area() <= kFewPels) return FewMedians(view, size, rect, out);
     const Windows windows(view, size, rect, out);
     if (size.width == 3 && size.height == 3) {
         NetworkMedians<3>(view, windows);
@@ -131,7 +132,7 @@ OwnedImage MakeMedian(const ConstImageView& view, const WindowSize& size, const 
 using namespace tq;
 
 std::int32_t TQ_CALL tqMedianFilter(TqImage** image, std::int32_t size) {
-    const ConstImageView view = LocateHostImage(image);
+    const ConstImageView view = LocateHeld(image);
     if (!view) return kInvalidImage;
     const std::int32_t side = std::min(size, std::min(view.cols, view.rows));
     return ReplaceImage(image, kNoMemory,
@@ -141,7 +142,7 @@ std::int32_t TQ_CALL tqMedianFilter(TqImage** image, std::int32_t size) {
 std::int32_t TQ_CALL tqMedianFilterInRegion(TqImage** image, std::int32_t width, std::int32_t height,
                                             std::int32_t left, std::int32_t top, std::int32_t right,
                                             std::int32_t bottom) {
-    const ConstImageView view = LocateHostImage(image);
+    const ConstImageView view = LocateHeld(image);
     if (!view) return kInvalidImage;
     return ReplaceImage(image, kNoMemory, [&] {
         return MakeMedian(view, WindowSize(width, height, view),

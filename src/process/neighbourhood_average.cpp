@@ -1,9 +1,10 @@
 #include <vector>
 
+#include "core/replaced_image.h"
 #include "kernels/window_means.h"
 #include "kernels/window_sums.h"
+#include "measure/window_sweep.h"
 #include "process/filter_result.h"
-#include "process/window_sweep.h"
 #include "tqimage/filters.h"
 
 namespace tq {
@@ -71,7 +72,7 @@ OwnedImage MakeAverage(const ConstImageView& view, Average what, const WindowSiz
 
 std::int32_t ReplaceByAverage(TqImage** image, Average what, std::int32_t width, std::int32_t height,
                               const Rect& asked) {
-    const ConstImageView view = LocateHostImage(image);
+    const ConstImageView view = LocateHeld(image);
     if (!view) return kInvalidImage;
     const WindowSize size(width, height, view);
     // Hosts keep pointers into the block when they ask for no averaging.

@@ -6,6 +6,7 @@
 #include "core/guard.h"
 #include "core/image_block.h"
 #include "core/image_view.h"
+#include "core/replaced_image.h"
 #include "kernels/grey_arithmetic.h"
 #include "process/scene_overlap.h"
 
@@ -147,10 +148,8 @@ std::int32_t TQ_CALL tqSubtractImageOffset(TqImage** out, const TqImage* a, cons
     if (out == nullptr || !first) return kInvalidFirst;
     const ConstImageView second = LocateImage(b);
     if (!second) return kInvalidSecond;
-    return Guarded(kDifferenceNotMade, [&] {
-        CommitImage(out, Difference(first, second, Overlap(first, second, offsetX, offsetY)));
-        return kOk;
-    });
+    return ReplaceImage(out, kDifferenceNotMade,
+                        [&] { return Difference(first, second, Overlap(first, second, offsetX, offsetY)); });
 }
 
 std::int32_t TQ_CALL tqAddImageOffset(TqImage** out, const TqImage* a, const TqImage* b, float offsetX,
@@ -159,10 +158,8 @@ std::int32_t TQ_CALL tqAddImageOffset(TqImage** out, const TqImage* a, const TqI
     if (out == nullptr || !first) return kInvalidFirst;
     const ConstImageView second = LocateImage(b);
     if (!second) return kInvalidSecond;
-    return Guarded(kNotMade, [&] {
-        CommitImage(out, Sum(first, second, Overlap(first, second, offsetX, offsetY)));
-        return kOk;
-    });
+    return ReplaceImage(out, kNotMade,
+                        [&] { return Sum(first, second, Overlap(first, second, offsetX, offsetY)); });
 }
 
 std::int32_t TQ_CALL tqDivideImageOffset(TqImage** out, const TqImage* numerator, const TqImage* denominator,

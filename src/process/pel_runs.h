@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 
 #include "core/image_view.h"
 #include "core/rectangle.h"
@@ -19,6 +20,15 @@ void VisitRuns(const ConstImageView& view, const Rect& rect, Visit&& visit) {
         visit(static_cast<std::size_t>(view.Row(row) + left - view.pels),
               static_cast<std::size_t>(right - left + 1));
     });
+}
+
+/// Exact: 8000 x 8000 pels of 65535 stay far below 2^64.
+inline std::uint64_t SumPels(const ConstImageView& view, const Rect& rect) {
+    std::uint64_t sum = 0;
+    VisitRuns(view, rect, [&](std::size_t first, std::size_t count) {
+        sum += kernels::SumPels(view.pels + first, count);
+    });
+    return sum;
 }
 
 /// Cuts a run into shorter ones, visit(first, count), after each of which its pels are still in the cache.
@@ -49,11 +59,6 @@ kernels::SumAndMax ProduceMeasured(const ConstImageView& out, const Rect& rect, 
 template <class Produce>
 kernels::SumAndMax ProduceMeasured(const ConstImageView& out, Produce&& produce) {
     return ProduceMeasured(out, {0, 0, out.cols - 1, out.rows - 1}, produce);
-}
-
-/// What a producer that replaces the host's image asks of the host's pointer.
-inline ConstImageView LocateHeld(TqImage* const* image) noexcept {
-    return image == nullptr ? ConstImageView{} : LocateImage(static_cast<const TqImage*>(*image));
 }
 
 }  // namespace tq

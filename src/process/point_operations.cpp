@@ -2,13 +2,13 @@
 
 #include <algorithm>
 
-#include "core/guard.h"
 #include "core/image_block.h"
 #include "core/image_view.h"
+#include "core/out_value.h"
 #include "core/rectangle.h"
+#include "core/replaced_image.h"
 #include "kernels/pel_arithmetic.h"
 #include "kernels/span_statistics.h"
-#include "measure/out_value.h"
 #include "process/pel_runs.h"
 
 namespace {
@@ -41,11 +41,10 @@ std::int32_t TQ_CALL tqAddConstant(TqImage* image, std::int32_t constant) {
 std::int32_t TQ_CALL tqSubtractValue(TqImage** image, std::int32_t value) {
     const ConstImageView source = LocateHeld(image);
     if (!source) return kInvalidImage;
-    return Guarded(kNoMemory, [&] {
+    return ReplaceImage(image, kNoMemory, [&] {
         OwnedImage result(source, NewPels::kUnwritten);
         kernels::SubtractSaturated(source.pels, ClampToPel(value), result.View().pels, source.Count());
-        CommitImage(image, std::move(result));
-        return kOk;
+        return result;
     });
 }
 

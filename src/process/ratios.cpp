@@ -3,6 +3,7 @@
 #include "core/guard.h"
 #include "core/image_block.h"
 #include "core/image_view.h"
+#include "core/replaced_image.h"
 #include "kernels/grey_arithmetic.h"
 #include "measure/image_values.h"
 #include "process/pel_runs.h"

@@ -2,6 +2,7 @@
 #include <vector>
 
 #include "core/numerics.h"
+#include "core/replaced_image.h"
 #include "measure/image_values.h"
 #include "process/filter_result.h"
 #include "tqimage/filters.h"
@@ -89,7 +90,7 @@ OwnedImage Sharpen(const ConstImageView& view, float strength, const Rect& rect)
 }
 
 std::int32_t ReplaceBySharpened(TqImage** image, float strength, const Rect& asked) {
-    const ConstImageView view = LocateHostImage(image);
+    const ConstImageView view = LocateHeld(image);
     if (!view) return kInvalidImage;
     if (view.cols < 3 || view.rows < 3) return kTooSmall;
     return ReplaceImage(image, kNoMemory, [&] {

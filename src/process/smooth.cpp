@@ -1,5 +1,8 @@
+#include <algorithm>
+#include <cstdint>
 #include <cstring>
 
+#include "core/replaced_image.h"
 #include "core/window.h"
 #include "kernels/window_means.h"
 #include "process/filter_result.h"
@@ -49,7 +52,7 @@ OwnedImage SmoothOnce(const ConstImageView& view, Smooth what) {
 
 std::int32_t SmoothRepeatedly(TqImage** image, Smooth what, std::int32_t passes) {
     for (std::int32_t pass = 0; pass < passes; ++pass) {
-        const ConstImageView view = LocateHostImage(image);
+        const ConstImageView view = LocateHeld(image);
         if (!view) return kInvalidImage;
         bool settled = false;
         const std::int32_t status = ReplaceImage(image, kNoMemory, [&] {

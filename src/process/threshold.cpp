@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "core/guard.h"
 #include "core/image_block.h"
 #include "core/image_view.h"
+#include "core/out_value.h"
 #include "core/rectangle.h"
+#include "core/replaced_image.h"
 #include "measure/image_values.h"
-#include "measure/out_value.h"
 #include "process/outside_runs.h"
 #include "process/pel_runs.h"
 #include "tqimage/thresholds.h"
@@ -49,11 +49,10 @@ class Threshold {
 /// Replaces the host's image with what fill(out) writes into an unwritten block with the image's header.
 template <class Fill>
 std::int32_t Replace(TqImage** image, const ConstImageView& view, Fill&& fill) {
-    return Guarded(kNotCreated, [&] {
+    return ReplaceImage(image, kNotCreated, [&] {
         OwnedImage result(view, NewPels::kUnwritten);
         fill(result.View());
-        CommitImage(image, std::move(result));
-        return 0;
+        return result;
     });
 }
 

@@ -2,9 +2,8 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <cstring>
-#include <string>
+#include <numeric>
 #include <string_view>
 #include <type_traits>
 #include <vector>
@@ -46,6 +45,10 @@ class Argument<T*> {
 
     Argument(Scene& scene, std::string_view name, Checking) : isAddress_(name == "blockAddress") {
         Draw noise(scene.Choice().Any());
+        if (name == "limits" && !scene.Choice().OneIn(8)) {
+            std::iota(values_.begin(), values_.end(), Value{});
+            return;
+        }
         const double scale = scene.Choice().OneIn(2) ? 1.0 : 100.0;
         for (Value& value : values_) {
             if constexpr (std::is_floating_point_v<Value>) {
@@ -157,10 +160,10 @@ class Argument<SAFEARRAY**> {
             array_ = MakeInt32Array(length, name == "points" ? 3 : 5, [&](int, int field) {
                 return noise.Between(field == 0 ? 0 : -1, field == 0 ? 6 : scene.Cols());
             });
-        } else if (usual && name == "table") {
-            array_ = MakeDoubleArray(1 + length, 9, [&](int, int field) {
-                return field < 3 ? 10.0 + field * noise.Fraction() : 0.01 * noise.Fraction();
-            });
+        } else if (usual && name == "array") {
+            const auto rows = static_cast<std::uint32_t>(draw.Between(1, 12));
+            array_ =
+                draw.OneIn(2) ? MakeInt32Array(length, rows, number) : MakeInt16Array(length, rows, number);
         } else if (draw.OneIn(2)) {
             array_ = MakeInt16Array(length, static_cast<std::uint32_t>(draw.Between(1, 12)), number);
         } else {
@@ -225,121 +228,6 @@ class Argument<std::uint16_t**> {
 
   private:
     std::uint16_t* address_ = nullptr;
-};
-
-/// A file to write.
-template <>
-class Argument<const char*> {
-  public:
-    Argument(Scene&, std::string_view, Checking) {}
-    Argument(Argument&&) = delete;
-    ~Argument() { std::remove(name_.c_str()); }
-    const char* Pass() { return name_.c_str(); }
-    void Add(Fingerprint& print) {
-        std::FILE* file = std::fopen(name_.c_str(), "rb");
-        if (file == nullptr) return print.Add(-1);
-        std::array<char, 4096> buffer;
-        while (const std::size_t got = std::fread(buffer.data(), 1, buffer.size(), file)) {
-            // Text has the line ends of its system.
-            const auto end = std::remove(buffer.begin(), buffer.begin() + got, '\r');
-            print.Add(buffer.data(), static_cast<std::size_t>(end - buffer.begin()));
-        }
-        std::fclose(file);
-    }
-
-  private:
-    std::string name_ = FileName();
-    static std::string FileName();
-};
-
-/// A bitmap that the host has not filled yet.
-template <>
-class Argument<TqLeadBitmap*> {
-  public:
-    Argument(Scene&, std::string_view, Checking) {}
-    Argument(Argument&&) = delete;
-    ~Argument() { tqFreeLeadBmp(&bitmap_); }
-    TqLeadBitmap* Pass() { return &bitmap_; }
-    void Add(Fingerprint& print) {
-        for (const std::int32_t field :
-             {bitmap_.width, bitmap_.height, bitmap_.bitsPerPixel, bitmap_.bytesPerLine,
-              bitmap_.viewPerspective, bitmap_.colorOrder, bitmap_.paletteEntries})
-            print.Add(field);
-        if (bitmap_.palette != nullptr) {
-            print.Add(bitmap_.palette, 4 * static_cast<std::size_t>(bitmap_.paletteEntries));
-        }
-        if (bitmap_.rows == nullptr) return;
-        print.Add(bitmap_.rows,
-                  static_cast<std::size_t>(bitmap_.height) * static_cast<std::size_t>(bitmap_.bytesPerLine));
-    }
-
-  protected:
-    TqLeadBitmap bitmap_{};
-};
-
-/// A record of numbers whose fields lie side by side, drawn one by one.
-template <class Record, class Field>
-class NumberRecord {
-  public:
-    Record* Pass() { return &record_; }
-    void Add(Fingerprint&) {}
-
-  protected:
-    template <class DrawField>
-    void Fill(DrawField&& drawField) {
-        Field fields[sizeof(Record) / sizeof(Field)];
-        std::size_t index = 0;
-        for (Field& field : fields)
-            field = drawField(index++);
-        std::memcpy(&record_, fields, sizeof record_);
-    }
-    Record record_{};
-};
-
-template <>
-class Argument<const TqProjection*> : public NumberRecord<TqProjection, double> {
-  public:
-    Argument(Scene& scene, std::string_view, Checking) {
-        // A camera a little before the surface; the sizes of the result are small.
-        const double usual[] = {
-            0.0, 0.0,   -1.0,  0,    0,    0,   200, scene.Cols() * 0.5, scene.Rows() * 0.5, 0,
-            0.5, 100.0, 100.0, 20.0, 15.0, 9.5, 7.0};
-        Fill([&](std::size_t i) {
-            if (i == 9) return static_cast<double>(scene.Choice().Between(0, 3));
-            if (i == 13 || i == 14) return static_cast<double>(scene.Choice().Between(0, 40));
-            return scene.Choice().OneIn(3) ? scene.DrawReal("Col") : usual[i];
-        });
-    }
-};
-
-template <>
-class Argument<const TqLensSetting*> {
-  public:
-    Argument(Scene& scene, std::string_view, Checking)
-        : setting_{scene.DrawInt("cols", Checking::kUnchecked),
-                   scene.DrawInt("rows", Checking::kUnchecked),
-                   scene.Choice().Between(-1, 4),
-                   scene.Choice().Between(-1, 4),
-                   static_cast<float>(scene.DrawReal("a")),
-                   static_cast<float>(scene.DrawReal("b"))} {}
-    const TqLensSetting* Pass() { return &setting_; }
-    void Add(Fingerprint&) {}
-
-  private:
-    TqLensSetting setting_;
-};
-
-/// The block of a byte string.
-template <>
-class Argument<void**> {
-  public:
-    Argument(Scene&, std::string_view, Checking) {}
-    void** Pass() { return &block_; }
-    void Add(Fingerprint&) {}
-    void* Get() const { return block_; }
-
-  private:
-    void* block_ = nullptr;
 };
 
 }  // namespace tqtest

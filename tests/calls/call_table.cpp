@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "arguments.h"
+#include "record_arguments.h"
 #include "special_calls.h"
 
 namespace tqtest {
@@ -37,19 +38,20 @@ void Call(Result(TQ_CALL* function)(Parameters...), Checking checking, Scene& sc
 template <class Result, class... Parameters>
 constexpr bool ReadsOnly(Result(TQ_CALL*)(Parameters...)) {
     return (std::is_same_v<Parameters, const TqImage*> || ...) &&
-           !((std::is_same_v<Parameters, TqImage*> || std::is_same_v<Parameters, TqImage**> ||
-              std::is_same_v<Parameters, const char*>) ||
-             ...);
+           !((std::is_same_v<Parameters, TqImage*> || std::is_same_v<Parameters, TqImage**>) || ...);
 }
 
 std::vector<CallEntry> MakeTable() {
     std::vector<CallEntry> table = {
-#define CALL(function, how, ...)                                                                            \
+#define CODES(...) \
+    { __VA_ARGS__ }
+#define CALL(function, how, codes, ...)                                                                     \
     {#function,                                                                                             \
      [](Scene& scene, Fingerprint& print) { Call(&function, Checking::how, scene, print, {__VA_ARGS__}); }, \
-     ReadsOnly(&function)},
+     ReadsOnly(&function), codes},
 #include "calls.inc"
 #undef CALL
+#undef CODES
     };
     for (CallEntry& entry : table) {
         if (const auto special = SpecialCall(entry.name)) entry.call = special;

@@ -12,7 +12,8 @@ namespace tqtest {
 struct CallEntry {
     std::string_view name;
     void (*call)(Scene& scene, Fingerprint& print);
-    bool readsOnly;  ///< takes images, and takes none that it could write
+    bool readsOnly;                     ///< takes images, and takes none that it could write
+    std::vector<double> withoutMemory;  ///< the codes that stand for a want of memory
 };
 
 /// The functions of the public headers whose arguments can be drawn, in alphabetical order.

@@ -1,22 +1,30 @@
-"""Writes calls.inc: CALL(name, how, "argument", ...) for the functions of the public headers that a host without
-OLE Automation does not bring itself. `how` is Unchecked where the comment says that an argument is not checked."""
+"""Writes calls.inc: CALL(name, how, CODES(code, ...), "argument", ...) for the functions of the public headers that
+a host without OLE Automation does not bring itself. `how` is kUnchecked where the comment says that an argument is
+not checked; the codes are those that stand for a want of memory."""
 
 import argparse
 import pathlib
+import re
 import sys
 
 sys.dont_write_bytecode = True
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "exports"))
 import declarations  # noqa: E402
 
-# What these take is not drawn yet: handles of global memory, bitmaps and files that must exist, records of
-# other devices. Their own tests and the fuzz targets provoke them.
-NOT_DRAWN = {
-    "TqConvertKorvelinToImage", "tq24bitColorBitmapToImage", "tqBmpToClipBoard", "tqBuildMultiPointImage",
-    "tqCombineImagesRGBtoDIB", "tqCompressImage", "tqDecompressImage", "tqDiskBmpToImage", "tqImageSumToImage",
-    "tqImageToDIB", "tqImageToImageSum", "tqImageToLeadBmp0", "tqImageToLeadBmpScale", "tqLeadBmpToDiskBmp",
-    "tqLeadBmpToImage", "tqTransformXYZtoRGB", "tqTransformXYZtoRGB2",
-}
+WANT_OF_MEMORY = re.compile(
+    r"\bmemory\b|no block|no bitmap|cannot be (allocated|created|computed)|array (cannot be made|could not be created)")
+
+
+def plain_comment(function):
+    """The comment as one line, without its frame."""
+    return " ".join(re.sub(r"^\s*\*", "", function.comment, flags=re.MULTILINE).split())
+
+
+def codes_without_memory(comment):
+    """The numbers in those parts of the list of results that speak of memory."""
+    results = re.search(r"@return\s(.*?)(@par|@note|\*/|$)", comment)
+    parts = [part for part in results[1].split(";") if WANT_OF_MEMORY.search(part)] if results else []
+    return [code for part in parts for code in re.findall(r"-\d+", part)]
 
 
 def main():
@@ -26,11 +34,13 @@ def main():
     arguments = parser.parse_args()
     lines = []
     for function in declarations.declared_functions(arguments.include):
-        if function.header == "automation.h" or function.name in NOT_DRAWN:
+        if function.header == "automation.h":
             continue
-        how = "kUnchecked" if "not checked" in " ".join(function.comment.split()) else "kChecked"
+        comment = plain_comment(function)
+        how = "kUnchecked" if "not checked" in comment else "kChecked"
+        codes = ", ".join(codes_without_memory(comment))
         names = "".join(f', "{name}"' for name in function.arguments)
-        lines.append(f"CALL({function.name}, {how}{names})\n")
+        lines.append(f"CALL({function.name}, {how}, CODES({codes}){names})\n")
     text = "".join(sorted(lines))
     output = pathlib.Path(arguments.output)
     if not output.exists() or output.read_text() != text:

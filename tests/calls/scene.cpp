@@ -76,7 +76,16 @@ Scene::Scene(Draw& draw, std::int32_t largest) : draw_(draw), largest_(largest) 
     if (draw.OneIn(40)) reinterpret_cast<TqImageHeader*>(images_[0])->PelCols = draw.Between(-1, 0);
 }
 
+Scene::Scene(Draw& draw, const Scene& lender)
+    : draw_(draw),
+      largest_(lender.largest_),
+      cols_(lender.cols_),
+      rows_(lender.rows_),
+      images_(lender.images_),
+      areLent_(true) {}
+
 Scene::~Scene() {
+    if (areLent_) return;
     for (TqImage*& image : images_)
         if (image != nullptr) tqImageFree(&image);
 }
@@ -88,8 +97,9 @@ TqImageHeader Scene::DrawHeader(std::int32_t cols, std::int32_t rows) {
     const float resolution = static_cast<float>(draw_.OneIn(3) ? draw_.Between(-10, 5000) : 1000);
     header.PelsPerMeterX = header.PelsPerMeterY = resolution;
     if (draw_.OneIn(6)) header.PelsPerMeterY = static_cast<float>(DrawReal("resolution"));
-    header.CenterCol = static_cast<float>(draw_.Between(-2, 2 * cols)) * 0.5f;
-    header.CenterRow = static_cast<float>(draw_.Between(-2, 2 * rows)) * 0.5f;
+    const bool isCentred = draw_.OneIn(2);
+    header.CenterCol = static_cast<float>(isCentred ? cols - 1 : draw_.Between(-2, 2 * cols)) * 0.5f;
+    header.CenterRow = static_cast<float>(isCentred ? rows - 1 : draw_.Between(-2, 2 * rows)) * 0.5f;
     header.LuxPerGrey = draw_.OneIn(3) ? static_cast<float>(DrawReal("scale")) : 0.01f;
     header.MaxPelValue = draw_.OneIn(3) ? static_cast<float>(draw_.Between(0, 70000)) : 65535.0f;
     header.CenterPelValue = static_cast<float>(draw_.Between(0, 65535));
@@ -109,7 +119,8 @@ TqImage* Scene::MakeImage(std::int32_t cols, std::int32_t rows) {
 }
 
 TqDistortionMap* Scene::MakeMap() {
-    TqImageHeader info = DrawHeader(cols_ + draw_.Between(0, 3), rows_ + draw_.Between(0, 3));
+    const std::int32_t most = draw_.OneIn(2) ? 3 : 0;
+    TqImageHeader info = DrawHeader(cols_ + draw_.Between(0, most), rows_ + draw_.Between(0, most));
     TqDistortionMap* map = nullptr;
     tqCreateDistortionImage(&map, &info);
     if (map == nullptr) return nullptr;
@@ -149,14 +160,17 @@ std::int32_t Scene::DrawInt(std::string_view name, Checking checking) {
     if (checking == Checking::kChecked && draw_.OneIn(30)) {
         return draw_.OneOf({kLeast, kLeast + 1, -65536, -2, -1, 0, 65535, 65536, kMost - 1, kMost});
     }
-    if (Has(name, {"block", "window", "inner", "outer", "ref", "detect", "average", "radius", "width",
-                   "height", "win", "depth", "gap", "distance", "frame", "step"})) {
+    // What lies around a block is larger than it.
+    if (Has(name, {"outer", "around"})) return draw_.Between(draw_.OneIn(6) ? -1 : 5, 15);
+    if (Has(name, {"binCols", "binRows"})) return draw_.OneIn(4) ? draw_.Between(-3, 5) : draw_.Between(1, 2);
+    if (name == "ceiling" && draw_.OneIn(2)) return 0;
+    if (Has(name, {"block", "window", "inner", "ref", "detect", "average", "radius", "width", "height", "win",
+                   "depth", "gap", "distance", "frame", "step"})) {
         return draw_.OneIn(10) ? draw_.Between(-1, largest_) : draw_.Between(1, 9);
     }
-    if (Has(name,
-            {"binCols", "binRows",   "order",      "kind",    "method",   "mode",   "palette", "shape",
-             "kernel",  "direction", "mirror",     "ellipse", "quantity", "passes", "use",     "ompress",
-             "type",    "space",     "projection", "divisor", "gamut",    "equal"})) {
+    if (Has(name, {"Mode",    "order",     "kind",   "method",     "mode",     "palette", "shape",
+                   "kernel",  "direction", "mirror", "ellipse",    "quantity", "passes",  "use",
+                   "ompress", "type",      "space",  "projection", "divisor",  "gamut",   "equal"})) {
         return draw_.Between(draw_.OneIn(8) ? -3 : 0, 5);
     }
     if (Has(name, {"newCols", "newRows", "size"}) || name == "cols" || name == "rows") {
@@ -190,7 +204,10 @@ double Scene::DrawReal(std::string_view name) {
         return draw_.OneOf({kInfinity, -kInfinity, std::nan(""), 1e300, -1e30, 1e-30, -0.0, 0.0});
     }
     if (Has(name, {"threshold", "low", "high", "level", "luminance"})) return 65535.0 * draw_.Fraction();
-    if (Has(name, {"ngle", "degrees"})) return 400.0 * draw_.Fraction() - 200.0;
+    if (Has(name, {"ngle", "degrees"})) {
+        return draw_.OneIn(3) ? 400.0 * draw_.Fraction() - 200.0 : 90.0 * draw_.Fraction();
+    }
+    if (Has(name, {"offset"})) return 0.02 * draw_.Fraction() - 0.01;  // a few pels at 1000 pels a metre
     if (Has(name, {"percent", "Percent", "row", "col", "Row", "Col"})) return 50.0 * draw_.Fraction();
     return draw_.OneIn(3) ? static_cast<double>(draw_.Between(-2, 3)) : 3.0 * draw_.Fraction();
 }

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 
 #include "draw.h"
 #include "tqimage/keystone.h"
@@ -30,6 +31,8 @@ class Scene {
   public:
     /// The sizes are below `largest`.
     Scene(Draw& draw, std::int32_t largest);
+    /// The images of another scene, for calls that write none of them.
+    Scene(Draw& draw, const Scene& lender);
     Scene(const Scene&) = delete;
     Scene& operator=(const Scene&) = delete;
     ~Scene();
@@ -50,7 +53,8 @@ class Scene {
 
     void Add(Fingerprint& print) const;
 
-    void SetWatch(CallWatch* watch) { watch_ = watch; }
+    /// Returns the one before.
+    CallWatch* SetWatch(CallWatch* watch) { return std::exchange(watch_, watch); }
     /// Makes a call and adds what it returns.
     template <class Call>
     void Make(Fingerprint& print, Call&& call) {
@@ -74,6 +78,7 @@ class Scene {
     std::int32_t largest_;
     std::int32_t cols_, rows_;
     std::array<TqImage*, kImages> images_{};
+    bool areLent_ = false;
 };
 
 /// Adds header and pels, without the bits that no contract fixes.

@@ -10,10 +10,10 @@ trap 'rm -rf "$work"' EXIT
 
 sed -n '/^```c$/,/^```$/p' "$root/README.md" | sed '1d;$d' >"$work/readme.c"
 [ -s "$work/readme.c" ]
-python3 - "$work/readme.c" "$root/examples/first_measurement.c" <<'PY'
+python3 - "$work/readme.c" "$root/docs/examples/first_measurement.c" <<'PY'
 import sys
 readme, example = (open(name).read() for name in sys.argv[1:])
-sys.exit(None if readme in example else "README.md shows another example than examples/first_measurement.c")
+sys.exit(None if readme in example else "README.md shows another example than docs/examples/first_measurement.c")
 PY
 
 # A library with sanitizers needs a program with the same ones, from the same compiler.
@@ -23,7 +23,7 @@ flags=()
 symbols=$(nm -D "$build/lib/libtqimage20.so")
 if [[ $symbols == *__asan_init* ]]; then flags=(-fsanitize=address,undefined); fi
 "$compiler" -std=c99 -pedantic -Wall -Wextra -Werror "${flags[@]}" -I"$root/include" \
-    "$root/examples/first_measurement.c" -L"$build/lib" -Wl,-rpath,"$build/lib" -ltqimage20 -o "$work/example"
+    "$root/docs/examples/first_measurement.c" -L"$build/lib" -Wl,-rpath,"$build/lib" -ltqimage20 -o "$work/example"
 
 # 12000 grey are 120 lx; half a pel off the axis at 2 m that is 480 cd.
 printed=$("$work/example")

@@ -21,6 +21,10 @@ def comment_faults(function):
     documented = re.findall(r"@param\[(?:in|out|in,out)\]\s+(\w+)\s+\S", comment)
     if documented != function.arguments:
         faults.append(f"@param[in|out|in,out] names {documented}, the arguments are {function.arguments}")
+    # A host that took such a pointer for a mere output would hand over one that was never set, and it would be freed.
+    for name in function.block_pointers:
+        if not re.search(rf"@param\[in,out\]\s+{name}\s", comment):
+            faults.append(f"{name} points at a block that is replaced, so it goes in and out")
     returns = re.search(r"@return\s+\S", comment) is not None
     if returns != (function.type != "void"):
         faults.append("no @return" if not returns else "@return on a function without a result")
@@ -49,7 +53,13 @@ def collection_faults(include):
         return ["tqimage.h, which brings every header, is missing"]
     brought = set(re.findall(r'^#include\s+[<"](?:tqimage/)?(\w+\.h)[>"]', everything.read_text(), re.MULTILINE))
     expected = {header.name for header in public_headers(include)} - {"tqimage.h", "base.h"}
-    return [f"tqimage.h does not include {name}" for name in sorted(expected - brought)]
+    faults = [f"tqimage.h does not include {name}" for name in sorted(expected - brought)]
+    subsystems = set(re.findall(r"@defgroup (\w+)", everything.read_text()))
+    for header in set(public_headers(include)) - {everything}:
+        group = re.search(rf"@defgroup {header.stem} .*\n \*  @ingroup (\w+)$", header.read_text(), re.MULTILINE)
+        if not group or group[1] not in subsystems:
+            faults.append(f"{header.name} is in no part of the reference")
+    return faults
 
 
 def main():

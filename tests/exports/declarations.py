@@ -9,6 +9,7 @@ DECLARATION = re.compile(
     r"^TQ_API\s+(?P<type>[^;()]*?)\s*\bTQ_CALL\s+(?P<name>\w+)\s*\((?P<arguments>[^;]*?)\)\s*;",
     re.DOTALL | re.MULTILINE)
 ARGUMENT_NAME = re.compile(r"(\w+)\s*(?:\[\w*\])?$")
+BLOCK_POINTER = re.compile(r"\bTq(?:Image|DistortionMap|ImageSum)\*\*\s*(\w+)")
 
 
 @dataclasses.dataclass
@@ -17,6 +18,7 @@ class Function:
     name: str
     type: str
     arguments: list
+    block_pointers: list
     comment: str
 
 
@@ -36,7 +38,7 @@ def declared_functions(include):
     for header in public_headers(include):
         text = header.read_text()
         found = [Function(header.name, match["name"], match["type"], argument_names(match["arguments"]),
-                          match["comment"] or "")
+                          BLOCK_POINTER.findall(match["arguments"]), match["comment"] or "")
                  for match in DECLARATION.finditer(text)]
         # A declaration of another form than the expression knows would silently escape every check.
         written = len(re.findall(r"^TQ_API\b", text, re.MULTILINE))

@@ -212,7 +212,7 @@ TEST(Size, KeepsTheProportions) {
 TEST(Bin, AveragesWholeBlocks) {
     for (const bool lit : {false, true}) {
         for (const auto& [binCols, binRows] :
-             {std::pair{2, 2}, {3, 1}, {0, -7}, {kMin, 2}, {31, 23}, {kMax, 3}}) {
+             {std::pair{2, 2}, {4, 3}, {3, 1}, {0, -7}, {kMin, 2}, {31, 23}, {kMax, 3}}) {
             SCOPED_TRACE(testing::Message() << binCols << " x " << binRows << (lit ? " of data" : ""));
             Image before = tqtest::RandomImageWithHoles(31, 23, 5, 2);
             before.Header() = Noise(31, 23).Header();

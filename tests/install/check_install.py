@@ -10,7 +10,7 @@ import sys
 
 EXPECTED = "480.00 cd"
 HERE = pathlib.Path(__file__).resolve().parent
-EXAMPLE = HERE.parents[1] / "examples" / "first_measurement.c"
+EXAMPLE = HERE.parents[1] / "docs" / "examples" / "first_measurement.c"
 
 
 def run(*command, **options):

@@ -100,6 +100,31 @@ TEST(CombineImagesRgb, EveryStyleOfEveryMixture) {
     }
 }
 
+TEST(CombineImagesRgb, LargeImagesGetTheSameBytes) {
+    std::array<Image, 3> images;
+    for (std::size_t i = 0; i < 3; ++i) {
+        images[i] = RandomImageWithHoles(251, 173, static_cast<std::uint32_t>(i), 1);
+        images[i].Header().MaxPelValue = 60000.0f;
+    }
+    // Numbers that tables hold and numbers that they do not.
+    for (const Style& style : {Style{1, 0.001f, 30, false, false, 2.2}, Style{1, 1, 1, false, true, -2.0},
+                               Style{2, 1, 0.5f, false, false, 0.6}, Style{1, 1, 1e-4f, false, false, 4.0},
+                               Style{1, -1, 1, false, true, 2.0}}) {
+        Bitmap bitmap;
+        ASSERT_EQ(tqCombineImagesRGB(&bitmap, images[0], nullptr, images[2], style.red, style.green,
+                                     style.blue, 0, style.whiteForBlack, style.gamma),
+                  0);
+        for (std::int32_t row = 0; row < 173; ++row) {
+            for (std::int32_t col = 0; col < 251; ++col) {
+                const std::array<double, 3> light{images[0](col, row) * static_cast<double>(style.red), 0.0,
+                                                  images[2](col, row) * static_cast<double>(style.blue)};
+                ASSERT_EQ(At(bitmap, col, row), PlainCombined(light, 60000.0, style))
+                    << "gamma " << style.gamma << ", " << col << ", " << row;
+            }
+        }
+    }
+}
+
 TEST(CombineImagesRgb, OnePixelAtATime) {
     const auto pixel = [](std::vector<int> pels, float scale, bool normalize, bool white, float gain = 1.0f) {
         std::array<Image, 3> images;

@@ -146,11 +146,13 @@ TEST_F(GreyArithmetic, SumsOfChannels) {
     for (const double sa : kScales) {
         for (const double sb : kScales) {
             SCOPED_TRACE(testing::Message() << sa << ", " << sb);
-            const kernels::Channels channels{{a_.data(), b_.data(), c_.data()}, {sa, sb, 0.25}};
+            // With a scale of 1 the third channel carries sums beyond single precision.
+            const double sc = sa == 1.0 ? 1e36 : 0.25;
+            const kernels::Channels channels{{a_.data(), b_.data(), c_.data()}, {sa, sb, sc}};
             std::vector<double> sums(a_.size());
             double largest = 0.0;
             for (std::size_t i = 0; i < sums.size(); ++i) {
-                sums[i] = static_cast<double>(static_cast<float>(a_[i] * sa + b_[i] * sb + c_[i] * 0.25));
+                sums[i] = static_cast<double>(static_cast<float>(a_[i] * sa + b_[i] * sb + c_[i] * sc));
                 if (sums[i] > largest) largest = sums[i];
             }
             tqtest::ForEachTarget([&] {
@@ -164,6 +166,31 @@ TEST_F(GreyArithmetic, SumsOfChannels) {
                 }
             });
         }
+    }
+}
+
+TEST_F(GreyArithmetic, GradientsStepByStep) {
+    for (const float scale : {1.0f, 0.1f, 1e-38f, 1e30f, kInfinity, kNan}) {
+        SCOPED_TRACE(scale);
+        const kernels::Gradients g{{a_.data(), b_.data(), c_.data()}, {scale, 0.3f, 1.0f}, 0.7f, 0.2f};
+        std::vector<float> roots(a_.size());
+        float largest = 0.0f;
+        for (std::size_t i = 0; i < roots.size(); ++i) {
+            const float a = a_[i] * scale, b = b_[i] * 0.3f, c = c_[i];
+            roots[i] = std::sqrt(a * a * 0.7f + (b * b + c * c) * 0.2f);
+            if (roots[i] > largest) largest = roots[i];
+        }
+        tqtest::ForEachTarget([&] {
+            ASSERT_EQ(kernels::LargestGradient(g, roots.size()), largest);
+            for (const float factor : {65000.0f / largest, 1.0f, kNan}) {
+                std::vector<Pel> out(roots.size());
+                kernels::WriteGradients(g, factor, out.data(), out.size());
+                for (std::size_t i = 0; i < roots.size(); ++i) {
+                    const auto value = static_cast<double>(roots[i] * factor);
+                    ASSERT_EQ(out[i], tq::ClampToPel(TruncToInt32(value))) << i;
+                }
+            }
+        });
     }
 }
 

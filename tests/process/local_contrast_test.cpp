@@ -113,12 +113,12 @@ TEST(LocalLumDiff, IsTheWindowAgainstItsSurround) {
 }
 
 TEST(LocalLumDiffDir, IsTheBlockAgainstItsNeighboursInADirection) {
-    const Image source = RandomImageWithHoles(37, 25, 63, 2);
+    const Image source = RandomImageWithHoles(37, 72, 63, 2);
     constexpr std::int32_t kSteps[4][2] = {{1, 0}, {0, 1}, {1, 1}, {1, -1}};
-    for (const std::int32_t distance : {1, 4, 11, 30}) {
+    for (const std::int32_t distance : {1, 11, 32, 33, 50}) {
         for (std::int32_t direction = 0; direction <= 4; ++direction) {
             const auto mean = [&](std::int32_t col, std::int32_t row) -> Difference {
-                if (col < 0 || row < 0 || col >= 37 || row >= 25) return std::nullopt;
+                if (col < 0 || row < 0 || col >= 37 || row >= 72) return std::nullopt;
                 return MeanOf(LitOf(ClippedPels(source, col, row, 3, 1)));
             };
             const Image expected = Encoded(source, [&](std::int32_t col, std::int32_t row) {

@@ -1,5 +1,4 @@
 #include "platform/automation.h"
-#include "platform/huge_pages.h"
 
 #include <algorithm>
 #include <atomic>
@@ -8,6 +7,8 @@
 #include <cstring>
 #include <limits>
 #include <new>
+
+#include "platform/huge_pages.h"
 
 namespace {
 

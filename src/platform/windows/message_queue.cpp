@@ -1,12 +1,6 @@
 #include "platform/message_queue.h"
 
-#if !defined(NOMINMAX)
-#define NOMINMAX
-#endif
-#if !defined(WIN32_LEAN_AND_MEAN)
-#define WIN32_LEAN_AND_MEAN
-#endif
-#include <windows.h>
+#include "platform/windows/system.h"
 
 namespace tq {
 

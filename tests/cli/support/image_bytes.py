@@ -13,6 +13,14 @@ def pgm(rows, maximum=65535):
     return head + b"".join(struct.pack(form % len(row), *row) for row in rows)
 
 
+def pgm_rows(data):
+    """The pels of a 16-bit file that the program wrote."""
+    _, size, _, pels = data.split(b"\n", 3)
+    cols, rows = map(int, size.split())
+    values = struct.unpack(">%dH" % (cols * rows), pels)
+    return [list(values[row * cols:(row + 1) * cols]) for row in range(rows)]
+
+
 def plain_pgm(rows, maximum=65535):
     text = "P2 # plain\n%d %d %d\n" % (len(rows[0]), len(rows), maximum)
     return (text + "\n".join(" ".join(map(str, row)) for row in rows) + "\n").encode()

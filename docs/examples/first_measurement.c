@@ -7,6 +7,7 @@
 #include <tqimage/photometry.h>
 
 int main(void) {
+    /* [measurement] */
     TqImageHeader header = {.PelCols = 640, .PelRows = 480, .BinCols = 1, .BinRows = 1};
     header.PelsPerMeterX = header.PelsPerMeterY = 1000;   /* a pel is 1 mm of the target, */
     header.SourceDistance = 2;                            /* which is 2 m from the source; */
@@ -19,4 +20,5 @@ int main(void) {
     if (tqCalcCandela(image, 320, 240, &candela, &horizontal, &vertical, &off_axis, 21, 21, 0) != 0) return 1;
     printf("%.2f cd\n", candela);
     return tqImageFree(&image);
+    /* [measurement] */
 }

@@ -1,4 +1,4 @@
-#include "process/window_sweep.h"
+#include "measure/window_sweep.h"
 
 #include <algorithm>
 
