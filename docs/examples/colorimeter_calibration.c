@@ -5,6 +5,8 @@
 #include <stdio.h>
 #include <tqimage/tqimage.h>
 #if defined(_WIN32)
+#include <windows.h>
+/* Needs windows.h before it. */
 #include <oleauto.h>
 #endif
 

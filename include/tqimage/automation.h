@@ -1,7 +1,7 @@
 /** @file automation.h
  *  The OLE Automation arrays and variants and the global memory in which hosts exchange data.
  *
- *  On Windows these are the system's own; hosts include <oleauto.h>. Elsewhere the library brings equivalents
+ *  On Windows these are the system's own; hosts include oleauto.h. Elsewhere the library brings equivalents
  *  with the published layouts and names, restricted to what the library exchanges: arrays and variants of
  *  numbers. Strings, objects and records are not supported.
  */
