@@ -142,7 +142,7 @@ typedef struct tagVARIANT {
 /**
  * @brief Creates an array of numbers, all 0.
  * @param[in] vt element type: VT_I1, VT_UI1, VT_I2, VT_UI2, VT_BOOL, VT_I4, VT_UI4, VT_INT, VT_UINT,
- * VT_ERROR, VT_R4, VT_R8, VT_I8, VT_UI8, VT_CY or VT_DATE
+ *               VT_ERROR, VT_R4, VT_R8, VT_I8, VT_UI8, VT_CY or VT_DATE
  * @param[in] cDims number of dimensions, 1..65535
  * @param[in] rgsabound the dimensions, leftmost first
  * @return the array; null for another type, no dimensions, a size above 4 GiB or memory that cannot be had
@@ -217,7 +217,7 @@ TQ_API void TQ_CALL VariantInit(VARIANT* pvarg);
  * @brief Releases what a variant holds and makes it empty.
  * @param[in,out] pvarg the variant
  * @return S_OK; E_INVALIDARG for null; DISP_E_ARRAYISLOCKED when it holds a locked array; DISP_E_BADVARTYPE
- * for a type that is not a number or an array of numbers: the variant is untouched
+ *         for a type that is not a number or an array of numbers: the variant is untouched
  * @par Ownership
  * An array in the variant is destroyed; what a VT_BYREF variant points at is not touched.
  */
@@ -244,7 +244,7 @@ TQ_API void* TQ_CALL GlobalLock(HGLOBAL hMem);
  * @brief Takes back one GlobalLock.
  * @param[in] hMem the handle
  * @return non-zero while the memory is still locked, always for fixed memory; 0 otherwise and for a handle
- * that is not one
+ *         that is not one
  */
 TQ_API BOOL TQ_CALL GlobalUnlock(HGLOBAL hMem);
 

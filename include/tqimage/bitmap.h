@@ -51,7 +51,7 @@ typedef struct TqLeadBitmap {
  * 254 and (203, 203, 255) at 255.
  *
  * @param[out] bitmap   Receives the bitmap; what it held is overwritten, not freed. Untouched when the
- * function fails.
+ *                      function fails.
  * @param[out] scale    Receives 255 / MaxPelValue.
  * @param[in,out] image Image to show. A MaxPelValue of 0 or below becomes 255 in its header, so that later
  *                      calls see the same scale.
@@ -86,7 +86,7 @@ TQ_API int32_t TQ_CALL tqImageToLeadBmp(TqLeadBitmap* bitmap, double* scale, TqI
  * @param[in] palette     Palette code.
  * @param[in] gamma       Exponent of the tone curve; 1 for a screen, negative for a linear curve.
  * @return 0; -100 image is null or invalid, or paletteText is null with code -2; no bitmap: -2 with palette
- * 0, -3 with any other.
+ *         0, -3 with any other.
  * @par Ownership
  * The host owns the bitmap and releases it with tqFreeLeadBmp.
  * @par Memory
@@ -115,7 +115,7 @@ TQ_API int32_t TQ_CALL tqImageToLeadBmp0(TqLeadBitmap* bitmap, double* scale, Tq
  * @param[in] logarithmic Non-zero for the logarithmic form.
  * @param[in] gamma       Exponent of the tone curve; negative for the stretch.
  * @return 0; -100 image is null or invalid, or paletteText is null with code -2; no bitmap: -2 with palette
- * 0, -3 with any other.
+ *         0, -3 with any other.
  * @par Ownership
  * The host owns the bitmap and releases it with tqFreeLeadBmp.
  * @par Memory

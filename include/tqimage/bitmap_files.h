@@ -37,7 +37,7 @@ TQ_API int32_t TQ_CALL tqImageToDiskBmp(const char* fileName, TqImage* image, in
  * @param[in] fileName Name of the file, created or replaced.
  * @param[in] bitmap   Bitmap of 8 or 24 bits a pixel. 8 bits without a palette are written with a grey ramp.
  * @return 0; -1 the bitmap is null or its rows cannot be read (see tqLeadBmpToImage), fileName is null, or
- * the file cannot be written.
+ *         the file cannot be written.
  * @note A file that cannot be written completely is removed.
  */
 TQ_API int32_t TQ_CALL tqLeadBmpToDiskBmp(const char* fileName, const TqLeadBitmap* bitmap);

@@ -23,7 +23,7 @@ extern "C" {
  * 214013 s + 2531011 modulo 2^32.
  *
  * @param[in,out] image Address of the image; receives the new one, with the header unchanged. The old block
- * is freed. Untouched when the function fails.
+ *                      is freed. Untouched when the function fails.
  * @param[in] factor    Bytes a grey level, for instance 255 / MaxPelValue.
  * @return 0; -2 image is null or invalid; -5 no memory.
  * @par Ownership

@@ -53,7 +53,7 @@ TQ_API int32_t TQ_CALL tqCombineImagesRGB(TqLeadBitmap* bitmap, const TqImage* r
  * The colours are those of tqCombineImagesRGB.
  *
  * @param[out] dib         Receives the handle of moveable global memory: a header of 40 bytes and the rows
- * from bottom to top. Null after -11.
+ *                         from bottom to top. Null after -11.
  * @param[in] red          Image of the red channel; null when there is none.
  * @param[in] green        Image of the green channel; null when there is none.
  * @param[in] blue         Image of the blue channel; null when there is none.
@@ -95,7 +95,7 @@ TQ_API int32_t TQ_CALL tqCombineImagesRGBtoDIB(void** dib, const TqImage* red, c
  * @param[in,out] second  Receives the Y image; the block it held is freed.
  * @param[in,out] third   Receives the Z image; the block it held is freed.
  * @return 0; -100 the file cannot be read or is malformed, or no memory for its bitmap; -4 no memory for the
- * images, or an address is null. The host's images are untouched when the function fails.
+ *         images, or an address is null. The host's images are untouched when the function fails.
  * @par Ownership
  * The host owns the images and releases them with tqImageFree.
  * @par Memory
@@ -136,7 +136,7 @@ TQ_API int32_t TQ_CALL tq24bitColorBitmapToImage(const char* fileName, const TqI
  * @param[in] gamut  What becomes of a colour that the display cannot show. 0: each channel is limited by
  *                   itself. Any other value: the colour is mixed with the grey of its own Y / white, with as
  *                   much of it as brings the three channels into 0..1, so that its luminance and its hue
- * stay.
+ *                   stay.
  * @return 0; -1 there is no image; -2 one is invalid; -3 the sizes differ; -4 no memory, or bitmap is null.
  * @par Ownership
  * The host owns the bitmap and releases it with tqFreeLeadBmp.
@@ -146,7 +146,7 @@ TQ_API int32_t TQ_CALL tq24bitColorBitmapToImage(const char* fileName, const TqI
  * IEC 61966-2-1 (sRGB), whose curve it is with 0.4166 for 1/2.4; its matrix from X, Y and Z is 3.2406,
  * -1.5372, -0.4986, -0.9689, 1.8758, 0.0415, 0.0557, -0.2040, 1.0570.
  * @note White has byte 254 with a gamma of 0 or above, as everywhere in the library. Images without any
- * light, white being left to them, are black.
+ *       light, white being left to them, are black.
  */
 TQ_API int32_t TQ_CALL tqTransformXYZtoRGB(const TqImage* x, const TqImage* y, const TqImage* z,
                                            TqLeadBitmap* bitmap, float m0, float m1, float m2, float m3,
@@ -175,7 +175,7 @@ TQ_API int32_t TQ_CALL tqTransformXYZtoRGB(const TqImage* x, const TqImage* y, c
  * @param[in] m7     Row 3, coefficient of Y.
  * @param[in] m8     Row 3, coefficient of Z.
  * @param[in] white  Y that is shown as white, in the unit of pel x LuxPerGrey; 0, below or not a number as
- * above.
+ *                   above.
  * @param[in] gamma  Factor of the curve's exponent; 1 for a screen, 0 means 1, negative for a linear curve.
  * @param[in] gamut  0 limits each channel by itself, any other value mixes with grey, as above.
  * @param[in] equalise 0 for tqTransformXYZtoRGB; any other value to equalise.

@@ -118,7 +118,7 @@ TQ_API int32_t TQ_CALL tqReplaceBlock(TqImage* image, int32_t column, int32_t ro
  *         invalid; then 4 an element cannot be read; -11 a pel cannot be repaired, -21 a column, -31 a column
  *         segment, -41 a row, -51 a row segment; 6 the list cannot be unlocked.
  * @note -11, -21, -31, -41 and -51 end the work at once: earlier repairs stay in the image, and the list
- * stays locked; the host unlocks it. On every other path it is unlocked.
+ *       stays locked; the host unlocks it. On every other path it is unlocked.
  */
 TQ_API int32_t TQ_CALL tqRemoveBadPixels(TqImage* image, int32_t originColumn, int32_t originRow,
                                          int32_t width, int32_t height, SAFEARRAY** list);

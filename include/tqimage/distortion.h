@@ -37,7 +37,7 @@ TQ_API int32_t TQ_CALL tqCreateDistortionImage(TqDistortionMap** map, const TqIm
  *
  * @param[in,out] map   Map to write.
  * @param[in] info      Header whose PelCols is the number of entries a row, usually the one the map was
- * created with; the map's own Cols is not used.
+ *                      created with; the map's own Cols is not used.
  * @param[in] col       Column of the entry.
  * @param[in] row       Row of the entry.
  * @param[in] sourceCol Column to take the pel from, unbinned pels; negative when the pel has no source.

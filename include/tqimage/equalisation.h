@@ -31,7 +31,7 @@ extern "C" {
  *                       Null after -3 and -4, untouched after -2.
  * @param[in,out] source Image to equalise; its MaxPelValue becomes its largest pel.
  * @param[in] levels     Grey levels of the result, at most 65536. Below 1: the source's MaxPelValue before
- * the call, truncated, + 1, at most 16384.
+ *                       the call, truncated, + 1, at most 16384.
  * @return 0; -2 out null, or source null or invalid; -3 no memory for the result; -4 every pel is 0, or no
  *         memory for the histogram.
  * @par Ownership
@@ -77,7 +77,7 @@ TQ_API int32_t TQ_CALL tqHistoEqualizeInRegion(TqImage** out, const TqImage* sou
  *                       Null after -3 and -4, untouched after -2.
  * @param[in,out] source Image to equalise; its MaxPelValue becomes its largest pel.
  * @param[in] levels     Grey levels of the result, at most 65536. Below 1: the source's MaxPelValue before
- * the call, truncated, + 1, at most 16384.
+ *                       the call, truncated, + 1, at most 16384.
  * @param[in] width      Columns of the neighbourhood: below 2 counts as 1, at most those of the image, and an
  *                       even number loses one.
  * @param[in] height     Rows of the neighbourhood, in the same way.

@@ -139,7 +139,7 @@ TQ_API int32_t TQ_CALL tqStringToHandle(const uint8_t* source, uint32_t sourceLe
  * @param[in] expectedLength length when restored, bytes; 0 acts as tqStringToHandle
  * @param[in] compressed 0 plain bytes, otherwise a zlib stream
  * @return 0; -1 when a pointer is null or the block cannot be allocated; the zlib status when the stream
- * cannot be restored: -3 damaged, -4 no memory, -5 longer than expected
+ *         cannot be restored: -3 damaged, -4 no memory, -5 longer than expected
  * @par Ownership
  * The block belongs to the host, which releases it with tqImageFree. After a zlib status *result holds the
  * address of a block that is already freed: it must not be used or freed.
@@ -157,8 +157,8 @@ TQ_API int32_t TQ_CALL tqStringToHandle2(const uint8_t* source, uint32_t sourceL
  * @param[in] array address of the host's array: two dimensions (columns, rows), 4-byte elements, grey levels
  *            clamped to 0..65535
  * @return 0; -2 when a pointer is null, the elements are not 4-byte integers or the image cannot be
- * allocated: *image is untouched; -3 when the array has not two dimensions or cannot be locked; -4 when an
- * element cannot be read: the array stays locked; -5 when the array cannot be unlocked
+ *         allocated: *image is untouched; -3 when the array has not two dimensions or cannot be locked; -4
+ *         when an element cannot be read: the array stays locked; -5 when the array cannot be unlocked
  * @par Ownership
  * The block that *image held is freed. The image belongs to the host, after a failure to lock, read or unlock
  * too: it is then filled in part, the rest 0.
@@ -173,8 +173,8 @@ TQ_API int32_t TQ_CALL tqSafeArrayToHandle(TqImage** image, SAFEARRAY** array);
  * @param[in,out] image address of the host's block pointer; receives the image
  * @param[in] array address of the host's array: two dimensions (columns, rows), 2-byte elements, grey levels
  * @return 0; -2 when a pointer is null, the elements are not 2-byte integers or the image cannot be
- * allocated: *image is untouched; -3 when the array has not two dimensions or cannot be locked; -5 when it
- * cannot be unlocked
+ *         allocated: *image is untouched; -3 when the array has not two dimensions or cannot be locked; -5
+ *         when it cannot be unlocked
  * @par Ownership
  * The block that *image held is freed. The image belongs to the host, after a failure to lock or unlock too.
  * @par Memory
@@ -191,7 +191,7 @@ TQ_API int32_t TQ_CALL tqShortSafeArrayToHandle(TqImage** image, SAFEARRAY** arr
  *            1..8000
  * @param[in] values PelCols x PelRows grey levels, column after column
  * @return 0; -2 when a pointer is null, a side is negative or the image cannot be allocated: *image is
- * untouched
+ *         untouched
  * @par Ownership
  * The block that *image held is freed. The image belongs to the host.
  * @par Memory
@@ -207,7 +207,7 @@ TQ_API int32_t TQ_CALL tqShortSafeArrayToHandle2(TqImage** image, const TqImageH
  *            1..8000
  * @param[in] values PelCols x PelRows grey levels, column after column
  * @return 0; -2 when a pointer is null, a side is negative or the image cannot be allocated: *image is
- * untouched
+ *         untouched
  * @par Ownership
  * The block that *image held is freed. The image belongs to the host.
  * @par Memory
@@ -235,9 +235,9 @@ TQ_API int32_t TQ_CALL tqHandleToShortSafeArrayNew(const TqImage* image, uint16_
 /**
  * @brief Makes a bare array of pels, without a header, of an array of 32-bit integers.
  * @param[out] pels receives the pels in the order in which the array lies in memory, leftmost index fastest;
- * what it held is not freed
+ *                  what it held is not freed
  * @param[in] array address of the host's array: one or two dimensions, 4-byte elements, grey levels clamped
- * to 0..65535
+ *                  to 0..65535
  * @return 0; -1 when the pels cannot be allocated or pels is null; -2 when the array is null or its elements
  *         are not 4-byte integers; -3 when it cannot be locked; -4 when an element of one dimension, -5 when
  *         an element of two dimensions cannot be read; -6 when it has another number of dimensions; -7 when
@@ -272,7 +272,7 @@ TQ_API int32_t TQ_CALL tqGetSafeArray(const uint16_t* pels, SAFEARRAY** array);
  * @param[in] blockWidth full width of the block, pels; below 1 counts as 1
  * @param[in] blockHeight full height of the block, pels; below 1 counts as 1
  * @param[in,out] array address of the host's array pointer; receives an array of doubles, dimensions
- * (columns, rows), lower bounds 0, in grey levels
+ *                      (columns, rows), lower bounds 0, in grey levels
  * @return 0; -2 when the image is invalid or array is null; -3 when the array that *array holds cannot be
  *         destroyed; -4 when the new one cannot be created; -5 when it cannot be locked; -6 when the averages
  *         cannot be computed; -7 when it cannot be unlocked
@@ -292,7 +292,7 @@ TQ_API int32_t TQ_CALL tqGetPixelArray(const TqImage* image, int32_t ellipse, in
  * @param[in] blockWidth full width of the block, pels, clamped to 1..PelCols
  * @param[in] blockHeight full height of the block, pels, clamped to 1..PelRows
  * @param[out] result receives an array of doubles, dimensions (columns, rows), lower bounds 0, in grey
- * levels; what it held is neither read nor released
+ *                    levels; what it held is neither read nor released
  * @return 0; -1 when the image is invalid; -4 when result is null or the array cannot be made: the variant is
  *         untouched
  * @par Ownership

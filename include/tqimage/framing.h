@@ -79,7 +79,7 @@ TQ_API int32_t TQ_CALL tqFrameUpImg2(TqImage** out, const TqImage* in, int32_t c
  * @param[in] colsAfter columns of the frame to the right of that pel
  * @param[in] rowsAfter rows of the frame below it
  * @return 0; -1 when out is null, the image is invalid or the new one cannot be allocated or would have a
- * side outside 1..8000
+ *         side outside 1..8000
  * @par Ownership
  * A block that *out holds is freed, also when the new one cannot be allocated: then *out is null. Only when
  * *out is the input itself it stays then. The new block belongs to the host, which releases it with
@@ -87,8 +87,8 @@ TQ_API int32_t TQ_CALL tqFrameUpImg2(TqImage** out, const TqImage* in, int32_t c
  * @par Memory
  * The new block.
  * @note The frame has col + 1 + colsAfter columns and row + 1 + rowsAfter rows; pels that fall outside are
- * cut off. The broken part of the centre is kept, and where there is one the last column or row of the image
- * is left out. A centre that is not finite leaves the frame empty.
+ *       cut off. The broken part of the centre is kept, and where there is one the last column or row of the
+ *       image is left out. A centre that is not finite leaves the frame empty.
  */
 TQ_API int32_t TQ_CALL tqFrameOutImg0(TqImage** out, const TqImage* in, int32_t col, int32_t row,
                                       int32_t colsAfter, int32_t rowsAfter);

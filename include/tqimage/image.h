@@ -94,7 +94,7 @@ TQ_API int32_t TQ_CALL tqGetKeyStoneImageInfo(TqImageHeader* info, const TqDisto
  * @param[in,out] destination address of the host's block pointer; receives the copy
  * @param[in] source the image to copy
  * @return 0; -1 when destination is null or the source invalid: the destination is untouched; -2 when the
- * copy cannot be allocated
+ *         copy cannot be allocated
  * @par Ownership
  * A block that *destination holds is freed; after -2 *destination is null. The copy belongs to the host,
  * which releases it with tqImageFree.

@@ -33,8 +33,8 @@ extern "C" {
  * @par Memory
  * The result.
  * @note Without an average, or with a count below 2, the image is copied. Else LuxPerGrey is the larger one
- * of the two, every pel ((image * its LuxPerGrey + average * its LuxPerGrey * (count - 1)) / count) /
- * LuxPerGrey, and MaxPelValue the largest pel; the rest of the header is that of the old average.
+ *       of the two, every pel ((image * its LuxPerGrey + average * its LuxPerGrey * (count - 1)) / count) /
+ *       LuxPerGrey, and MaxPelValue the largest pel; the rest of the header is that of the old average.
  */
 TQ_API int32_t TQ_CALL tqRunningAverage(TqImage** average, const TqImage* image, int32_t count);
 
@@ -60,7 +60,7 @@ TQ_API int32_t TQ_CALL tqAverageImages(TqImage** out, const TqImage* a, const Tq
  * @param[in] numerator image, which gives the header
  * @param[in] denominator image of the same size; where it is 0 the ratio is 0
  * @return 0; -2 numerator null or invalid, or out null; -3 denominator null or invalid; -4 sizes differ or no
- * memory
+ *         memory
  * @par Ownership
  * The block that out held is freed first, before anything is checked, and out is null after a failure. If it
  * is an input of the call it is freed at the end.
@@ -83,7 +83,7 @@ TQ_API int32_t TQ_CALL tqDivideImage(TqImage** out, const TqImage* numerator, co
  * @par Memory
  * The result.
  * @note Every pel becomes pel / (reference pel / MaxPelValue of the reference), at most 65535, and 0 where
- * the reference is 0. TotalPelValue, MaxPelValue and CenterPelValue are those of the result.
+ *       the reference is 0. TotalPelValue, MaxPelValue and CenterPelValue are those of the result.
  */
 TQ_API int32_t TQ_CALL tqNormalizeImage(TqImage** image, TqImage* reference);
 
@@ -118,9 +118,9 @@ TQ_API int32_t TQ_CALL tqRootSumSquare(TqImage** out, const TqImage* a, const Tq
  * @par Memory
  * The result.
  * @note The sums are kept in single precision, and every pel is sum * 255 / largest sum; a largest sum of 0
- * counts as 1. The header is that of the first image there is; TotalPelValue is the sum of the pels,
- * CenterPelValue the pel at the centre cut off to whole pels or 0 outside, MaxPelValue 255, LuxPerGrey the
- * largest sum / 255.
+ *       counts as 1. The header is that of the first image there is; TotalPelValue is the sum of the pels,
+ *       CenterPelValue the pel at the centre cut off to whole pels or 0 outside, MaxPelValue 255, LuxPerGrey
+ *       the largest sum / 255.
  */
 TQ_API int32_t TQ_CALL tqCombineImages(TqImage** out, const TqImage* first, const TqImage* second,
                                        const TqImage* third);

@@ -44,7 +44,7 @@ typedef struct TqImageSum {
  * @par Memory
  * 112 bytes and 8 bytes an entry.
  * @note A TotalPelValue of up to 2147483647.5 gives step 1, and then no pel is lost. One that is negative or
- * no number counts as 0.
+ *       no number counts as 0.
  */
 TQ_API int32_t TQ_CALL tqImageToImageSum(TqImageSum** sum, const TqImage* image);
 

@@ -62,7 +62,7 @@ TQ_API int32_t TQ_CALL tqMirrorKeystone(TqDistortionMap** map);
  * @param[in,out] map Address of the host's map pointer; the new map replaces the one it holds. Untouched when
  *                    the function fails.
  * @param[in] mode    1: 90 degrees counter-clockwise; 2: 90 degrees clockwise; 3: rows in reverse order;
- * every other value does nothing.
+ *                    every other value does nothing.
  * @return 0; -2 there is no map to turn, or no memory.
  * @par Ownership
  * The map that was held is freed; the new one belongs to the host.
@@ -80,7 +80,7 @@ TQ_API int32_t TQ_CALL tqTransposeKeystone(TqDistortionMap** map, int32_t mode);
  *                    the function fails.
  * @param[in] mirror  0: as tqTransposeKeystone; other values mirror first.
  * @param[in] mode    With mirror: 0 tqMirrorKeystone; 1 columns and rows exchanged; 2 the same about the
- * other diagonal; 3 half a turn; every other value does nothing.
+ *                    other diagonal; 3 half a turn; every other value does nothing.
  * @return 0; -2 there is no map to turn, or no memory.
  * @par Ownership
  * The map that was held is freed; the new one belongs to the host.
@@ -102,17 +102,18 @@ TQ_API int32_t TQ_CALL tqMirrorTransposeKeystone(TqDistortionMap** map, int32_t 
  * degrees.
  *
  * @param[in,out] map       Address of the host's map pointer; the new map replaces the one it holds.
- * Untouched when the function fails.
+ *                          Untouched when the function fails.
  * @param[in] image         Image of the screen.
  * @param[in] threshold     Pels above it show the screen, grey levels, any value; unused when corners are
- * given.
+ *                          given.
  * @param[in,out] corners   Column and row of the top left, top right, bottom right and bottom left corner,
- * eight doubles, pels; corners[0] negative: find them and store them here.
+ *                          eight doubles, pels; corners[0] negative: find them and store them here.
  * @param[out] horizontal   100 (left - right) / (left + right) of the lengths of these sides, percent; may be
- * null.
+ *                          null.
  * @param[out] vertical     100 (top - bottom) / (top + bottom), percent; may be null.
  * @return 0; -1 image is invalid, or map, image or corners is null; -99 no pel above the threshold; -2 a
- * border was not found; -3 the corners are not those of a convex quadrilateral, clockwise; -4 no memory.
+ *         border was not found; -3 the corners are not those of a convex quadrilateral, clockwise; -4 no
+ *         memory.
  * @par Ownership
  * The map that was held is freed; the new one belongs to the host.
  * @par Memory
@@ -137,14 +138,14 @@ TQ_API int32_t TQ_CALL tqCalcKeyStone(TqDistortionMap** map, const TqImage* imag
  *                             tqRemoveKeystone, replaces the one it holds. Untouched when the function fails.
  * @param[in] image            Image of the screen; only its size is used.
  * @param[in] points           Column and row of the top left, top middle, top right, bottom right, bottom
- * middle and bottom left mark, twelve doubles, pels.
+ *                             middle and bottom left mark, twelve doubles, pels.
  * @param[in] halfAngle        Angle about the axis from the middle to either side, radians, 0 < a < pi / 2.
  * @param[in] heightOverRadius Height of the screen divided by the radius of the cylinder, > 0.
  * @param[out] rms             Root mean square of the distances left, pels; may be null; untouched when the
  *                             function fails.
  * @return 0; -1 image is invalid, or map or points is null; -2 halfAngle outside (0, pi / 2) or
- * heightOverRadius not positive; -3 the marks do not determine a camera that has them before it; -4 no
- * memory.
+ *         heightOverRadius not positive; -3 the marks do not determine a camera that has them before it; -4
+ *         no memory.
  * @par Ownership
  * The map that was held is freed; the new one belongs to the host.
  * @par Memory

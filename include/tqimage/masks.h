@@ -28,7 +28,8 @@ extern "C" {
  * @par Memory
  * The result.
  * @note A pel of 0 that is kept becomes 1, so that it differs from a masked one. Only what both images cover
- * from their first pels on is kept; the rest is 0. TotalPelValue and MaxPelValue are those of the result.
+ *       from their first pels on is kept; the rest is 0. TotalPelValue and MaxPelValue are those of the
+ *       result.
  */
 TQ_API int32_t TQ_CALL tqMaskImage(TqImage** image, const TqImage* mask);
 
@@ -43,7 +44,7 @@ TQ_API int32_t TQ_CALL tqMaskImage(TqImage** image, const TqImage* mask);
  * @par Memory
  * The result.
  * @note As tqMaskImage, but TotalPelValue becomes the sum of the first PelCols x PelRows bytes of the new
- * block, the bytes of its header included, and MaxPelValue stays. Hosts rely on the figure.
+ *       block, the bytes of its header included, and MaxPelValue stays. Hosts rely on the figure.
  */
 TQ_API int32_t TQ_CALL tqInvMaskImage(TqImage** image, const TqImage* mask);
 
@@ -66,7 +67,7 @@ TQ_API int32_t TQ_CALL tqInvMaskImageOffset(TqImage* image, const TqImage* mask)
  * @param[in] blockHeight rows, clamped to 0 .. PelRows - 1; 0 clears nothing
  * @return 0; -2 image null or invalid; -3 mask null or invalid; -4 sizes differ
  * @note A block begins half its size, cut off, before its centre; it is pushed back to lie inside the image.
- * The cost does not depend on the size of the block.
+ *       The cost does not depend on the size of the block.
  */
 TQ_API int32_t TQ_CALL tqInvMaskImage2(TqImage* image, const TqImage* mask, int32_t blockWidth,
                                        int32_t blockHeight);

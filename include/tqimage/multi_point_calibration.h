@@ -80,7 +80,7 @@ TQ_API int32_t TQ_CALL tqBuildMultiPointImage(TqImage** image, const TqMultiPoin
  * 0..65535. A pel of 0 stays 0.
  *
  * @param[in,out] image  Address of the pointer to the measurement; the corrected image, with the
- * measurement's whole header, replaces it. Untouched when the function fails.
+ *                       measurement's whole header, replaces it. Untouched when the function fails.
  * @param[in] correction Correction image, as tqBuildMultiPointImage makes it. The host's image itself is
  *                       accepted.
  * @return 0; -2 image is null or invalid; -3 correction is null or invalid; -7 column offset below -1 or no

@@ -37,7 +37,7 @@ extern "C" {
  * @par Memory
  * The result.
  * @note 0.5 is added before the result is cut off; it stops at 0 and 65535. Where b has no pel that of a is
- * kept.
+ *       kept.
  */
 TQ_API int32_t TQ_CALL tqSubtractImageOffset(TqImage** out, const TqImage* a, const TqImage* b, float offsetX,
                                              float offsetY);
@@ -56,7 +56,7 @@ TQ_API int32_t TQ_CALL tqSubtractImageOffset(TqImage** out, const TqImage* a, co
  * @par Memory
  * The result.
  * @note The sums are kept in single precision. LuxPerGrey is the largest sum / 65000, a largest sum of 0
- * counting as 1; MaxPelValue is 65000; every pel is sum / LuxPerGrey + 0.5.
+ *       counting as 1; MaxPelValue is 65000; every pel is sum / LuxPerGrey + 0.5.
  */
 TQ_API int32_t TQ_CALL tqAddImageOffset(TqImage** out, const TqImage* a, const TqImage* b, float offsetX,
                                         float offsetY);
@@ -76,8 +76,9 @@ TQ_API int32_t TQ_CALL tqAddImageOffset(TqImage** out, const TqImage* a, const T
  * @par Memory
  * The result.
  * @note The result is the part of the numerator that the denominator covers, with its header and the centre
- * moved accordingly. LuxPerGrey is the largest ratio / 65000, a largest ratio of 0 or less counting as 1;
- * MaxPelValue is 65000; every pel is ratio / LuxPerGrey + 0.5, and 0 where the denominator has no pel.
+ *       moved accordingly. LuxPerGrey is the largest ratio / 65000, a largest ratio of 0 or less counting as
+ *       1; MaxPelValue is 65000; every pel is ratio / LuxPerGrey + 0.5, and 0 where the denominator has no
+ *       pel.
  */
 TQ_API int32_t TQ_CALL tqDivideImageOffset(TqImage** out, const TqImage* numerator,
                                            const TqImage* denominator, float offsetX, float offsetY);

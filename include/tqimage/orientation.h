@@ -49,7 +49,7 @@ TQ_API int32_t TQ_CALL tqMirrorImage(TqImage** image);
  * @param[in,out] image address of the host's block pointer; receives the turned image
  * @param[in] mirror 0 leaves the mirror out
  * @param[in] mode the mode of tqTransposeImage; mirrored before, 1 exchanges columns and rows, 2 does so
- * about the other diagonal, and 3 is half a turn
+ *                 about the other diagonal, and 3 is half a turn
  * @return 0; -1 when the image is invalid; -2 when the new one cannot be allocated
  * @par Ownership
  * *image is replaced by a new block of the host's; on any failure it stays as it was.

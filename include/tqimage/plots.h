@@ -96,7 +96,7 @@ TQ_API int32_t TQ_CALL tqCreateRadarPlotNoInterp(TqImage** out, const TqImage* p
  * right. Lines are one pel wide.
  *
  * @param[in,out] image  Address of the pointer to the plot; the result replaces it. Untouched after a
- * failure.
+ *                       failure.
  * @param[in] margin     Pels added on each side, 0 or more; the result has at most 8000 columns and rows.
  * @param[in] rings      Rings, at most 360; 0 or less draws none.
  * @param[in] spokes     Spokes, at most 360; 0 or less draws none.

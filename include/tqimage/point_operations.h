@@ -112,7 +112,7 @@ TQ_API int32_t TQ_CALL tqInvertImage(TqImage* image);
  * @param[in] factor any number
  * @return 0; -2 image null or invalid
  * @note There is no lower limit: of a negative result the low 16 bits are kept, and so of one beyond 32 bits.
- * Hosts rely on it.
+ *       Hosts rely on it.
  */
 TQ_API int32_t TQ_CALL tqScaleImage2(TqImage* image, float factor);
 
@@ -123,8 +123,8 @@ TQ_API int32_t TQ_CALL tqScaleImage2(TqImage* image, float factor);
  * @param[in] newMaximum grey levels; taken as 0 below 0 and as 65535 above it
  * @return 0; -2 image null or invalid
  * @note Every pel becomes pel * newMaximum / old maximum, at most 65535. The old maximum is the largest mean
- * of a 3 x 3 neighbourhood, or the stored MaxPelValue when the image has less than 3 columns or rows. When it
- * is 0 the pels are left.
+ *       of a 3 x 3 neighbourhood, or the stored MaxPelValue when the image has less than 3 columns or rows.
+ *       When it is 0 the pels are left.
  */
 TQ_API int32_t TQ_CALL tqSetMaxGrayValue(TqImage* image, int32_t newMaximum);
 
@@ -202,7 +202,7 @@ TQ_API int32_t TQ_CALL tqSubtractImage(TqImage** a, const TqImage* b);
  * @par Memory
  * The result.
  * @note Every pel becomes a * b / divisor, at most 65535; of a negative quotient the low 16 bits are kept.
- * Where b has no pel that of a is kept. No field of the header is recomputed.
+ *       Where b has no pel that of a is kept. No field of the header is recomputed.
  */
 TQ_API int32_t TQ_CALL tqMultiplyImages(TqImage** a, const TqImage* b, int32_t divisor);
 

@@ -111,7 +111,7 @@ TQ_API int32_t TQ_CALL tqBinImage(TqImage** image, int32_t binCols, int32_t binR
  * @par Memory
  * The new block.
  * @note As tqBinImage, but a block without data becomes 0, the mean is a single-precision quotient,
- * truncated, and the total is the sum of the new pels.
+ *       truncated, and the total is the sum of the new pels.
  */
 TQ_API int32_t TQ_CALL tqBinImage0(TqImage** image, int32_t binCols, int32_t binRows);
 
@@ -121,7 +121,7 @@ TQ_API int32_t TQ_CALL tqBinImage0(TqImage** image, int32_t binCols, int32_t bin
  * @param[in] binCols new horizontal binning factor; below 1 counts as 1
  * @param[in] binRows new vertical binning factor; below 1 counts as 1
  * @return 0; -2 when the image is invalid; -3 when a factor is larger than the image's, or the image's is
- * below 1; -4 when the new image cannot be allocated or would have a side outside 1..8000
+ *         below 1; -4 when the new image cannot be allocated or would have a side outside 1..8000
  * @par Ownership
  * *image is replaced by a new block of the host's; on any failure it stays as it was.
  * @par Memory

@@ -26,7 +26,7 @@ extern "C" {
  * @param[in] winCols window width, pels, any value (clamped to 1..PelCols)
  * @param[in] winRows window height, pels, any value (clamped to 1..PelRows)
  * @return 0, also when a window of one pel leaves the image as it is; -2 when either image is invalid or
- * their sizes differ; -3 when the new image cannot be allocated
+ *         their sizes differ; -3 when the new image cannot be allocated
  * @par Ownership
  * *image is replaced by a new block of the host's; on any failure it stays as it was.
  * @par Memory
@@ -43,7 +43,7 @@ TQ_API int32_t TQ_CALL tqSmoothStitch(TqImage** image, const TqImage* labels, in
  * @param[in] detectCols width of the window that finds seams, pels, any value (clamped to 1..PelCols)
  * @param[in] detectRows its height, pels, any value (clamped to 1..PelRows)
  * @param[in] averageCols width of the window of the mean, pels; at most PelCols. Below 1 pels on seams become
- * 0
+ *                        0
  * @param[in] averageRows its height, pels, any value (clamped to 1..PelRows)
  * @return 0, also when an average over one pel leaves the image as it is; -2 when either image is invalid or
  *         their sizes differ; -3 when the new image cannot be allocated

@@ -27,7 +27,7 @@ extern "C" {
  * + 0.5, truncated and clamped to 0..65535; pels outside the correction image stay as they are.
  *
  * @param[in,out] image  Address of the pointer to the measurement; the corrected image, with the
- * measurement's whole header, replaces it. Untouched when the function fails.
+ *                       measurement's whole header, replaces it. Untouched when the function fails.
  * @param[in] correction Correction image of the sensor; its size need not match. The host's image itself is
  *                       accepted.
  * @return 0; -2 image is null or invalid; -3 correction is null or invalid; -7 column offset below -1 or no

@@ -243,7 +243,7 @@ TQ_API int32_t TQ_CALL tqCreateFourColorImage(TqImage** red, TqImage** green, Tq
  * @param[in] cols columns, pels, 0 or more
  * @param[in] rows rows, pels, 0 or more
  * @return 0; -2 when image is null, a side is negative or no block of that size can be had; -3 when steps is
- * below 2
+ *         below 2
  * @par Ownership
  * A block that *image holds is freed when the new one stands; after -2 and -3 it stays. The new block belongs
  * to the host, which releases it with tqImageFree.

@@ -24,7 +24,7 @@ extern "C" {
  * and clamped to 0..65535.
  *
  * @param[in,out] image Address of the pointer to the image; the result replaces it. Untouched when the
- * function fails.
+ *                      function fails.
  * @param[in] matrix    m0 .. m8, nine doubles; not singular.
  * @param[in] cols      Columns of the result, 1..8000; 0: those of the image.
  * @param[in] rows      Rows of the result, 1..8000; 0: those of the image.
