@@ -203,15 +203,6 @@ TEST(ProducedImage, RefusesInOrderAndLeavesTheResult) {
         EXPECT_EQ(tqCalcMoment(out, image, 2, 3, 3), nth == 1 ? -3 : -1);
         stays();
     }
-    EXPECT_GE(FailEachAllocation(
-                  -5, 0, [&] { return tqCompareImages(out, image, image); }, stays),
-              1);
-    result = Image(2, 2);
-    const TqImage* const again = result.Get();
-    EXPECT_GE(
-        FailEachAllocation(
-            -3, 0, [&] { return tqDetectLine(out, image, 1); }, [&] { EXPECT_EQ(result.Get(), again); }),
-        1);
 }
 
 TEST(DetectLine, EveryDirectionByItsMask) {

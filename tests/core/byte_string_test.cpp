@@ -7,7 +7,6 @@
 #include <tuple>
 #include <vector>
 
-#include "failing_allocator.h"
 #include "images.h"
 #include "tqimage/exchange.h"
 
@@ -190,27 +189,6 @@ TEST(ByteString, AStreamCutShortBeforeCompressionIsAsSafe) {
     Restored tiny;
     EXPECT_EQ(tqStringToHandle2(stream.data(), Length(stream), &tiny.block, 55, 1), -5);
     tiny.block = nullptr;
-}
-
-TEST(ByteString, FailedAllocationsAreReported) {
-    if (!tqtest::CanFailAllocations()) GTEST_SKIP() << "the library allocates for itself";
-    const Image image = Sample();
-    const Bytes text = Compressed(image);
-    Restored plain;
-    EXPECT_EQ(tqtest::FailEachAllocation(
-                  -1, 0, [&] { return tqStringToHandle(text.data(), Length(text), &plain.block, 0); }),
-              1);
-    Restored unknown;
-    EXPECT_EQ(tqtest::FailEachAllocation(
-                  -1, 0, [&] { return tqStringToHandle(text.data(), Length(text), &unknown.block, 1); }),
-              2);
-    Restored known;
-    EXPECT_EQ(
-        tqtest::FailEachAllocation(
-            -1, 0,
-            [&] { return tqStringToHandle2(text.data(), Length(text), &known.block, BlockSize(image), 1); }),
-        1);
-    known.ExpectSame(image);
 }
 
 }  // namespace

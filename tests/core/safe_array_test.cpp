@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "automation_host.h"
-#include "failing_allocator.h"
 #include "images.h"
 #include "tqimage/exchange.h"
 
@@ -146,15 +145,6 @@ TEST_P(ArrayToImage, AnArrayThatCannotBeLockedOrHoldsNothingLeavesANewImage) {
     EXPECT_EQ(image_.Cols(), 0);
 }
 
-TEST_P(ArrayToImage, AFailedAllocationKeepsTheImage) {
-    if (!tqtest::CanFailAllocations()) GTEST_SKIP() << "the library allocates for itself";
-    HostArray array = Make({{3}, {2}});
-    EXPECT_EQ(tqtest::FailEachAllocation(
-                  -2, 0, [&] { return Call(array); }, [&] { EXPECT_EQ(image_(0, 0), 77); }),
-              1);
-    EXPECT_EQ(array.Locks(), 0u);
-}
-
 INSTANTIATE_TEST_SUITE_P(All, ArrayToImage,
                          testing::Values(std::pair<ToHandle, VARTYPE>{tqSafeArrayToHandle, VARTYPE{VT_I4}},
                                          std::pair<ToHandle, VARTYPE>{tqShortSafeArrayToHandle,
@@ -267,10 +257,6 @@ TEST(BarePels, EveryFailureHasItsCode) {
     EXPECT_EQ(tqGetSafeArrayHandle(&pels.pels, array.Address()), -1);
     EXPECT_EQ(pels.pels, nullptr);
     array->rgsabound[0].cElements = 2;
-    if (!tqtest::CanFailAllocations()) return;
-    EXPECT_EQ(
-        tqtest::FailEachAllocation(-1, 0, [&] { return tqGetSafeArrayHandle(&pels.pels, array.Address()); }),
-        1);
 }
 
 }  // namespace

@@ -13,6 +13,9 @@ from declarations import declared_functions
 SYSTEM_DLLS = {"advapi32.dll", "gdi32.dll", "kernel32.dll", "msvcrt.dll", "ole32.dll", "oleaut32.dll",
                "shell32.dll", "user32.dll"}
 
+# What version 1 promises to hosts: a name is neither lost nor added by accident.
+FUNCTIONS = 291
+
 
 def run(*command):
     return subprocess.run(command, check=True, capture_output=True, text=True).stdout
@@ -77,6 +80,8 @@ def main():
 
     exported, faults = listed_names(pathlib.Path(options.exports, "tqimage20.def"))
     automation, order_faults = listed_names(pathlib.Path(options.exports, "automation.txt"))
+    if len(exported) != FUNCTIONS:
+        faults.append(f"{len(exported)} names are exported, not {FUNCTIONS}")
     faults += order_faults + declaration_faults(options.include, exported, automation)
     if options.library.endswith(".dll"):
         faults += dll_faults(options.library, options.objdump, exported, options.version)

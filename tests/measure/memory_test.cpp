@@ -4,8 +4,6 @@
 #include "failing_allocator.h"
 #include "photometry_reference.h"
 #include "temp_file.h"
-#include "tqimage/border_light.h"
-#include "tqimage/deviation.h"
 #include "tqimage/gray_search.h"
 #include "tqimage/histogram.h"
 #include "tqimage/pel_block.h"
@@ -16,8 +14,8 @@
 namespace tqtest {
 namespace {
 
-/// Each allocation of each function that needs working memory fails in turn: the code, untouched outputs, and
-/// a later call that succeeds.
+/// Each allocation of each function with outputs beside its result fails in turn: the outputs are untouched,
+/// and a later call succeeds.
 TEST(Measure, WithoutMemory) {
     if (!CanFailAllocations()) GTEST_SKIP() << "a DLL allocates for itself";
     const Image image = RandomImage(17, 13, 61, 1);
@@ -26,21 +24,13 @@ TEST(Measure, WithoutMemory) {
     Reading it;
     std::uint32_t count = 7;
     std::int32_t at[4] = {-9, -9, -9, -9};
-    Image own = image;
     HostArray made;
     const TempName file("tq_measure_memory.txt");
-    const auto removeLight = [&](std::int32_t mode) {
-        return tqRemoveBorderLight(own.Address(), 3, 3, 6, 6, 0, 1, 0, nullptr, nullptr, nullptr, nullptr,
-                                   nullptr, nullptr, nullptr, nullptr, mode, 1.0);
-    };
     struct Case {
         double failure;
         std::function<double()> call;
     };
     const Case cases[] = {
-        {-7, [&] { return tqGetMaxPelValueInPoly(image, vertices); }},
-        {-7, [&] { return tqCalcAreaInPoly(image, vertices); }},
-        {-7, [&] { return tqGetPelBlockAvgPoly(image, vertices); }},
         {-1, [&] { return ReadPolygon(tqCalcPolyCandela, it, image, vertices, 0); }},
         {-7, [&] { return ReadPolygon(tqCalcMaxPolyCandela, it, image, vertices, 0); }},
         {-7, [&] { return ReadPolygon(tqCalcMinPolyCandela, it, image, vertices, 0); }},
@@ -53,12 +43,6 @@ TEST(Measure, WithoutMemory) {
              return tqFindMinMaxInRegion(image, &it.first, &it.second, &at[0], &at[1], &at[2], &at[3], 0, 0,
                                          0, 0, 0, 3, 3);
          }},
-        {-5, [&] { return removeLight(0); }},
-        {-5, [&] { return removeLight(1); }},
-        {-5, [&] { return removeLight(2); }},
-        {-3, [&] { return tqCalcImageDevInRegion(own.Address(), image, 0, 0, 0, 0); }},
-        {-5, [&] { return tqCalcAbsContrast(own.Address(), image); }},
-        {-2, [&] { return tqColAverage(own); }},
         {-2, [&] { return tqFindMaxGray(image, &at[0], &at[1], 0, 3, 3); }},
         {-2, [&] { return tqFindMinGray(image, &at[0], &at[1], 1, 3, 3); }},
         {-2, [&] { return tqFindMinGray0(image, &at[0], &at[1], 1, 3, 3); }},
@@ -66,7 +50,6 @@ TEST(Measure, WithoutMemory) {
         {-4, [&] { return tqGetColAvg(image, 0, 0, 0, 0, made.Address()); }},
         {-4, [&] { return tqGetRowAvg(image, 0, 0, 0, 0, made.Address()); }},
         {-2, [&] { return tqWriteHistogram(image, file.c_str()); }},
-        {-2, [&] { return tqCalcSemu(image, 500, nullptr, nullptr); }},
         {-2, [&] { return tqCountAllPelBlocks(image, &count, 1.0, 5, 3); }},
         {-2, [&] { return tqCountAllPelBlocksEllipseLess(image, &count, 1.0, 5, 3); }},
     };
@@ -75,7 +58,6 @@ TEST(Measure, WithoutMemory) {
         const double success = test.call();
         EXPECT_GE(success, 0.0);
         const auto untouched = [&] {
-            EXPECT_TRUE(SamePels(image, own));
             EXPECT_EQ(made.Get(), nullptr);
             EXPECT_FALSE(file.Exists());
             EXPECT_EQ(it, Reading{});
@@ -84,7 +66,7 @@ TEST(Measure, WithoutMemory) {
                 EXPECT_LT(position, 0) << "-1 where the function says so";
         };
         const auto forget = [&] {
-            it = {}, own = image, made = HostArray(), count = 7, std::fill_n(at, 4, -9);
+            it = {}, made = HostArray(), count = 7, std::fill_n(at, 4, -9);
             std::remove(file.c_str());
         };
         forget();

@@ -25,58 +25,48 @@ const Image& Second() {
 }
 
 struct Change {
-    std::int32_t invalid, noMemory;
+    std::int32_t invalid;
     std::int32_t (*call)(TqImage** image);
 };
 
 constexpr Change kChanges[] = {
-    {-2, -3, [](TqImage** i) { return tqNeighborhoodAverage(i, 3, 5); }},
-    {-2, -3, [](TqImage** i) { return tqNeighborhoodAverage0(i, 3, 5); }},
-    {-2, -3, [](TqImage** i) { return tqNeighborhoodAverageInRegion(i, 3, 5, 1, 1, 4, 4); }},
-    {-2, -3, [](TqImage** i) { return tqNeighborhoodAverageInRegion0(i, 3, 5, 1, 1, 4, 4); }},
-    {-1, -2, [](TqImage** i) { return tqSmoothImage(i, 1); }},
-    {-1, -2, [](TqImage** i) { return tqSmoothImage0(i, 1); }},
-    {-2, -3, [](TqImage** i) { return tqMedianFilter(i, 1); }},
-    {-2, -3, [](TqImage** i) { return tqMedianFilter(i, 3); }},
-    {-2, -3, [](TqImage** i) { return tqMedianFilter(i, 5); }},
-    {-2, -3, [](TqImage** i) { return tqMedianFilter(i, 9); }},
-    {-2, -3, [](TqImage** i) { return tqMedianFilterInRegion(i, 3, 7, 0, 0, 0, 0); }},
-    {-2, -3, [](TqImage** i) { return tqSharpenImage(i, 2.0f); }},
-    {-2, -3, [](TqImage** i) { return tqSharpenImageInRegion(i, 2.0f, 1, 1, 5, 5); }},
-    {-2, -3, [](TqImage** i) { return tqLowPassFilter(i); }},
-    {-2, -3, [](TqImage** i) { return tqCalcLocalStdDev(i, 3, 3); }},
-    {-2, -5, [](TqImage** i) { return tqSubtractImage(i, Second()); }},
-    {-2, -5, [](TqImage** i) { return tqMultiplyImages(i, Second(), 1); }},
-    {-2, -5, [](TqImage** i) { return tqSubtractValue(i, 1); }},
-    {-2, -3, [](TqImage** i) { return tqBrightnessCorrectionInRegion(i, 1, 0, 0, 0, 0); }},
-    {-2, -3, [](TqImage** i) { return tqContrastCorrectionInRegion(i, 1.0f, 0, 0, 0, 0); }},
-    {-2, -5, [](TqImage** i) { return tqMaskImage(i, Second()); }},
-    {-2, -5, [](TqImage** i) { return tqInvMaskImage(i, Second()); }},
-    {-2, -3, [](TqImage** i) { return tqThresholdImage(i, 1, 2); }},
-    {-2, -3, [](TqImage** i) { return tqThresholdImageInRegion(i, 1, 2, 0, 0, 0, 0); }},
-    {-2, -3, [](TqImage** i) { return tqThresholdImage2(i, 1, 2); }},
-    {-2, -3, [](TqImage** i) { return tqThresholdImage2InRegion(i, 1, 2, 0, 0, 0, 0); }},
-    {-2, -3, [](TqImage** i) { return tqThresholdImage3(i, 1, 2, 3, nullptr); }},
-    {-2, -3, [](TqImage** i) { return tqThresholdImageEdge(i, 1, 10.0f); }},
+    {-2, [](TqImage** i) { return tqNeighborhoodAverage(i, 3, 5); }},
+    {-2, [](TqImage** i) { return tqNeighborhoodAverage0(i, 3, 5); }},
+    {-2, [](TqImage** i) { return tqNeighborhoodAverageInRegion(i, 3, 5, 1, 1, 4, 4); }},
+    {-2, [](TqImage** i) { return tqNeighborhoodAverageInRegion0(i, 3, 5, 1, 1, 4, 4); }},
+    {-1, [](TqImage** i) { return tqSmoothImage(i, 1); }},
+    {-1, [](TqImage** i) { return tqSmoothImage0(i, 1); }},
+    {-2, [](TqImage** i) { return tqMedianFilter(i, 1); }},
+    {-2, [](TqImage** i) { return tqMedianFilter(i, 3); }},
+    {-2, [](TqImage** i) { return tqMedianFilter(i, 5); }},
+    {-2, [](TqImage** i) { return tqMedianFilter(i, 9); }},
+    {-2, [](TqImage** i) { return tqMedianFilterInRegion(i, 3, 7, 0, 0, 0, 0); }},
+    {-2, [](TqImage** i) { return tqSharpenImage(i, 2.0f); }},
+    {-2, [](TqImage** i) { return tqSharpenImageInRegion(i, 2.0f, 1, 1, 5, 5); }},
+    {-2, [](TqImage** i) { return tqLowPassFilter(i); }},
+    {-2, [](TqImage** i) { return tqCalcLocalStdDev(i, 3, 3); }},
+    {-2, [](TqImage** i) { return tqSubtractImage(i, Second()); }},
+    {-2, [](TqImage** i) { return tqMultiplyImages(i, Second(), 1); }},
+    {-2, [](TqImage** i) { return tqSubtractValue(i, 1); }},
+    {-2, [](TqImage** i) { return tqBrightnessCorrectionInRegion(i, 1, 0, 0, 0, 0); }},
+    {-2, [](TqImage** i) { return tqContrastCorrectionInRegion(i, 1.0f, 0, 0, 0, 0); }},
+    {-2, [](TqImage** i) { return tqMaskImage(i, Second()); }},
+    {-2, [](TqImage** i) { return tqInvMaskImage(i, Second()); }},
+    {-2, [](TqImage** i) { return tqThresholdImage(i, 1, 2); }},
+    {-2, [](TqImage** i) { return tqThresholdImageInRegion(i, 1, 2, 0, 0, 0, 0); }},
+    {-2, [](TqImage** i) { return tqThresholdImage2(i, 1, 2); }},
+    {-2, [](TqImage** i) { return tqThresholdImage2InRegion(i, 1, 2, 0, 0, 0, 0); }},
+    {-2, [](TqImage** i) { return tqThresholdImage3(i, 1, 2, 3, nullptr); }},
+    {-2, [](TqImage** i) { return tqThresholdImageEdge(i, 1, 10.0f); }},
 };
 
 TEST(Refusals, OfFunctionsThatReplaceTheirImage) {
     Image nothing, tooWide(8001, 1), empty(0, 4);
-    const Image before = RandomImageWithHoles(91, 87, 9);
     for (const Change& change : kChanges) {
         SCOPED_TRACE(&change - kChanges);
         for (TqImage** image :
              {static_cast<TqImage**>(nullptr), nothing.Address(), tooWide.Address(), empty.Address()})
             EXPECT_EQ(change.call(image), change.invalid);
-        if (!CanFailAllocations()) continue;
-        Image image = before;
-        const auto unchanged = [&] {
-            EXPECT_TRUE(SamePels(before, image));
-            EXPECT_TRUE(SameHeader(before.Header(), image.Header()));
-        };
-        EXPECT_GE(FailEachAllocation(
-                      change.noMemory, 0, [&] { return change.call(image.Address()); }, unchanged),
-                  1);
     }
 }
 
@@ -114,37 +104,33 @@ TEST(Refusals, OfFunctionsThatEditTheirImage) {
 }
 
 struct Result {
-    std::int32_t invalid, noMemory;
+    std::int32_t invalid;
     std::int32_t (*call)(TqImage** out, TqImage* source);
 };
 
 constexpr Result kResults[] = {
-    {-2, -3, [](TqImage** o, TqImage* s) { return tqClusterImage(o, s, 3, nullptr); }},
-    {-2, -3, [](TqImage** o, TqImage* s) { return tqFindPixelDefects(o, s, 2, 0, 3, 4, nullptr, nullptr); }},
-    {-2, -3, [](TqImage** o, TqImage* s) { return tqFindPixelDefects1(o, s, 2, 1, 5, 4, nullptr, nullptr); }},
-    {-2, -3,
-     [](TqImage** o, TqImage* s) { return tqFindPixelDefects2(o, s, 2, 0, 3, 4, 1, nullptr, nullptr); }},
-    {-2, -3,
+    {-2, [](TqImage** o, TqImage* s) { return tqClusterImage(o, s, 3, nullptr); }},
+    {-2, [](TqImage** o, TqImage* s) { return tqFindPixelDefects(o, s, 2, 0, 3, 4, nullptr, nullptr); }},
+    {-2, [](TqImage** o, TqImage* s) { return tqFindPixelDefects1(o, s, 2, 1, 5, 4, nullptr, nullptr); }},
+    {-2, [](TqImage** o, TqImage* s) { return tqFindPixelDefects2(o, s, 2, 0, 3, 4, 1, nullptr, nullptr); }},
+    {-2,
      [](TqImage** o, TqImage* s) { return tqFindPixelDefects3(o, s, 2, 1, 83, 4, 50, nullptr, nullptr); }},
-    {-2, -5, [](TqImage** o, TqImage* s) { return tqCalcGradient(o, s, 0); }},
-    {-2, -3, [](TqImage** o, TqImage* s) { return tqCalcGradient0(o, s, 2); }},
-    {-2, -3, [](TqImage** o, TqImage* s) { return tqCalcGradX0(o, s, 3); }},
-    {-2, -3, [](TqImage** o, TqImage* s) { return tqCalcGradY0(o, s, 5); }},
-    {-2, -6, [](TqImage** o, TqImage* s) { return tqCombineGradients(o, s, Second(), Second(), 1, 1); }},
-    {-1, -3,
-     [](TqImage** o, TqImage* s) { return tqLocalThresholdImage(o, s, 2, 3, 3, 10, nullptr, nullptr); }},
-    {-1, -3,
-     [](TqImage** o, TqImage* s) { return tqLocalThresholdImage2(o, s, 2, 3, 3, 10, nullptr, nullptr); }},
-    {-1, -3,
-     [](TqImage** o, TqImage* s) { return tqLocalThresholdImage3(o, s, 2, 3, 3, 10, nullptr, nullptr); }},
-    {-2, -3, [](TqImage** o, TqImage* s) { return tqCalcLocalLumDiff(o, s, 1, 1, 3, 3); }},
-    {-2, -3, [](TqImage** o, TqImage* s) { return tqCalcLocalLumDiffDir(o, s, 3, 3, 1, 4); }},
-    {-2, -5, [](TqImage** o, TqImage* s) { return tqAverageImages(o, s, Second()); }},
-    {-2, -5, [](TqImage** o, TqImage* s) { return tqRootSumSquare(o, s, Second(), 1, 1); }},
-    {-1, -1, [](TqImage** o, TqImage* s) { return tqCombineImages(o, s, nullptr, nullptr); }},
-    {-2, -5, [](TqImage** o, TqImage* s) { return tqSubtractImageOffset(o, s, Second(), 0, 0); }},
-    {-2, -4, [](TqImage** o, TqImage* s) { return tqAddImageOffset(o, s, Second(), 0, 0); }},
-    {-2, -4, [](TqImage** o, TqImage* s) { return tqDivideImageOffset(o, s, Second(), 0, 0); }},
+    {-2, [](TqImage** o, TqImage* s) { return tqCalcGradient(o, s, 0); }},
+    {-2, [](TqImage** o, TqImage* s) { return tqCalcGradient0(o, s, 2); }},
+    {-2, [](TqImage** o, TqImage* s) { return tqCalcGradX0(o, s, 3); }},
+    {-2, [](TqImage** o, TqImage* s) { return tqCalcGradY0(o, s, 5); }},
+    {-2, [](TqImage** o, TqImage* s) { return tqCombineGradients(o, s, Second(), Second(), 1, 1); }},
+    {-1, [](TqImage** o, TqImage* s) { return tqLocalThresholdImage(o, s, 2, 3, 3, 10, nullptr, nullptr); }},
+    {-1, [](TqImage** o, TqImage* s) { return tqLocalThresholdImage2(o, s, 2, 3, 3, 10, nullptr, nullptr); }},
+    {-1, [](TqImage** o, TqImage* s) { return tqLocalThresholdImage3(o, s, 2, 3, 3, 10, nullptr, nullptr); }},
+    {-2, [](TqImage** o, TqImage* s) { return tqCalcLocalLumDiff(o, s, 1, 1, 3, 3); }},
+    {-2, [](TqImage** o, TqImage* s) { return tqCalcLocalLumDiffDir(o, s, 3, 3, 1, 4); }},
+    {-2, [](TqImage** o, TqImage* s) { return tqAverageImages(o, s, Second()); }},
+    {-2, [](TqImage** o, TqImage* s) { return tqRootSumSquare(o, s, Second(), 1, 1); }},
+    {-1, [](TqImage** o, TqImage* s) { return tqCombineImages(o, s, nullptr, nullptr); }},
+    {-2, [](TqImage** o, TqImage* s) { return tqSubtractImageOffset(o, s, Second(), 0, 0); }},
+    {-2, [](TqImage** o, TqImage* s) { return tqAddImageOffset(o, s, Second(), 0, 0); }},
+    {-2, [](TqImage** o, TqImage* s) { return tqDivideImageOffset(o, s, Second(), 0, 0); }},
 };
 
 TEST(Refusals, OfFunctionsThatMakeAnImageOfAnother) {
@@ -159,11 +145,6 @@ TEST(Refusals, OfFunctionsThatMakeAnImageOfAnother) {
         for (TqImage* bad : {nothing.Get(), tooWide.Get(), empty.Get()})
             EXPECT_EQ(result.call(out.Address(), bad), result.invalid);
         unchanged();
-        if (CanFailAllocations()) {
-            EXPECT_GE(FailEachAllocation(
-                          result.noMemory, 0, [&] { return result.call(out.Address(), source); }, unchanged),
-                      1);
-        }
         ASSERT_EQ(result.call(out.Address(), source), 0);
         ASSERT_EQ(result.call(source.Address(), source), 0) << "onto its own source";
         EXPECT_TRUE(SamePels(out, source));
