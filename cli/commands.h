@@ -7,6 +7,7 @@ class App;
 namespace cli {
 
 // Each subcommand stands in a file of its own: what can be typed, and what is then done.
+void AddColour(CLI::App& app);
 void AddConvert(CLI::App& app);
 void AddCorrect(CLI::App& app);
 void AddDefects(CLI::App& app);

@@ -19,6 +19,7 @@ int Run(int count, char** arguments) {
     // In the order of the help.
     AddMeasure(app);
     AddUniformity(app);
+    AddColour(app);
     AddMtf(app);
     AddDefects(app);
     AddConvert(app);

@@ -2,19 +2,6 @@
 #include "text.h"
 
 namespace cli {
-namespace {
-
-std::string Quote(const std::string& text) {
-    if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
-    std::string quoted = "\"";
-    for (const char letter : text) {
-        if (letter == '"') quoted += '"';
-        quoted += letter;
-    }
-    return quoted + '"';
-}
-
-}  // namespace
 
 std::string FormatCsv(const Report& report) {
     // The same columns whatever is known: files of several measurements can be put under each other.
@@ -22,7 +9,7 @@ std::string FormatCsv(const Report& report) {
     ForEachQuantity([&](Quantity quantity) { text += std::string(",") + FormOf(quantity).key; });
     text += '\n';
     for (const Measurement& measurement : report.measurements) {
-        text += Quote(measurement.region.name) + "," + Quote(measurement.region.text);
+        text += QuoteCsv(measurement.region.name) + "," + QuoteCsv(measurement.region.text);
         ForEachQuantity([&](Quantity quantity) {
             const auto& value = measurement.figures[quantity];
             text += ',';

@@ -56,6 +56,16 @@ std::vector<std::string_view> Split(std::string_view text, char separator) {
     }
 }
 
+std::string QuoteCsv(const std::string& text) {
+    if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
+    std::string quoted = "\"";
+    for (const char letter : text) {
+        if (letter == '"') quoted += '"';
+        quoted += letter;
+    }
+    return quoted + '"';
+}
+
 std::string_view Trim(std::string_view text) {
     const char* const blanks = " \t\r\n";
     const std::size_t first = text.find_first_not_of(blanks);

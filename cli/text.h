@@ -14,6 +14,9 @@ namespace cli {
 std::vector<std::string_view> Split(std::string_view text, char separator);
 std::string_view Trim(std::string_view text);
 
+/// A field of a CSV file, in quotes where it needs them.
+std::string QuoteCsv(const std::string& text);
+
 /// The whole text as one number, whatever the locale; none when anything else stands in it. Infinities and
 /// NaN are not numbers here.
 std::optional<std::int32_t> ParseInt(std::string_view text);
