@@ -33,15 +33,17 @@ TransformStep ParseTurn(const std::string& value) {
     // How the library combines mirrors and quarter turns.
     constexpr std::array<std::array<std::int32_t, 2>, 3> kModes{{{0, 1}, {0, 2}, {1, 3}}};
     const auto choice = ParseChoice("turn", value, {"left", "right", "half"});
-    const auto [mirror, mode] = kModes[static_cast<std::size_t>(choice)];
-    return [=](HostImage& image) { return tqMirrorTransposeImage(image.Address(), mirror, mode); };
+    return [mode = kModes[static_cast<std::size_t>(choice)]](HostImage& image) {
+        return tqMirrorTransposeImage(image.Address(), mode[0], mode[1]);
+    };
 }
 
 TransformStep ParseMirror(const std::string& value) {
     constexpr std::array<std::array<std::int32_t, 2>, 3> kModes{{{1, 0}, {0, 3}, {1, 1}}};
     const auto choice = ParseChoice("mirror", value, {"columns", "rows", "diagonal"});
-    const auto [mirror, mode] = kModes[static_cast<std::size_t>(choice)];
-    return [=](HostImage& image) { return tqMirrorTransposeImage(image.Address(), mirror, mode); };
+    return [mode = kModes[static_cast<std::size_t>(choice)]](HostImage& image) {
+        return tqMirrorTransposeImage(image.Address(), mode[0], mode[1]);
+    };
 }
 
 TransformStep ParseCrop(const std::string& value) {

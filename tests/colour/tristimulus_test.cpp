@@ -115,11 +115,12 @@ TEST(RgbToXyz, UniformAndDarkChannels) {
     EXPECT_EQ(it.scales, (Triple{100 / 64000.0, 0.0, 50 / 64000.0}));
     EXPECT_EQ(it.out[0](4, 3), 64000);
     EXPECT_EQ(it.out[1](4, 3), 0);
-    // The primaries of sRGB have the chromaticities that its standard names.
-    const double published[3][2] = {{0.64, 0.33}, {0.30, 0.60}, {0.15, 0.06}};
-    for (std::size_t k = 0; k < 3; ++k) {
+    // The primaries of sRGB and its white have the chromaticities that its standard names.
+    const double published[4][2] = {{0.64, 0.33}, {0.30, 0.60}, {0.15, 0.06}, {0.3127, 0.3290}};
+    for (std::size_t k = 0; k < 4; ++k) {
         std::array<int, 3> pels{0, 0, 0};
-        pels[k] = 50000;
+        if (k == 3) pels.fill(50000);
+        if (k < 3) pels[k] = 50000;
         const Outcome primary = ToXyz2(UniformChannels(2, 2, pels), kSrgb);
         Triple xyz;
         for (std::size_t c = 0; c < 3; ++c)

@@ -157,8 +157,9 @@ TEST(ColourKernels, MixesAreThoseOfTheDefinition) {
 }
 
 TEST(ColourKernels, DifferencesAreThoseOfTheDefinition) {
-    const auto a = tqtest::HostilePels(1000, 7), b = tqtest::HostilePels(1000, 8),
-               c = tqtest::HostilePels(1000, 9);
+    auto a = tqtest::HostilePels(1000, 7), b = tqtest::HostilePels(1000, 8), c = tqtest::HostilePels(1000, 9);
+    for (std::size_t i = 0; i < a.size(); i += 3)
+        a[i] = b[i] = c[i] = static_cast<std::uint16_t>(7919 * i);
     const ChannelRuns runs{a.data(), b.data(), c.data(), a.size()};
     const std::vector<double> x(a.begin(), a.end()), y(b.begin(), b.end()), z(c.begin(), c.end());
     const struct {
