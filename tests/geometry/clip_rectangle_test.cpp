@@ -6,7 +6,6 @@
 #include <tuple>
 #include <utility>
 
-#include "failing_allocator.h"
 #include "images.h"
 #include "maps.h"
 #include "tqimage/projection.h"
@@ -99,13 +98,6 @@ TEST(CameraClipRect, RefusesWhatCannotBeSearched) {
     EXPECT_EQ(ClipRect(map, DefaultHeader(4, 8001), -1), nowhere);
     EXPECT_EQ(ClipRect(nothing, DefaultHeader(4, 4), -2), nowhere);
     EXPECT_EQ(ClipRect(empty, DefaultHeader(4, 4), -99), nowhere);
-    if (!tqtest::CanFailAllocations()) return;
-    const TqImageHeader info = DefaultHeader(4, 4);
-    Map full(4, 4);
-    full.Fill([](std::int32_t, std::int32_t) { return std::pair{1.0f, 1.0f}; });
-    EXPECT_GE(tqtest::FailEachAllocation(
-                  -2, 0, [&] { return tqCalcCameraClipRect(full, &info, &left, &top, &right, &bottom); }),
-              1);
 }
 
 }  // namespace

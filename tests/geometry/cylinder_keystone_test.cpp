@@ -7,7 +7,6 @@
 #include <tuple>
 #include <utility>
 
-#include "failing_allocator.h"
 #include "images.h"
 #include "maps.h"
 #include "tqimage/keystone.h"
@@ -137,12 +136,6 @@ TEST(CalcCylinderKeyStone, RefusesWhatIsNoScreen) {
     EXPECT_EQ(tqCalcCylinderKeyStone(map.Address(), nullptr, marks.data(), 0.5, 0.8, nullptr), -1);
     EXPECT_EQ(tqCalcCylinderKeyStone(map.Address(), image, nullptr, 0.5, 0.8, nullptr), -1);
     EXPECT_EQ(static_cast<const TqDistortionMap*>(map), block);
-    if (!tqtest::CanFailAllocations()) return;
-    EXPECT_EQ(
-        tqtest::FailEachAllocation(
-            -4, 0,
-            [&] { return tqCalcCylinderKeyStone(map.Address(), image, marks.data(), 0.5, 0.8, nullptr); }),
-        1);
 }
 
 }  // namespace

@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <limits>
 
-#include "failing_allocator.h"
 #include "images.h"
 
 namespace {
@@ -155,21 +154,6 @@ TEST(Framing, RefusalsAndSizesThatCannotBe) {
         EXPECT_EQ(tqFrameOutImg0(image.Address(), image, 1, col, 1, after), -1) << col;
     }
     EXPECT_TRUE(SamePels(Noise(4, 4, 1, 1), image));
-}
-
-TEST(Framing, NoMemory) {
-    if (!tqtest::CanFailAllocations()) GTEST_SKIP() << "the library allocates for itself here";
-    const Image before = Noise(9, 7, 4, 3);
-    Image image = before;
-    EXPECT_GE(tqtest::FailEachAllocation(
-                  -1, 0, [&] { return tqFrameUpImg(image.Address(), 2, 2, 5, 5); },
-                  [&] { EXPECT_TRUE(SamePels(before, image)); }),
-              1);
-    Image out(2, 2);
-    EXPECT_GE(tqtest::FailEachAllocation(
-                  -1, 0, [&] { return tqFrameOutImg0(out.Address(), before, 5, 5, 5, 5); },
-                  [&] { EXPECT_EQ(out.Get(), nullptr); }),
-              1);
 }
 
 }  // namespace

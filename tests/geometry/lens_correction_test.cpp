@@ -7,7 +7,6 @@
 #include <random>
 #include <utility>
 
-#include "failing_allocator.h"
 #include "images.h"
 #include "maps.h"
 #include "tqimage/distortion.h"
@@ -201,17 +200,6 @@ TEST(CorrectLensDistortion, RefusesInvalidImagesAndSmallMaps) {
     EXPECT_EQ(tqCorrectLensDistortion(image.Address(), narrow), -3);
     EXPECT_EQ(tqCorrectLensDistortion(image.Address(), low), -3);
     EXPECT_TRUE(SamePels(Ramp(8, 6), image));
-}
-
-TEST(CorrectLensDistortion, NoMemoryLeavesTheImage) {
-    if (!tqtest::CanFailAllocations()) GTEST_SKIP() << "the library allocates for itself here";
-    Image image = Ramp(8, 6);
-    Map map(8, 6);
-    map.Fill(Identity());
-    const int made = tqtest::FailEachAllocation(
-        -4, 0, [&] { return tqCorrectLensDistortion(image.Address(), map); },
-        [&] { EXPECT_TRUE(SamePels(Ramp(8, 6), image)); });
-    EXPECT_GE(made, 1);
 }
 
 }  // namespace

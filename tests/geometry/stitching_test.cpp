@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <limits>
 
-#include "failing_allocator.h"
 #include "images.h"
 
 namespace {
@@ -109,17 +108,6 @@ TEST(SmoothStitch, RefusesInvalidImagesAndLabelsOfAnotherSize) {
     EXPECT_EQ(tqSmoothStitch2(image.Address(), Image(5, 5), 3, 3, 3, 3), -2);
     EXPECT_EQ(tqSmoothStitch2(image.Address(), Image(DefaultHeader(0, 4)), 3, 3, 3, 3), -2);
     EXPECT_TRUE(SamePels(RandomImage(5, 4, 2), image));
-}
-
-TEST(SmoothStitch, NoMemoryLeavesTheImage) {
-    if (!tqtest::CanFailAllocations()) GTEST_SKIP() << "the library allocates for itself here";
-    const Image before = RandomImage(9, 7, 4);
-    const Image labels = Segments(9, 7);
-    Image image = before;
-    EXPECT_GE(tqtest::FailEachAllocation(
-                  -3, 0, [&] { return tqSmoothStitch(image.Address(), labels, 3, 3); },
-                  [&] { EXPECT_TRUE(SamePels(before, image)); }),
-              3);
 }
 
 }  // namespace
