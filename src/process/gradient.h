@@ -1,7 +1,8 @@
 #pragma once
 
 #include <cstdint>
-#include <cstdlib>
+
+#include "kernels/derivative.h"
 
 namespace tq {
 
@@ -25,16 +26,14 @@ constexpr std::int32_t SobelDifference(std::int32_t i, std::int32_t n, At&& at) 
     return at(i + 1) - at(i - 1);
 }
 
-/// Derivative at pel i of a line of n pels by a method other than Sobel's; 0 for a line of one. Halves and
-/// twelfths are raised by one half and truncated toward zero, so falling edges come out one smaller than
-/// rising ones.
-template <class At>
-constexpr std::int32_t LineDerivative(std::int32_t method, std::int32_t i, std::int32_t n, At&& at) {
-    if (n < 2) return 0;
-    if (i == n - 1) return at(i) - at(i - 1);
-    if (i == 0 || method == kForward) return at(i + 1) - at(i);
-    if (method == kCentral || i == 1 || i == n - 2) return (at(i + 1) - at(i - 1) + 1) / 2;
-    return (at(i - 2) - 8 * at(i - 1) + 8 * at(i + 1) - at(i + 2) + 6) / 12;
+/// How a method other than Sobel's differentiates at pel i of a line of n pels: near the ends with what there
+/// is.
+constexpr kernels::Derivative DerivativeAt(std::int32_t method, std::int32_t i, std::int32_t n) noexcept {
+    using kernels::Derivative;
+    if (n < 2) return Derivative::kNone;
+    if (i == n - 1) return Derivative::kBackward;
+    if (i == 0 || method == kForward) return Derivative::kForward;
+    return method == kCentral || i == 1 || i == n - 2 ? Derivative::kCentral : Derivative::kFivePoint;
 }
 
 }  // namespace tq

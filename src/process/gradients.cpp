@@ -1,9 +1,13 @@
 #include "tqimage/gradients.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstdlib>
+#include <vector>
 
 #include "core/replaced_image.h"
 #include "core/window.h"
+#include "kernels/derivative.h"
 #include "kernels/sobel.h"
 #include "process/gradient.h"
 #include "process/gradient_image.h"
@@ -18,32 +22,23 @@ constexpr std::int32_t kNoMemory = -5;
 constexpr std::int32_t kNoGradient = 1;
 constexpr std::int32_t kNoMemory0 = -3;
 
-/// The gradient along the columns of a row, and with the axes exchanged along the rows of a column.
+/// Sobel's gradient along the columns of a row, and with the axes exchanged along the rows of a column.
 template <bool kAlongRow>
-struct Gradient {
-    ConstImageView view;
-    std::int32_t method;
-
-    std::int32_t operator()(std::int32_t col, std::int32_t row) const {
-        const std::int32_t i = kAlongRow ? col : row;
-        const std::int32_t line = kAlongRow ? row : col;
-        const std::int32_t n = kAlongRow ? view.cols : view.rows;
-        const std::int32_t lines = kAlongRow ? view.rows : view.cols;
-        if (method != kSobel) return LineDerivative(method, i, n, PelsOf(line));
-        if (n < 2) return 0;
-        const std::int32_t middle = SobelDifference(i, n, PelsOf(line));
-        // The first and the last line have no line beside them and are not smoothed, nor scaled for it.
-        if (line == 0 || line == lines - 1) return middle;
-        return SobelDifference(i, n, PelsOf(line - 1)) + 2 * middle + SobelDifference(i, n, PelsOf(line + 1));
-    }
-
-  private:
-    auto PelsOf(std::int32_t line) const {
-        return [this, line](std::int32_t k) -> std::int32_t {
-            return kAlongRow ? view.At(k, line) : view.At(line, k);
-        };
-    }
-};
+std::int32_t SobelAt(const ConstImageView& view, std::int32_t col, std::int32_t row) {
+    const std::int32_t i = kAlongRow ? col : row;
+    const std::int32_t line = kAlongRow ? row : col;
+    const std::int32_t n = kAlongRow ? view.cols : view.rows;
+    const std::int32_t lines = kAlongRow ? view.rows : view.cols;
+    const auto differenceIn = [&](std::int32_t at) {
+        return SobelDifference(i, n, [&](std::int32_t k) -> std::int32_t {
+            return kAlongRow ? view.At(k, at) : view.At(at, k);
+        });
+    };
+    if (n < 2) return 0;
+    // The first and the last line have no line beside them and are not smoothed, nor scaled for it.
+    if (line == 0 || line == lines - 1) return differenceIn(line);
+    return differenceIn(line - 1) + 2 * differenceIn(line) + differenceIn(line + 1);
+}
 
 std::int32_t Magnitude(std::int32_t x, std::int32_t y) noexcept {
     const auto gx = static_cast<float>(x);
@@ -51,34 +46,83 @@ std::int32_t Magnitude(std::int32_t x, std::int32_t y) noexcept {
     return TruncToInt32(std::sqrt(gx * gx + gy * gy));
 }
 
-OwnedImage MakeGradient(const ConstImageView& view, std::int32_t method) {
+/// The magnitudes of Sobel's gradient for `count` pels of a row that have all their neighbours.
+void SobelRun(const ConstImageView& view, std::int32_t row, std::int32_t first, std::int32_t count,
+              GradientImage& result) {
+    result.Raise(kernels::SobelRow(view.Row(row - 1) + first - 1, view.Row(row) + first - 1,
+                                   view.Row(row + 1) + first - 1, static_cast<std::size_t>(count) + 2,
+                                   result.Row(row) + first - 1));
+}
+
+OwnedImage MakeSobel(const ConstImageView& view) {
     GradientImage result(view);
-    const Gradient<true> horizontal{view, method};
-    const Gradient<false> vertical{view, method};
     for (std::int32_t row = 0; row < view.rows; ++row) {
-        const bool kernel = method == kSobel && row > 0 && row < view.rows - 1;
-        if (kernel) {
-            result.Raise(kernels::SobelRow(view.Row(row - 1), view.Row(row), view.Row(row + 1),
-                                           static_cast<std::size_t>(view.cols), result.Row(row)));
-        }
-        const std::int32_t step = kernel ? std::max(view.cols - 1, 1) : 1;
+        const bool inner = row > 0 && row < view.rows - 1 && view.cols > 2;
+        if (inner) SobelRun(view, row, 1, view.cols - 2, result);
+        const std::int32_t step = inner ? view.cols - 1 : 1;
         for (std::int32_t col = 0; col < view.cols; col += step)
-            result.Set(col, row, Magnitude(horizontal(col, row), vertical(col, row)));
+            result.Set(col, row, Magnitude(SobelAt<true>(view, col, row), SobelAt<false>(view, col, row)));
     }
+    return std::move(result).Finish();
+}
+
+/// Magnitudes of the gradients of the other methods, run by run.
+class Derivatives {
+  public:
+    Derivatives(const ConstImageView& view, std::int32_t method)
+        : view_(view), method_(method), x_(static_cast<std::size_t>(view.cols)), y_(x_.size()) {}
+
+    void Write(std::int32_t row, std::int32_t first, std::int32_t count, GradientImage& result) {
+        const Pel* const pels = view_.Row(row) + first;
+        const auto length = static_cast<std::size_t>(count);
+        // Columns between the ends of the row are all differentiated alike.
+        const std::int32_t end = first + count;
+        for (std::int32_t col = first, next = first; col < end; col = next) {
+            const bool inner = col >= 2 && col < view_.cols - 2;
+            next = inner ? std::min(end, view_.cols - 2) : col + 1;
+            kernels::Derive(DerivativeAt(method_, col, view_.cols), pels + (col - first), 1,
+                            static_cast<std::size_t>(next - col), x_.data() + (col - first));
+        }
+        kernels::Derive(DerivativeAt(method_, row, view_.rows), pels, view_.cols, length, y_.data());
+        result.Raise(kernels::Magnitudes(x_.data(), y_.data(), length, result.Row(row) + first));
+    }
+
+  private:
+    ConstImageView view_;
+    std::int32_t method_;
+    std::vector<std::int32_t> x_;
+    std::vector<std::int32_t> y_;
+};
+
+OwnedImage MakeGradient(const ConstImageView& view, std::int32_t method) {
+    if (method == kSobel) return MakeSobel(view);
+    GradientImage result(view);
+    Derivatives derivatives(view, method);
+    for (std::int32_t row = 0; row < view.rows; ++row)
+        derivatives.Write(row, 0, view.cols, result);
     return std::move(result).Finish();
 }
 
 OwnedImage MakeGradient0(const ConstImageView& view, std::int32_t method) {
     GradientImage result(view);
-    const Gradient<true> horizontal{view, method};
-    const Gradient<false> vertical{view, method};
+    Derivatives derivatives(view, method);
     // As far as the method reaches.
     ZeroFreeRows surroundings(view, method == kFivePoint ? 2 : 1);
     for (std::int32_t row = 0; row < view.rows; ++row) {
         const auto free = surroundings.Next();
-        for (std::int32_t col = 0; col < view.cols; ++col) {
-            const bool measured = free[static_cast<std::size_t>(col)] != 0;
-            result.Set(col, row, measured ? Magnitude(horizontal(col, row), vertical(col, row)) : 0);
+        std::fill_n(result.Row(row), view.cols, Pel{0});
+        for (auto start = free.begin(); start != free.end();) {
+            start = std::find(start, free.end(), std::uint8_t{1});
+            const auto end = std::find(start, free.end(), std::uint8_t{0});
+            const auto first = static_cast<std::int32_t>(start - free.begin());
+            const auto count = static_cast<std::int32_t>(end - start);
+            start = end;
+            if (count == 0) continue;
+            if (method == kSobel) {
+                SobelRun(view, row, first, count, result);
+            } else {
+                derivatives.Write(row, first, count, result);
+            }
         }
     }
     return std::move(result).Finish();
@@ -122,8 +166,8 @@ class SplitLine {
             return SobelDifference(at - first, n, [&](std::int32_t k) { return At(line, first + k); });
         };
         if (method != kSobel) {
-            return LineDerivative(method, at - first, n,
-                                  [&](std::int32_t k) { return At(line_, first + k); });
+            return kernels::DerivativeOf(DerivativeAt(method, at - first, n),
+                                         [&](std::int32_t k) { return At(line_, at + k); });
         }
         if (n < 2) return 0;
         const std::int32_t middle = difference(line_);
