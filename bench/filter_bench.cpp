@@ -6,6 +6,7 @@
 #include "tqimage/clustering.h"
 #include "tqimage/filters.h"
 #include "tqimage/gradients.h"
+#include "tqimage/local_contrast.h"
 
 namespace tqbench {
 namespace {
@@ -81,6 +82,21 @@ void RegisterMeans() {
     Register({"smooth_lit", Ours([](TqImage** image) { return tqSmoothImage0(image, 1); }), {}});
 }
 
+void RegisterDeviations() {
+    for (const int size : {9, 51}) {
+        Register({"local_deviation/" + std::to_string(size),
+                  Ours([=](TqImage** image) { return tqCalcLocalStdDev(image, size, size); }),
+                  Peer([=](const cv::Mat& in, cv::Mat& out) {
+                      static cv::Mat means, squares;
+                      cv::boxFilter(in, means, CV_64F, {size, size});
+                      cv::sqrBoxFilter(in, squares, CV_64F, {size, size});
+                      squares -= means.mul(means);
+                      cv::sqrt(cv::max(squares, 0.0), squares);
+                      cv::normalize(squares, out, 0, 65000, cv::NORM_MINMAX, CV_16U);
+                  })});
+    }
+}
+
 void RegisterConvolutions() {
     Register({"sharpen", Ours([](TqImage** image) { return tqSharpenImage(image, 2.0f); }),
               Peer([](const cv::Mat& in, cv::Mat& out) {
@@ -117,6 +133,23 @@ void RegisterNewImages() {
                   cv::magnitude(x, y, magnitude);
                   magnitude.convertTo(out, CV_16U);
               }});
+    Register({"local_contrast/surround", New([](TqImage** out, const TqImage* image) {
+                  return tqCalcLocalLumDiff(out, image, 3, 3, 15, 15);
+              }),
+              [](const NoiseImage& image) {
+                  static cv::Mat inner, outer, out;
+                  cv::boxFilter(image.Mat(), inner, CV_32F, {3, 3}, {-1, -1}, false);
+                  cv::boxFilter(image.Mat(), outer, CV_32F, {15, 15}, {-1, -1}, false);
+                  inner = inner / 9.0 - (outer - inner) / 216.0;
+                  cv::normalize(inner, out, 0, 64000, cv::NORM_MINMAX, CV_16U);
+              }});
+    for (const int direction : {0, 2, 4}) {
+        Register({"local_contrast/direction/" + std::to_string(direction),
+                  New([=](TqImage** out, const TqImage* image) {
+                      return tqCalcLocalLumDiffDir(out, image, 5, 5, 10, direction);
+                  }),
+                  {}});
+    }
     for (const int limit : {1, 10, 300}) {
         Register({"cluster/" + std::to_string(limit),
                   New([=](TqImage** out, const TqImage* image) {
@@ -127,8 +160,8 @@ void RegisterNewImages() {
     }
 }
 
-[[maybe_unused]] const bool kRegistered =
-    (RegisterMedians(), RegisterMeans(), RegisterConvolutions(), RegisterNewImages(), true);
+[[maybe_unused]] const bool kRegistered = (RegisterMedians(), RegisterMeans(), RegisterDeviations(),
+                                           RegisterConvolutions(), RegisterNewImages(), true);
 
 }  // namespace
 }  // namespace tqbench

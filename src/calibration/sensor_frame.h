@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <utility>
 
-#include "core/guard.h"
 #include "core/image_block.h"
 #include "core/image_view.h"
+#include "core/replaced_image.h"
 #include "core/sensor_offset.h"
 
 namespace tq {
@@ -62,7 +62,7 @@ std::int32_t CorrectThroughSensor(TqImage** image, const TqImage* correction, Co
     constexpr std::int32_t kBadRowOffset = -8;
     constexpr std::int32_t kNoMemory = -9;
 
-    const ConstImageView source = image == nullptr ? ConstImageView{} : LocateImage(*image);
+    const ConstImageView source = LocateHeld(image);
     if (!source) return kInvalidImage;
     const ConstImageView sensor = LocateImage(correction);
     if (!sensor) return kInvalidCorrection;
@@ -75,10 +75,7 @@ std::int32_t CorrectThroughSensor(TqImage** image, const TqImage* correction, Co
     const SensorFrame frame{sensor,
                             {*col, header.BinCols, source.cols, sensor.cols},
                             {*row, header.BinRows, source.rows, sensor.rows}};
-    return Guarded(kNoMemory, [&] {
-        CommitImage(image, std::forward<Correct>(correct)(source, frame));
-        return 0;
-    });
+    return ReplaceImage(image, kNoMemory, [&] { return std::forward<Correct>(correct)(source, frame); });
 }
 
 }  // namespace tq

@@ -24,4 +24,12 @@ std::int32_t ReplaceImage(TqImage** host, std::int32_t noMemory, Make&& make) no
     });
 }
 
+/// The same for an image that is made from the one it replaces, make(source); `invalid` without that one.
+template <class Make>
+std::int32_t ReplaceImage(TqImage** host, std::int32_t invalid, std::int32_t noMemory, Make&& make) noexcept {
+    const ConstImageView source = LocateHeld(host);
+    if (!source) return invalid;
+    return ReplaceImage(host, noMemory, [&] { return make(source); });
+}
+
 }  // namespace tq

@@ -5,7 +5,8 @@
 #include <vector>
 
 #include "core/numerics.h"
-#include "geometry/replaced_image.h"
+#include "core/replaced_image.h"
+#include "geometry/sized_image.h"
 #include "kernels/binning.h"
 #include "kernels/span_statistics.h"
 #include "tqimage/resampling.h"

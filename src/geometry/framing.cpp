@@ -9,7 +9,8 @@
 #include "core/image_view.h"
 #include "core/numerics.h"
 #include "core/rectangle.h"
-#include "geometry/replaced_image.h"
+#include "core/replaced_image.h"
+#include "geometry/sized_image.h"
 
 using namespace tq;
 

@@ -1,9 +1,9 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "core/guard.h"
 #include "core/image_block.h"
 #include "core/image_view.h"
+#include "core/replaced_image.h"
 #include "geometry/distortion_map.h"
 #include "kernels/map_row.h"
 #include "tqimage/keystone.h"
@@ -33,12 +33,9 @@ OwnedImage RemoveKeystone(const ConstImageView& image, const ConstMapView& map) 
 using namespace tq;
 
 std::int32_t TQ_CALL tqRemoveKeystone(TqImage** image, const TqDistortionMap* map) {
-    const ConstImageView source = image == nullptr ? ConstImageView{} : LocateImage(*image);
+    const ConstImageView source = LocateHeld(image);
     if (!source) return kInvalidImage;
     const ConstMapView entries = LocateMap(map);
     if (!entries || entries.cols != source.cols || entries.rows != source.rows) return kOtherSize;
-    return Guarded(kNoMemory, [&] {
-        CommitImage(image, RemoveKeystone(source, entries));
-        return 0;
-    });
+    return ReplaceImage(image, kNoMemory, [&] { return RemoveKeystone(source, entries); });
 }

@@ -4,10 +4,10 @@
 #include <optional>
 #include <vector>
 
-#include "core/guard.h"
 #include "core/image_block.h"
 #include "core/image_view.h"
 #include "core/numerics.h"
+#include "core/replaced_image.h"
 #include "core/sensor_offset.h"
 #include "geometry/distortion_map.h"
 #include "kernels/map_row.h"
@@ -90,7 +90,7 @@ OwnedImage CorrectImage(const ConstImageView& image, const ConstMapView& map, co
 using namespace tq;
 
 std::int32_t TQ_CALL tqCorrectLensDistortion(TqImage** image, const TqDistortionMap* map) {
-    const ConstImageView source = image == nullptr ? ConstImageView{} : LocateImage(*image);
+    const ConstImageView source = LocateHeld(image);
     if (!source) return kInvalidImage;
     const ConstMapView entries = LocateMap(map);
     if (!entries || entries.cols < source.cols || entries.rows < source.rows) return kMapTooSmall;
@@ -104,8 +104,5 @@ std::int32_t TQ_CALL tqCorrectLensDistortion(TqImage** image, const TqDistortion
     if (!PlaceAxis(map->CenterRow, header.CenterRow, header.BinRows, entries.rows, source.rows, rows)) {
         return kBadRowOffset;
     }
-    return Guarded(kNoMemory, [&] {
-        CommitImage(image, CorrectImage(source, entries, cols, rows));
-        return 0;
-    });
+    return ReplaceImage(image, kNoMemory, [&] { return CorrectImage(source, entries, cols, rows); });
 }

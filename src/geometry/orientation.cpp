@@ -4,7 +4,8 @@
 #include <optional>
 #include <utility>
 
-#include "geometry/replaced_image.h"
+#include "core/replaced_image.h"
+#include "geometry/sized_image.h"
 #include "geometry/turn.h"
 
 using namespace tq;

@@ -7,6 +7,7 @@
 #include "core/image_block.h"
 #include "core/image_view.h"
 #include "core/numerics.h"
+#include "core/replaced_image.h"
 #include "geometry/bilinear.h"
 #include "geometry/distortion_map.h"
 #include "geometry/projection_model.h"
@@ -105,7 +106,7 @@ using namespace tq;
 
 std::int32_t TQ_CALL tqProjectImage(TqImage** image, const TqProjection* projection,
                                     const TqDistortionMap* map) {
-    const ConstImageView source = image == nullptr ? ConstImageView{} : LocateImage(*image);
+    const ConstImageView source = LocateHeld(image);
     if (!source) return kInvalidImage;
     if (projection == nullptr || !IsProjection(*projection)) return kNotPositive;
     const std::int32_t cols = TruncToInt32(projection->Cols);

@@ -2,8 +2,9 @@
 #include <cstdint>
 
 #include "core/numerics.h"
+#include "core/replaced_image.h"
 #include "geometry/axis_places.h"
-#include "geometry/replaced_image.h"
+#include "geometry/sized_image.h"
 #include "tqimage/resampling.h"
 
 using namespace tq;
@@ -91,7 +92,7 @@ std::int32_t TQ_CALL tqSizeImage(TqImage** image, std::int32_t newCols) {
 }
 
 std::int32_t TQ_CALL tqUnBinImage(TqImage** image, std::int32_t binCols, std::int32_t binRows) {
-    const ConstImageView binned = image == nullptr ? ConstImageView{} : LocateImage(*image);
+    const ConstImageView binned = LocateHeld(image);
     if (!binned) return kInvalidImage;
     const Expansion cols{binned.header->BinCols, std::max(binCols, 1)};
     const Expansion rows{binned.header->BinRows, std::max(binRows, 1)};

@@ -3,7 +3,8 @@
 
 #include "core/numerics.h"
 #include "core/portable_math.h"
-#include "geometry/replaced_image.h"
+#include "core/replaced_image.h"
+#include "geometry/sized_image.h"
 #include "kernels/rotate_row.h"
 #include "tqimage/resampling.h"
 

@@ -2,9 +2,7 @@
 
 #include <cstdint>
 #include <new>
-#include <utility>
 
-#include "core/guard.h"
 #include "core/image_block.h"
 #include "core/image_view.h"
 
@@ -21,18 +19,6 @@ inline OwnedImage MakeSized(const ConstImageView& source, std::int64_t cols, std
     header.PelCols = static_cast<std::int32_t>(cols);
     header.PelRows = static_cast<std::int32_t>(rows);
     return result;
-}
-
-/// The frame of every function that replaces the host's image by one made from it: make(source) gives the
-/// new image, and until it does the host's stays as it is.
-template <class Make>
-std::int32_t ReplaceImage(TqImage** image, std::int32_t invalid, std::int32_t noMemory, Make&& make) {
-    const ConstImageView source = image == nullptr ? ConstImageView{} : LocateImage(*image);
-    if (!source) return invalid;
-    return Guarded(noMemory, [&] {
-        CommitImage(image, std::forward<Make>(make)(source));
-        return 0;
-    });
 }
 
 }  // namespace tq

@@ -7,8 +7,8 @@
 
 #include "core/image_view.h"
 #include "core/numerics.h"
+#include "core/replaced_image.h"
 #include "core/window.h"
-#include "geometry/replaced_image.h"
 
 using namespace tq;
 
@@ -144,7 +144,7 @@ struct Windows {
 /// makeWindows(cols, rows) gives the windows; an average over one pel leaves the image as it is.
 template <class MakeWindows>
 std::int32_t SmoothHostImage(TqImage** image, const TqImage* labels, MakeWindows&& makeWindows) {
-    const ConstImageView pels = image == nullptr ? ConstImageView{} : LocateImage(*image);
+    const ConstImageView pels = LocateHeld(image);
     const ConstImageView segments = LocateImage(labels);
     if (!pels || !segments || !SameSize(pels, segments)) return kInvalidImage;
     const Windows windows = makeWindows(pels.cols, pels.rows);

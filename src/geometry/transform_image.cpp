@@ -8,6 +8,7 @@
 #include "core/image_block.h"
 #include "core/image_view.h"
 #include "core/numerics.h"
+#include "core/replaced_image.h"
 #include "geometry/homography.h"
 #include "geometry/resampler.h"
 #include "tqimage/transform.h"
@@ -87,7 +88,7 @@ using namespace tq;
 
 std::int32_t TQ_CALL tqTransformImage(TqImage** image, const double* matrix, std::int32_t cols,
                                       std::int32_t rows, std::int32_t kernel, std::int32_t fill) {
-    const ConstImageView source = image == nullptr ? ConstImageView{} : LocateImage(*image);
+    const ConstImageView source = LocateHeld(image);
     if (!source) return kInvalidImage;
     if (matrix == nullptr) return kSingular;
     std::array<double, 9> coefficients;

@@ -1,7 +1,7 @@
 #include <cstdint>
 
+#include "core/replaced_image.h"
 #include "geometry/axis_places.h"
-#include "geometry/replaced_image.h"
 #include "tqimage/resampling.h"
 
 using namespace tq;
