@@ -42,7 +42,6 @@ void FarField::Gathered::Add(const SurfacePoints& points, std::span<const double
 FarField::FarField(const SurfacePoints& points, std::span<const double> weights, std::size_t planes, Sum sum)
     : points_(points),
       weights_(weights),
-      planes_(planes),
       sum_(std::move(sum)),
       nodes_(ChebyshevNodes()),
       halves_{Half(nodes_, -0.5), Half(nodes_, 0.5)},

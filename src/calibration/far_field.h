@@ -68,7 +68,6 @@ class FarField {
 
     const SurfacePoints& points_;
     std::span<const double> weights_;
-    std::size_t planes_;
     Sum sum_;
     std::array<double, kNodes> nodes_;
     std::array<ChebyshevBasis, 2> halves_;  ///< the nodes of the lower and of the upper half

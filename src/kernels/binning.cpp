@@ -18,7 +18,7 @@ using U32 = hn::ScalableTag<std::uint32_t>;
 
 /// A vector of pels, one or two to a sum.
 template <std::size_t kWidth, class D16>
-HWY_INLINE hn::Vec<U32> AddUp(D16 d16, hn::Vec<D16> pels) {
+HWY_INLINE hn::Vec<U32> AddUp(D16, hn::Vec<D16> pels) {
     const U32 d;
     if constexpr (kWidth == 1) {
         return hn::PromoteTo(d, pels);

@@ -10,7 +10,6 @@
 namespace tq {
 namespace {
 
-constexpr std::int32_t kOk = 0;
 constexpr std::int32_t kFailed = -1;
 
 /// The sum spans as many levels as a display shows.
