@@ -3,7 +3,7 @@
 #   make demo     measures a simulated lamp through the whole chain, next to the true values
 #   make test     builds and tests everything: Linux, sanitizers, both Windows DLLs under Wine
 #   make bench    speed, next to OpenCV, as one table
-#   make fuzz     ten minutes of hostile input for everything that reads bytes; FUZZ_SECONDS=n for another time
+#   make fuzz     hostile bytes and calls, ten minutes for each target; FUZZ_SECONDS=n for another time
 #   make docs     the guide and the reference of all functions, in build/docs/index.html
 #   make format   lays the sources out as .clang-format says
 #   make tidy     clang-tidy over the library and the program

@@ -15,7 +15,7 @@ if [ ${#targets[@]} = 0 ]; then
 fi
 
 cmake --preset fuzz >/dev/null
-cmake --build --preset fuzz --target fuzz_all -j "${JOBS:-2}"
+cmake --build --preset fuzz -j "${JOBS:-2}"
 
 run() {
     local name=$1 corpus=build/fuzz/fuzz/corpus/$1 seeds=()
