@@ -61,7 +61,7 @@ extern "C" {
  *  @param[in] blockWidth width of the spot, pels (0: automatic; at most PelCols)
  *  @param[in] blockHeight height of the spot, pels (0: automatic; at most PelRows)
  *  @param[in] angleMode co-ordinate system of the angles, 0..3
- *  @return 0; -1 image null or invalid; -2 PelsPerMeterX, PelsPerMeterY or SourceDistance not positive
+ *  @return 0; -1 image null or invalid; -2 PelsPerMeterX, PelsPerMeterY or SourceDistance 0 or below
  *  @note The spot is averaged as by tqGetPelBlockAvgEllipse. The angles are those of the pel as passed, also
  *        where it lies outside the image.
  */
@@ -78,7 +78,7 @@ TQ_API int32_t TQ_CALL tqCalcCandela(const TqImage* image, int32_t column, int32
  *  @param[out] secondAngle second angle by angleMode, radians; unwritten in modes above 3
  *  @param[out] offAxisAngle theta, radians
  *  @param[in] angleMode co-ordinate system of the angles, 0..3
- *  @return 0; -7 image null or invalid; -2 PelsPerMeterX, PelsPerMeterY or SourceDistance not positive, or
+ *  @return 0; -7 image null or invalid; -2 PelsPerMeterX, PelsPerMeterY or SourceDistance 0 or below, or
  *          vertex array null or unreadable; -1 no average: no vertex, or no memory
  *  @note A polygon that covers no pel has the average 0 and the intensity 0.
  */
@@ -97,7 +97,7 @@ TQ_API int32_t TQ_CALL tqCalcPolyCandela(const TqImage* image, SAFEARRAY** verti
  *  @param[in] width full width, pels, any value (0: the single pel at the centre)
  *  @param[in] height full height, pels, any value (0: the single pel at the centre)
  *  @param[in] angleMode co-ordinate system of the angles, 0..3
- *  @return 0; -1 image null or invalid; -2 PelsPerMeterX, PelsPerMeterY or SourceDistance not positive
+ *  @return 0; -1 image null or invalid; -2 PelsPerMeterX, PelsPerMeterY or SourceDistance 0 or below
  *  @note The pels are those of the rule in region_ellipse.h. With none inside, or all of them dark, the
  *        result is 0 candela and status 0. Of equal intensities the first pel in row order is reported.
  */
@@ -117,7 +117,7 @@ TQ_API int32_t TQ_CALL tqCalcMaxCandelaInEllipse(const TqImage* image, int32_t c
  *  @param[in] width full width, pels, any value (0: the single pel at the centre)
  *  @param[in] height full height, pels, any value (0: the single pel at the centre)
  *  @param[in] angleMode co-ordinate system of the angles, 0..3
- *  @return 0; -1 image null or invalid; -2 PelsPerMeterX, PelsPerMeterY or SourceDistance not positive
+ *  @return 0; -1 image null or invalid; -2 PelsPerMeterX, PelsPerMeterY or SourceDistance 0 or below
  *  @note The pels are those of tqCalcMaxCandelaInEllipse; dark pels count, so they give 0 candela and their
  *        angles.
  */
@@ -226,7 +226,7 @@ TQ_API double TQ_CALL tqFindMaxCandelaInRegion(const TqImage* image, int32_t* co
  *  @param[in] bottom last row, pels, any value (lowered to the last row)
  *  @param[out] averageIlluminance LuxPerGrey * mean pel, lux
  *  @return the flux, lumen: LuxPerGrey * sum of the pels / (PelsPerMeterY * PelsPerMeterX);
- *          -2.0 image null or invalid; -3.0 PelsPerMeterX or PelsPerMeterY not positive; -4.0 the cut
+ *          -2.0 image null or invalid; -3.0 PelsPerMeterX or PelsPerMeterY 0 or below; -4.0 the cut
  *          rectangle is empty
  */
 TQ_API double TQ_CALL tqCalcFluxInRegion(const TqImage* image, int32_t left, int32_t top, int32_t right,
@@ -234,7 +234,7 @@ TQ_API double TQ_CALL tqCalcFluxInRegion(const TqImage* image, int32_t left, int
 
 /** @brief Luminous flux that falls on the whole target.
  *  @param[in,out] image image to measure; the sum of its pels is stored as TotalPelValue
- *  @return the flux, lumen; -2.0 image null or invalid; -3.0 PelsPerMeterX or PelsPerMeterY not positive
+ *  @return the flux, lumen; -2.0 image null or invalid; -3.0 PelsPerMeterX or PelsPerMeterY 0 or below
  *  @note Writes the header: no other thread may read TotalPelValue of the same image during the call.
  */
 TQ_API double TQ_CALL tqCalcTotalImageFlux(TqImage* image);
@@ -246,7 +246,7 @@ TQ_API double TQ_CALL tqCalcTotalImageFlux(TqImage* image);
  *  @param[out] firstAngle first angle by angleMode, radians
  *  @param[out] secondAngle second angle by angleMode, radians
  *  @param[in] angleMode co-ordinate system of the angles, 0..3
- *  @return 0; -1 image null or invalid; -2 PelsPerMeterX, PelsPerMeterY or SourceDistance not positive;
+ *  @return 0; -1 image null or invalid; -2 PelsPerMeterX, PelsPerMeterY or SourceDistance 0 or below;
  *          -3 angleMode above 3
  */
 TQ_API int32_t TQ_CALL tqPelToAngle(const TqImage* image, int32_t column, int32_t row, double* firstAngle,
@@ -259,7 +259,7 @@ TQ_API int32_t TQ_CALL tqPelToAngle(const TqImage* image, int32_t column, int32_
  *  @param[in] firstAngle first angle by angleMode, radians
  *  @param[in] secondAngle second angle by angleMode, radians
  *  @param[in] angleMode co-ordinate system of the angles, 0..3
- *  @return 0; -1 image null or invalid; -2 PelsPerMeterX, PelsPerMeterY or SourceDistance not positive;
+ *  @return 0; -1 image null or invalid; -2 PelsPerMeterX, PelsPerMeterY or SourceDistance 0 or below;
  *          -3 angleMode above 3
  *  @note Co-ordinates beyond the range of int32 saturate. The truncation may take the pel before the one the
  *        angles came from, when rounding leaves the co-ordinate just below a whole number.

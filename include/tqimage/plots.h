@@ -40,7 +40,7 @@ extern "C" {
  *                       SourceDistance / cos(angle), the way to the flat target, which from 90 degrees on
  *                       there is none.
  * @return 0; -1 an argument is out of range or out null; -2 image null or invalid, or a resolution or
- *         SourceDistance not positive; -3 no memory
+ *         SourceDistance 0 or below; -3 no memory
  * @par Ownership
  * A block that *out holds is freed, which may be the image itself. The new one belongs to the host, which
  * releases it with tqImageFree.

@@ -34,7 +34,7 @@ extern "C" {
  *  @param[in] width width of a spot, pels, any value
  *  @param[in] height height of a spot, pels, any value
  *  @return mean grey of the nine points * LuxPerGrey * pels other than 0 / (PelsPerMeterY * PelsPerMeterX),
- *          lumen; -2.0 image null or invalid; -3.0 PelsPerMeterX or PelsPerMeterY not positive
+ *          lumen; -2.0 image null or invalid; -3.0 PelsPerMeterX or PelsPerMeterY 0 or below
  *  @par Source
  *  The nine-point method of ANSI IT7.228-1997 for the light output of projectors.
  *  @note The lit area is the number of pels above 0, not that of the image: hosts set the screen around the
@@ -51,7 +51,7 @@ TQ_API double TQ_CALL tqCalcANSILumens(const TqImage* image, int32_t shape, int3
  *  @param[in] shape 1: elliptical spots; other values: rectangular spots
  *  @param[in] width width of a spot, pels, any value
  *  @param[in] height height of a spot, pels, any value
- *  @return 0; -2 image null or invalid; -3 PelsPerMeterX or PelsPerMeterY not positive
+ *  @return 0; -2 image null or invalid; -3 PelsPerMeterX or PelsPerMeterY 0 or below
  *  @par Source
  *  The thirteen points of ANSI IT7.228-1997 for the uniformity of projectors.
  *  @note Nine dark samples have no mean to deviate from: the outputs are then not a number, or infinite when
@@ -107,7 +107,7 @@ TQ_API double TQ_CALL tqGetRMSMuraInRegion(const TqImage* image, int32_t* count,
  *  @param[out] areaMm2 its S, square millimetres; 0 when there is none and after a failure; may be null
  *  @return the largest visibility, SEMU, 0.0 when no blemish has one above 0; of equal ones the blemish that
  *          begins first in row order is reported. -2.0 image null or invalid, or no memory; -3.0
- *          PelsPerMeterX or PelsPerMeterY not positive
+ *          PelsPerMeterX or PelsPerMeterY 0 or below
  *  @par Memory
  *  A few working rows, and a record for each different size of blemish.
  *  @par Source

@@ -117,7 +117,7 @@ double TQ_CALL tqFindMaxCandelaInRegion(const TqImage* image, std::int32_t* colu
     const ConstImageView view = LocateImage(image);
     if (!view) return kInvalidSearchImage;
     const PhotometricFrame frame(*view.header);
-    if (!frame.HasScale()) return kNoScale;
+    if (!frame.HasPositiveScale()) return kNoScale;
     const Rect rect = CutToImage({left, top, right, bottom}, view.cols, view.rows);
     const bool fits = !rect.Empty() && blockWidth >= 0 && blockWidth <= rect.Width() && blockHeight >= 0 &&
                       blockHeight <= rect.Height();

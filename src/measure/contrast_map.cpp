@@ -62,7 +62,7 @@ std::int32_t TQ_CALL tqCalcAbsContrast(TqImage** out, const TqImage* source) {
     const ConstImageView view = LocateImage(source);
     if (!view || out == nullptr) return kInvalidImage;
     return Guarded(kNoMemory, [&] {
-        const bool hasScale = PhotometricFrame(*view.header).HasScale();
+        const bool hasScale = PhotometricFrame(*view.header).HasPositiveScale();
         OwnedImage map(view, hasScale ? NewPels::kUnwritten : NewPels::kZero);
         if (hasScale) FillContrastMap(view, map.View());
         CommitImage(out, std::move(map));

@@ -28,7 +28,9 @@ class PhotometricFrame {
           distance_(header.SourceDistance),
           luxPerGrey_(header.LuxPerGrey) {}
 
+    /// Most figures refuse a scale only where it is 0 or below, and are NaN where it is; hosts rely on both.
     bool HasScale() const noexcept { return !(pelsPerMeterX_ <= 0.0 || pelsPerMeterY_ <= 0.0); }
+    bool HasPositiveScale() const noexcept { return pelsPerMeterX_ > 0.0 && pelsPerMeterY_ > 0.0; }
     bool HasScaleAndDistance() const noexcept { return HasScale() && !(distance_ <= 0.0); }
 
     double Distance() const noexcept { return distance_; }
