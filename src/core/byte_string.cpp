@@ -70,8 +70,10 @@ std::int32_t RestoreKnownLength(const std::uint8_t* source, std::uint32_t source
         *result = block.get();
         return status;
     }
-    if (BytesToHold(block.get(), length) > expectedLength) return HandOverCopy(block.get(), length, result);
-    std::memset(block.get() + length, 0, expectedLength - length);
+    const std::size_t held = BytesToHold(block.get(), length);
+    if (held > expectedLength) return HandOverCopy(block.get(), length, result);
+    // A length that the host guessed far too large costs address space only.
+    std::memset(block.get() + length, 0, held - length);
     *result = block.release();
     return kOk;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 
@@ -9,6 +10,8 @@ namespace tq {
 using Pel = std::uint16_t;
 
 inline constexpr std::int32_t kLargestPel = 65535;
+/// Number of values that a pel can have.
+inline constexpr std::size_t kGreyLevels = std::size_t{kLargestPel} + 1;
 
 /// Truncates toward zero. Whatever does not fit, NaN included, becomes INT32_MIN: the processor's "integer
 /// indefinite", on which the clamps and wraps that follow a conversion have always built.

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "core/guard.h"
+#include "core/level_table.h"
 #include "interchange/text_palette.h"
 #include "interchange/tone_curve.h"
 #include "kernels/pel_arithmetic.h"
@@ -27,7 +28,8 @@ template <class MakeTable>
 OwnedBitmap Convert(const ImageView& image, const std::optional<Palette>& palette, MakeTable&& makeTable) {
     OwnedBitmap bitmap(image.cols, image.rows, palette ? &*palette : nullptr, NewPixels::kUnwritten);
     EnsureScale(*image.header);
-    const std::vector<std::uint8_t> bytes = makeTable(*image.header, LargestToTabulate(image));
+    std::vector<std::uint8_t> bytes = makeTable(*image.header, LargestToTabulate(image));
+    CoverEveryLevel(bytes);
     for (std::int32_t row = 0; row < image.rows; ++row) {
         kernels::LookUp(image.Row(row), bytes.data(), bitmap.Row(row), static_cast<std::size_t>(image.cols));
     }

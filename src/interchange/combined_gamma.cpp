@@ -10,8 +10,6 @@
 namespace tq {
 namespace {
 
-constexpr std::size_t kLevels = std::size_t{kLargestPel} + 1;
-
 float Power(double base, double exponent) noexcept {
     return static_cast<float>(std::pow(base, exponent));
 }
@@ -47,10 +45,10 @@ bool CombinedGamma::Holds(double gamma, double fullScale, const Triple& gains) n
 }
 
 CombinedGamma::CombinedGamma(double gamma, double fullScale, const Triple& gains)
-    : tones_(kLevels), factors_(kLevels), toneFactors_(kLevels) {
+    : tones_(kGreyLevels), factors_(kGreyLevels), toneFactors_(kGreyLevels) {
     const double exponent = gamma - 1.0;
     // All are 0 for a pel of 0: a pixel without any light is black.
-    for (std::size_t pel = 1; pel < kLevels; ++pel) {
+    for (std::size_t pel = 1; pel < kGreyLevels; ++pel) {
         const double value = static_cast<double>(pel) / fullScale;
         tones_[pel] = Power(value, kToneExponent);
         factors_[pel] = Power(value, exponent);

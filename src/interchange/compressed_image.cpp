@@ -9,6 +9,7 @@
 #include "core/guard.h"
 #include "core/image_block.h"
 #include "core/image_view.h"
+#include "core/level_table.h"
 #include "interchange/jpeg_codec.h"
 #include "interchange/tone_curve.h"
 
@@ -35,7 +36,10 @@ constexpr double kLinear = -1.0;
 
 std::vector<std::uint8_t> LinearTones(const ImageView& image) {
     EnsureScale(*image.header);
-    return MakeToneTable(kLinear, image.header->MaxPelValue, LargestToTabulate(image));
+    std::vector<std::uint8_t> tones =
+        MakeToneTable(kLinear, image.header->MaxPelValue, LargestToTabulate(image));
+    CoverEveryLevel(tones);
+    return tones;
 }
 
 std::int32_t Save(const std::vector<std::uint8_t>& file, std::uint8_t* destination, std::uint32_t* length,

@@ -42,16 +42,20 @@ class PelDivider {
     std::uint64_t factor_;
 };
 
-/// Writes the entries one behind the other; there is room for every pel from the step on.
-void PutEntries(const ConstImageView& image, std::int32_t step, TqImageSumEntry* entry) noexcept {
+/// Writes the entries of the pels from the step on, one behind the other, and returns their number. It is
+/// `room`, which they were counted for, unless another thread writes the image meanwhile.
+std::int32_t PutEntries(const ConstImageView& image, std::int32_t step, std::int32_t room,
+                        TqImageSumEntry* entries) noexcept {
     const PelDivider quotient(static_cast<std::uint32_t>(step));
     std::uint32_t total = 0;
-    for (std::size_t i = 0; i < image.Count(); ++i) {
+    std::int32_t count = 0;
+    for (std::size_t i = 0; i < image.Count() && count < room; ++i) {
         const Pel pel = image.pels[i];
         if (pel < step) continue;
         total += quotient(pel);
-        *entry++ = {total, static_cast<std::uint32_t>(i)};
+        entries[count++] = {total, static_cast<std::uint32_t>(i)};
     }
+    return count;
 }
 
 std::unique_ptr<std::uint8_t[]> MakeSum(const ConstImageView& image) {
@@ -64,7 +68,7 @@ std::unique_ptr<std::uint8_t[]> MakeSum(const ConstImageView& image) {
         new std::uint8_t[GridBytes(sizeof(TqImageSum), sizeof(TqImageSumEntry), count, 1)]);
     auto* const sum = reinterpret_cast<TqImageSum*>(block.get());
     *sum = {*image.header, step, count, {}};
-    PutEntries(image, step, reinterpret_cast<TqImageSumEntry*>(sum + 1));
+    sum->Count = PutEntries(image, step, count, reinterpret_cast<TqImageSumEntry*>(sum + 1));
     return block;
 }
 

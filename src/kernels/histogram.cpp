@@ -1,6 +1,9 @@
 #include "kernels/histogram.h"
 
+#include <bit>
 #include <cstring>
+
+#include "core/numerics.h"
 
 namespace tq::kernels {
 namespace {
@@ -17,6 +20,12 @@ constexpr std::size_t Stride(std::size_t levels) noexcept {
     return (levels + 1023) / 1024 * 1024 + 16;
 }
 
+/// The smallest mask that lets all levels pass, below every stride. It costs nothing where it takes the place
+/// of the 16 bits of a pel, and holds a pel that grew since the largest was looked for.
+constexpr std::size_t Mask(std::size_t levels) noexcept {
+    return levels <= kMostLevelsForTables ? std::bit_ceil(levels) - 1 : 0xFFFF;
+}
+
 /// Four pels; their order within the word does not matter.
 std::uint64_t LoadWord(const std::uint16_t* pels) noexcept {
     std::uint64_t word;
@@ -24,18 +33,18 @@ std::uint64_t LoadWord(const std::uint16_t* pels) noexcept {
     return word;
 }
 
-constexpr std::size_t Pel(std::uint64_t word, unsigned part) noexcept {
-    return static_cast<std::size_t>(word >> (16 * part) & 0xFFFF);
+constexpr std::size_t Pel(std::uint64_t word, unsigned part, std::size_t mask = 0xFFFF) noexcept {
+    return static_cast<std::size_t>(word >> (16 * part)) & mask;
 }
 
 std::size_t CountInTables(const std::uint16_t* pels, std::size_t count, std::size_t levels,
                           std::uint32_t* tables) noexcept {
-    const std::size_t stride = Stride(levels);
+    const std::size_t stride = Stride(levels), mask = Mask(levels);
     std::size_t i = 0;
     for (; i + 4 <= count; i += 4) {
         const std::uint64_t word = LoadWord(pels + i);
         for (unsigned part = 0; part < kTables; ++part)
-            ++tables[part * stride + Pel(word, part)];
+            ++tables[part * stride + Pel(word, part, mask)];
     }
     for (std::size_t part = 1; part < kTables; ++part) {
         for (std::size_t level = 0; level < levels; ++level)
@@ -61,7 +70,7 @@ std::size_t CountRuns(const std::uint16_t* pels, std::size_t count, std::uint32_
 }  // namespace
 
 std::size_t HistogramEntries(std::size_t levels) noexcept {
-    return levels <= kMostLevelsForTables ? (kTables - 1) * Stride(levels) + levels : levels;
+    return levels <= kMostLevelsForTables ? kTables * Stride(levels) : kGreyLevels;
 }
 
 void CountLevels(const std::uint16_t* pels, std::size_t count, std::size_t levels,
@@ -69,7 +78,7 @@ void CountLevels(const std::uint16_t* pels, std::size_t count, std::size_t level
     std::size_t i = levels <= kMostLevelsForTables ? CountInTables(pels, count, levels, table.data())
                                                    : CountRuns(pels, count, table.data());
     for (; i < count; ++i)
-        ++table[pels[i]];
+        ++table[pels[i] & Mask(levels)];
 }
 
 }  // namespace tq::kernels

@@ -8,6 +8,7 @@
 #include "core/guard.h"
 #include "core/image_block.h"
 #include "core/image_view.h"
+#include "core/level_table.h"
 #include "core/numerics.h"
 #include "kernels/single_precision_sum.h"
 #include "kernels/span_statistics.h"
@@ -31,15 +32,16 @@ double MichelsonContrast(double value, double mean) noexcept {
     return std::abs((value - mean) / (mean + value));
 }
 
-/// Output pels by input pel, from the smallest of the image to the largest: a contrast depends on nothing
-/// else, so the divisions are done once a grey level.
+/// Output pels by input pel. A contrast depends on nothing else, so the divisions are done once for each grey
+/// level from the smallest of the image to the largest.
 std::vector<Pel> ContrastTable(double mean, kernels::MinMax range) {
     const double strongest = std::max(MichelsonContrast(range.max, mean), MichelsonContrast(range.min, mean));
-    std::vector<Pel> table(static_cast<std::size_t>(range.max - range.min) + 1);
-    for (std::size_t i = 0; i < table.size(); ++i) {
-        const double contrast = MichelsonContrast(static_cast<double>(range.min + i), mean);
-        table[i] = ClampToPel(TruncToInt32(std::nearbyint(contrast / strongest * kLargestPel)));
+    std::vector<Pel> table(std::size_t{range.max} + 1);
+    for (std::size_t level = range.min; level < table.size(); ++level) {
+        const double contrast = MichelsonContrast(static_cast<double>(level), mean);
+        table[level] = ClampToPel(TruncToInt32(std::nearbyint(contrast / strongest * kLargestPel)));
     }
+    CoverEveryLevel(table);
     return table;
 }
 
@@ -53,7 +55,7 @@ void FillContrastMap(const ConstImageView& source, const ImageView& out) {
     }
     const std::vector<Pel> table = ContrastTable(SinglePrecisionMean(source), range);
     std::transform(source.pels, source.pels + source.Count(), out.pels,
-                   [&table, &range](Pel pel) { return table[static_cast<std::size_t>(pel - range.min)]; });
+                   [&table](Pel pel) { return table[pel]; });
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 
 #include "core/image_block.h"
 #include "core/image_view.h"
+#include "core/level_table.h"
 #include "core/numerics.h"
 #include "core/population_deviation.h"
 #include "core/replaced_image.h"
@@ -73,14 +74,15 @@ struct LitExtremes {
     }
 };
 
-/// Mura pels of every grey level up to `largest`: there are more pels than levels. 0 stays 0, "no data", so
-/// a pel that has data is at least 1.
+/// Mura pels of every grey level, as if none exceeded `largest`: there are more pels than levels. 0 stays 0,
+/// "no data", so a pel that has data is at least 1.
 std::vector<Pel> MuraLevels(Pel largest, double mean) {
     std::vector<Pel> levels(std::size_t{largest} + 1);
     for (std::size_t level = 1; level < levels.size(); ++level) {
         const double deviation = double{kMuraZero} * static_cast<double>(level) / mean;
         levels[level] = std::max<Pel>(ClampToPel(TruncToInt32(deviation + 0.5)), 1);
     }
+    CoverEveryLevel(levels);
     return levels;
 }
 

@@ -39,7 +39,7 @@ std::vector<Pel> EqualisingTable(std::span<const std::uint32_t> counts, std::int
         const float level = top * share + 0.5f;
         levelOfBin[bin] = ClampToPel(TruncToInt32(static_cast<double>(level)));
     }
-    std::vector<Pel> table(std::size_t{kLargestPel} + 1);
+    std::vector<Pel> table(kGreyLevels);
     for (std::size_t grey = 1; grey < bins.size(); ++grey)
         table[grey] = levelOfBin[bins[grey]];
     return table;

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "core/image_view.h"
+#include "core/level_table.h"
 #include "core/numerics.h"
 #include "core/window.h"
 #include "measure/image_values.h"
@@ -99,7 +100,8 @@ std::int32_t TQ_CALL tqLocalHistoEqualize(TqImage** out, TqImage* source, std::i
         const Pel largest = SumAndLargestPel(view).max;
         view.header->MaxPelValue = largest;
         if (largest == 0) return kNoHistogram;
-        const std::vector<Pel> bins = BinOfEachGrey(used, largest);
+        std::vector<Pel> bins = BinOfEachGrey(used, largest);
+        CoverEveryLevel(bins);
         RankWindow window(view, bins, used, OddWindow(width, view.cols), OddWindow(height, view.rows));
         EqualiseEachPel(view, window, used, result);
         RefreshImageValues(result);
