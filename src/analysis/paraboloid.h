@@ -1,6 +1,8 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 
 namespace tq {
 
@@ -20,6 +22,8 @@ class Paraboloid {
         d_ = (left + right) / 2.0 - all / 3.0;
         e_ = ((z[0] + z[8]) - (z[2] + z[6])) / 4.0;
         f_ = (top + bottom) / 2.0 - all / 3.0;
+        for (const double value : z)
+            noise_ = std::max(noise_, kNoise * std::abs(value));
     }
 
     struct Summit {
@@ -30,14 +34,21 @@ class Paraboloid {
     };
 
     Summit FindSummit() const noexcept {
+        // A flat neighbourhood and a ridge have none, whatever the rounding of their sums looks like.
         const double determinant = 4.0 * d_ * f_ - e_ * e_;
-        if (!(d_ < 0.0 && determinant > 0.0)) return {false, 0.0, 0.0, 0.0};
+        const double doubt = 16.0 * noise_ * (std::abs(d_) + std::abs(e_) + std::abs(f_));
+        if (!(d_ < -noise_ && determinant > doubt)) return {false, 0.0, 0.0, 0.0};
         const double x = (c_ * e_ - 2.0 * b_ * f_) / determinant;
         const double y = (b_ * e_ - 2.0 * c_ * d_) / determinant;
         return {true, x, y, a_ + 0.5 * (b_ * x + c_ * y)};
     }
 
   private:
+    /// Ten times the rounding of a sum of nine, relative to the largest, and far below what the smallest step
+    /// of grey levels, or of their logarithms, amounts to.
+    static constexpr double kNoise = 1e-14;
+
+    double noise_ = 0.0;
     double a_, b_, c_, d_, e_, f_;
 };
 

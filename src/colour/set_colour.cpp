@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 
@@ -16,6 +17,12 @@ namespace {
 constexpr std::int32_t kNoImage = -2;
 constexpr std::int32_t kInvalidFirstImage = -3;  // the second is -4, the third -5
 constexpr std::int32_t kSizesDiffer = -6;
+
+/// However large it is, light stays light; only what is no number is dark.
+Pel LevelOf(double level) noexcept {
+    if (!std::isfinite(level)) return 0;
+    return ClampToPel(TruncToInt32(std::clamp(level + 0.5, 0.0, double{kLargestPel})));
+}
 
 }  // namespace
 
@@ -43,7 +50,7 @@ std::int32_t TQ_CALL tqSetColorGraysInRegion(TqImage* first, TqImage* second, Tq
         const ImageView& view = views[k];
         if (!view) continue;
         const double value = m[k][0] * x + m[k][1] * y + m[k][2] * z;
-        const Pel pel = ClampToPel(TruncToInt32(value / view.header->LuxPerGrey + 0.5));
+        const Pel pel = LevelOf(value / view.header->LuxPerGrey);
         VisitRectangle(rect, [&](std::int32_t row, std::int32_t from, std::int32_t to) {
             std::fill(view.Row(row) + from, view.Row(row) + to + 1, pel);
         });
