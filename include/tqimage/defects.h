@@ -155,7 +155,6 @@ TQ_API int32_t TQ_CALL tqFixDefects(TqImage* image, const TqImage* map, int32_t 
  * @return 0; -2 image is null or invalid.
  * @note The work is done in place, row by row from the left: pels already replaced count as healthy for
  *       those that follow. Pels of 0 count as healthy.
- * @note A product beyond 2147483647 gives 0, like every number that does not fit.
  */
 TQ_API int32_t TQ_CALL tqReplaceHotPixels(TqImage* image, int32_t threshold, float factor, int32_t width,
                                           int32_t height);

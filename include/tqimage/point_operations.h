@@ -10,7 +10,7 @@
  *
  *  Results in floating point are computed in double precision unless the function says otherwise and cut off
  *  toward zero; where 0.5 is added that is the only rounding. What does not fit into 32 bits counts as
- *  -2147483648 before it is limited or its low 16 bits are taken.
+ *  -2147483648 before its low 16 bits are taken; a stop at 65535 holds for results of any size.
  *  Functions that replace the image leave it untouched when they fail. No field of the header changes but
  *  those that are named.
  */
@@ -111,8 +111,7 @@ TQ_API int32_t TQ_CALL tqInvertImage(TqImage* image);
  * @param[in,out] image image, changed in place
  * @param[in] factor any number
  * @return 0; -2 image null or invalid
- * @note There is no lower limit: of a negative result the low 16 bits are kept, and so of one beyond 32 bits.
- *       Hosts rely on it.
+ * @note There is no lower limit: of a negative result the low 16 bits are kept. Hosts rely on it.
  */
 TQ_API int32_t TQ_CALL tqScaleImage2(TqImage* image, float factor);
 

@@ -112,14 +112,15 @@ TQ_API int32_t TQ_CALL tqThresholdImage3(TqImage** image, int32_t low, int32_t h
  *                      replaces it. Untouched after a failure.
  * @param[in] threshold Grey level; pels of the band below it become 0.
  * @param[in] percent   Width of the band at each side, percent of the columns and of the rows, truncated to
- *                      whole pels. 0 or below and what is not a number mean no band.
+ *                      whole pels. 0 or below and what is no number mean no band.
  * @return 0; -2 image null or invalid; -3 no memory.
  * @par Ownership
  * The block that image held is freed and replaced; the host frees the new one with tqImageFree.
  * @par Memory
  * The result.
  * @note The columns are PelCols * percent / 100, the rows percent / 100 * PelRows, in double precision and in
- *       this order. No field of the header is recomputed. From 50 percent on every pel is in the band.
+ *       this order. No field of the header is recomputed. At 50 percent the middle of an odd side is still
+ *       outside the band.
  */
 TQ_API int32_t TQ_CALL tqThresholdImageEdge(TqImage** image, int32_t threshold, float percent);
 

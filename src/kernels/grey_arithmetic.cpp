@@ -13,7 +13,7 @@ namespace tq::kernels::HWY_NAMESPACE {
 
 void ScaleGreys(const Pel* pels, double factor, Pel* out, std::size_t count) {
     const auto formula = [=](auto k, auto pel) { return pel * k(factor) + k(0.5); };
-    ComputePels<Excess::kCap, double>(out, count, formula, pels);
+    ComputePels<Excess::kCeiling, double>(out, count, formula, pels);
 }
 
 /// A number of 0 to below 1 in 32 bits behind the point, the rest cut off.
@@ -57,12 +57,12 @@ void ScaleInFixedPoint(const Pel* pels, double factor, Pel* out, std::size_t cou
             const auto ceiling = hn::Set(d, Pel{kLargestPel});
             return hn::IfThenElse(fits, hn::SaturatedAdd(result, hn::Mul(v, times)), ceiling);
         },
-        [=](Pel pel) { return ToPel<Excess::kCap>(pel * factor + 0.5); }, pels);
+        [=](Pel pel) { return ToPel<Excess::kCeiling>(pel * factor + 0.5); }, pels);
 }
 
 void ScaleToMaximum(const Pel* pels, double newMaximum, double oldMaximum, Pel* out, std::size_t count) {
     const double factor = newMaximum / oldMaximum;
-    ComputeEstimated<Excess::kCap, double>(
+    ComputeEstimated<Excess::kCeiling, double>(
         out, count, [=](auto k, auto pel) { return pel * k(newMaximum) / k(oldMaximum); },
         [=](auto k, auto pel) { return pel * k(factor); }, pels);
 }

@@ -94,16 +94,15 @@ HWY_INLINE V UnlessZero(V divisor, V value, V instead) {
 }
 #endif
 
-/// What becomes of a truncated result that is no pel: its low 16 bits; 65535 above that and else its low 16
-/// bits; the nearest pel. The ceiling differs from the cap in that it precedes the truncation, so that a
-/// number too large for an integer counts as large. kNone promises results from 0 to below 65536.
-enum class Excess { kWrap, kCap, kClamp, kCeiling, kNone };
+/// What becomes of a result that is no pel: the low 16 bits of its truncation; the pel nearest to that; 65535
+/// where the result itself, be it too large for an integer, is above that, and else the low 16 bits. kNone
+/// promises results from 0 to below 65536.
+enum class Excess { kWrap, kClamp, kCeiling, kNone };
 
 template <Excess kExcess, class T>
 HWY_INLINE Pel ToPel(T value) {
     if (kExcess == Excess::kCeiling && value > T{kLargestPel}) return Pel{kLargestPel};
     const std::int32_t whole = TruncToInt32(static_cast<double>(value));
-    if (kExcess == Excess::kCap) return WrapToPel(std::min(whole, kLargestPel));
     return kExcess == Excess::kClamp ? ClampToPel(whole) : WrapToPel(whole);
 }
 
@@ -144,7 +143,6 @@ HWY_INLINE auto ToPels(D d, V values) {
     auto fits = hn::Ge(values, lowest);
     if (kExcess != Excess::kCeiling) fits = hn::And(fits, hn::Lt(values, hn::Set(d, T{2147483648.0})));
     auto whole = TruncateLanes(d, hn::IfThenElse(fits, values, lowest));
-    if (kExcess == Excess::kCap) whole = hn::Min(whole, hn::Set(d32, kLargestPel));
     if (kExcess != Excess::kClamp) whole = hn::And(whole, hn::Set(d32, 0xFFFF));
     return hn::DemoteTo(hn::Rebind<Pel, D>(), whole);  // saturates, which is the clamp
 }
@@ -240,7 +238,7 @@ HWY_INLINE T LargestResult(T start, std::size_t count, Formula formula, const In
         const T value = formula(PlainConstants<T>(), static_cast<T>(in[i])...);
         if (value > largest) largest = value;
     }
-    return largest;
+    return largest + T{0};  // of zeros of both signs each instruction set would choose its own
 }
 
 }  // namespace tq::kernels::HWY_NAMESPACE

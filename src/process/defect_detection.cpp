@@ -296,6 +296,8 @@ std::int32_t TQ_CALL tqFindPixelDefects3(TqImage** out, const TqImage* source, s
     return FindDefects(out, source, kind, reference, size, percent, bright, dark,
                        [floorPercent](Detector& detector, const ConstImageView& view) {
                            const double mean = view.header->TotalPelValue / static_cast<double>(view.Count());
-                           detector.SetFloor(TruncToInt32(floorPercent / 100.0 * mean));
+                           // No neighbour is above 65535, so a floor need not be.
+                           const double floor = floorPercent / 100.0 * mean;
+                           detector.SetFloor(TruncToInt32(std::min(floor, double{kLargestPel})));
                        });
 }
