@@ -79,7 +79,7 @@ std::int32_t KeepBandInRegion(TqImage** image, std::int32_t low, std::int32_t hi
 
 /// The columns or rows of one border, none when the share is no number or below 0.
 std::int32_t Margin(double pels, std::int32_t available) noexcept {
-    return std::max(TruncToInt32(std::min(pels, double{available})), 0);
+    return std::max(TruncToInt32(std::min(pels, static_cast<double>(available))), 0);
 }
 
 /// What the border band leaves free, perhaps nothing. The share is multiplied and divided in another order
