@@ -38,7 +38,7 @@ void Call(Result(TQ_CALL* function)(Parameters...), Checking checking, Scene& sc
 template <class Result, class... Parameters>
 constexpr bool ReadsOnly(Result(TQ_CALL*)(Parameters...)) {
     return (std::is_same_v<Parameters, const TqImage*> || ...) &&
-           !((std::is_same_v<Parameters, TqImage*> || std::is_same_v<Parameters, TqImage**>) || ...);
+           !(std::is_same_v<Parameters, TqImage*> || ...);
 }
 
 std::vector<CallEntry> MakeTable() {

@@ -12,7 +12,7 @@ namespace tqtest {
 struct CallEntry {
     std::string_view name;
     void (*call)(Scene& scene, Fingerprint& print);
-    bool readsOnly;                     ///< takes images, and takes none that it could write
+    bool readsOnly;                     ///< takes images, and those only to read
     std::vector<double> withoutMemory;  ///< the codes that stand for a want of memory
 };
 

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <span>
 
 namespace tqtest {
 namespace {
@@ -82,11 +83,13 @@ Scene::Scene(Draw& draw, const Scene& lender)
       cols_(lender.cols_),
       rows_(lender.rows_),
       images_(lender.images_),
-      areLent_(true) {}
+      lent_(kImages / 2) {
+    for (std::size_t i = lent_; i < kImages; ++i)
+        images_.at(i) = MakeImage(cols_, rows_);
+}
 
 Scene::~Scene() {
-    if (areLent_) return;
-    for (TqImage*& image : images_)
+    for (TqImage*& image : std::span(images_).subspan(lent_))
         if (image != nullptr) tqImageFree(&image);
 }
 
@@ -139,7 +142,7 @@ TqDistortionMap* Scene::MakeMap() {
 
 TqImage* Scene::AnyImage(Checking checking) {
     if (checking == Checking::kUnchecked) {
-        for (TqImage*& image : images_)  // what an earlier call has freed or spoilt
+        for (TqImage*& image : std::span(images_).subspan(lent_))  // what an earlier call has freed or spoilt
             if (image == nullptr || reinterpret_cast<TqImageHeader*>(image)->PelCols < 1) {
                 if (image != nullptr) tqImageFree(&image);
                 image = MakeImage(cols_, rows_);
@@ -147,11 +150,11 @@ TqImage* Scene::AnyImage(Checking checking) {
     } else if (draw_.OneIn(40)) {
         return nullptr;
     }
-    return *AnySlot();
+    return images_.at(static_cast<std::size_t>(draw_.Between(0, kImages - 1)));
 }
 
 TqImage** Scene::AnySlot() {
-    return &images_.at(static_cast<std::size_t>(draw_.Between(0, kImages - 1)));
+    return &images_.at(static_cast<std::size_t>(draw_.Between(static_cast<int>(lent_), kImages - 1)));
 }
 
 std::int32_t Scene::DrawInt(std::string_view name, Checking checking) {

@@ -31,7 +31,7 @@ class Scene {
   public:
     /// The sizes are below `largest`.
     Scene(Draw& draw, std::int32_t largest);
-    /// The images of another scene, for calls that write none of them.
+    /// The first images of another scene, for calls that write none of them, and others of its own.
     Scene(Draw& draw, const Scene& lender);
     Scene(const Scene&) = delete;
     Scene& operator=(const Scene&) = delete;
@@ -43,6 +43,7 @@ class Scene {
     TqImage*& Slot(std::size_t index) { return images_.at(index); }
     /// One of the images; now and then none, unless it must be valid.
     TqImage* AnyImage(Checking checking);
+    /// The place of one of its own images.
     TqImage** AnySlot();
 
     TqImageHeader DrawHeader(std::int32_t cols, std::int32_t rows);
@@ -78,7 +79,7 @@ class Scene {
     std::int32_t largest_;
     std::int32_t cols_, rows_;
     std::array<TqImage*, kImages> images_{};
-    bool areLent_ = false;
+    std::size_t lent_ = 0;  ///< that many of the images belong to another scene
 };
 
 /// Adds header and pels, without the bits that no contract fixes.
