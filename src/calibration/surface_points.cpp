@@ -53,6 +53,7 @@ SurfacePoints PrepareSurfacePoints(std::vector<CalibrationPoint> points) {
     surface.quantum = QuantumOf(points);
     const auto round = [&](float place) { return std::nearbyint(place / surface.quantum) * surface.quantum; };
     std::vector<RoundedPoint> rounded;
+    rounded.reserve(points.size());
     for (const CalibrationPoint& point : points)
         rounded.push_back({round(point.row), round(point.col), point.value});
     // By value as well, so that a mean does not depend on the order in which a host lists its points.
