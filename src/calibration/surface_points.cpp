@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <compare>
+#include <tuple>
 
 namespace tq {
 namespace {
@@ -35,7 +35,9 @@ struct RoundedPoint {
     double col;
     double value;
 
-    auto operator<=>(const RoundedPoint&) const = default;
+    bool operator<(const RoundedPoint& other) const noexcept {
+        return std::tie(row, col, value) < std::tie(other.row, other.col, other.value);
+    }
 };
 
 }  // namespace

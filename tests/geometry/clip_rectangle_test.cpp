@@ -90,14 +90,14 @@ TEST(CameraClipRect, InsideMeansTheUnbinnedImage) {
 
 TEST(CameraClipRect, RefusesWhatCannotBeSearched) {
     const Corners nowhere{-1, -1, -1, -1};
-    const Map map(4, 4), nothing, empty(0, 4);
+    const Map map(4, 4);
     std::int32_t left = 7, top = 7, right = 7, bottom = 7;
     EXPECT_EQ(tqCalcCameraClipRect(map, nullptr, &left, &top, &right, &bottom), -1);
     EXPECT_EQ(Corners(left, top, right, bottom), nowhere);
     EXPECT_EQ(ClipRect(map, DefaultHeader(0, 4), -1), nowhere);
     EXPECT_EQ(ClipRect(map, DefaultHeader(4, 8001), -1), nowhere);
-    EXPECT_EQ(ClipRect(nothing, DefaultHeader(4, 4), -2), nowhere);
-    EXPECT_EQ(ClipRect(empty, DefaultHeader(4, 4), -99), nowhere);
+    EXPECT_EQ(ClipRect(Map(), DefaultHeader(4, 4), -2), nowhere);
+    EXPECT_EQ(ClipRect(Map(0, 4), DefaultHeader(4, 4), -99), nowhere);
 }
 
 }  // namespace
