@@ -130,36 +130,24 @@ TEST(LensModel, RefusesTablesOfAnotherShape) {
 }
 
 TEST(LensModel, RefusesLensesThatFoldTheImage) {
-    constexpr double kInfinity = std::numeric_limits<double>::infinity();
-    enum Field : std::size_t { kCx, kRn = 2, kK1, kK2, kK3, kS = 8 };
+    constexpr double kInfinity = std::numeric_limits<double>::infinity(), kNone = kNan;
     struct Case {
-        std::vector<std::pair<Field, double>> fields;
+        double centerCol, radius, k1, k2, k3, scale;
         std::int32_t status;
     };
-    for (const Case& c :
-         std::vector<Case>{{{{kRn, 0.0}}, -3},
-                           {{{kRn, -40.0}}, -3},
-                           {{{kS, 0.0}}, -3},
-                           {{{kS, -1.0}}, -3},
-                           {{{kCx, kInfinity}}, -3},
-                           {{{kK1, static_cast<double>(kNan)}}, -3},
-                           // The farthest corner lies at q = 0.9653: r (1 + k1 q) grows up to k1 = -0.3453.
-                           {{{kK1, -0.345}}, 0},
-                           {{{kK1, -0.346}}, -3},
-                           {{{kK2, -0.22}}, -3},
-                           {{{kK2, -0.21}}, 0},
-                           // Folded half-way although the corner is fine again: 1 - 3 x 1.7 q + 5 x 1.2 q^2.
-                           {{{kK1, -1.7}, {kK2, 1.2}}, -3},
-                           {{{kK1, -1.0}, {kK2, 1.2}}, 0},
-                           {{{kK1, -1.6}, {kK2, 0.9}, {kK3, 0.3}}, -3},
-                           {{{kK1, -0.8}, {kK2, 0.9}, {kK3, 0.3}}, 0}}) {
-        Model model = kPlain;
-        for (const auto& [field, value] : c.fields)
-            model[field] = value;
-        HostArray table = Table({model});
+    for (const Case& c : {Case{31.5, 0, 0, 0, 0, 1, -3}, Case{31.5, -40, 0, 0, 0, 1, -3},
+                          Case{31.5, 40, 0, 0, 0, 0, -3}, Case{31.5, 40, 0, 0, 0, -1, -3},
+                          Case{kInfinity, 40, 0, 0, 0, 1, -3}, Case{31.5, 40, kNone, 0, 0, 1, -3},
+                          // The farthest corner lies at q = 0.9653: r (1 + k1 q) grows up to k1 = -0.3453.
+                          Case{31.5, 40, -0.345, 0, 0, 1, 0}, Case{31.5, 40, -0.346, 0, 0, 1, -3},
+                          Case{31.5, 40, 0, -0.22, 0, 1, -3}, Case{31.5, 40, 0, -0.21, 0, 1, 0},
+                          // Folded half-way although the corner is fine again: 1 - 3 x 1.7 q + 5 x 1.2 q^2.
+                          Case{31.5, 40, -1.7, 1.2, 0, 1, -3}, Case{31.5, 40, -1.0, 1.2, 0, 1, 0},
+                          Case{31.5, 40, -1.6, 0.9, 0.3, 1, -3}, Case{31.5, 40, -0.8, 0.9, 0.3, 1, 0}}) {
+        HostArray table = Table({{c.centerCol, 23.5, c.radius, c.k1, c.k2, c.k3, 0, 0, c.scale}});
         Map map;
         EXPECT_EQ(tqBuildLensDistortionImage(map.Address(), &kDefault, table.Address()), c.status)
-            << c.fields.front().second;
+            << c.radius << ", " << c.k1 << ", " << c.k2 << ", " << c.scale;
     }
 }
 
