@@ -333,38 +333,34 @@ TEST(MultiPointImage, EveryTypeOfElementAndTheirRefusals) {
         return f == 0 ? 5 * point : f == 1 ? point * point : 3 + point;
     };
     const TqMultiPointSettings settings = Settings(4, 20, 12);
-    Image expected;
+    Image image;
+    const auto build = [&](HostArray& list) {
+        return tqBuildMultiPointImage(image.Address(), &settings, list.Address());
+    };
     HostArray doubles = tqtest::MakeDoubleArray(4, 3, field);
-    ASSERT_EQ(tqBuildMultiPointImage(expected.Address(), &settings, doubles.Address()), 0);
+    ASSERT_EQ(build(doubles), 0);
+    const Image expected = image;
     HostArray plain = tqtest::MakeInt32Array(4, 3, field);
     plain->fFeatures = static_cast<USHORT>(plain->fFeatures & ~FADF_HAVEVARTYPE);
     HostArray same[] = {tqtest::MakeInt32Array(4, 3, field), tqtest::MakeInt16Array(4, 3, field),
                         tqtest::MakeArray<float>(VT_R4, 4, 3, field), std::move(plain)};
-    Image image;
     for (HostArray& list : same) {
-        ASSERT_EQ(tqBuildMultiPointImage(image.Address(), &settings, list.Address()), 0);
+        ASSERT_EQ(build(list), 0);
         EXPECT_TRUE(SamePels(expected, image));
     }
-
-    struct Refusal {
-        HostArray list;
-        std::int32_t status;
-    };
-    Refusal refusals[] = {{HostArray(), 1},
-                          {HostArray(VT_R8, {{3}}), 1},
-                          {HostArray(VT_R8, {{2}, {2}, {3}}), 1},
-                          {HostArray(VT_UI2, {{2}, {3}}), 2},
-                          {HostArray(VT_I8, {{2}, {3}}), 2},
-                          {HostArray(VT_R8, {{2}, {4}}), 3},
-                          {HostArray(VT_I4, {{3}, {2}}), 3},
-                          {HostArray(VT_I4, {{2, 1}, {3}}), 4},
-                          {HostArray(VT_I4, {{2}, {3, 1}}), 4}};
-    for (Refusal& r : refusals) {
-        EXPECT_EQ(tqBuildMultiPointImage(image.Address(), &settings, r.list.Address()), r.status);
-        EXPECT_EQ(r.list.Get() == nullptr ? 0u : r.list.Locks(), 0u);
+    std::pair<HostArray, std::int32_t> refusals[] = {
+        {HostArray(VT_R8, {{3}}), 1},         {HostArray(VT_R8, {{2}, {2}, {3}}), 1},
+        {HostArray(VT_UI2, {{2}, {3}}), 2},   {HostArray(VT_I8, {{2}, {3}}), 2},
+        {HostArray(VT_R8, {{2}, {4}}), 3},    {HostArray(VT_I4, {{3}, {2}}), 3},
+        {HostArray(VT_I4, {{2, 1}, {3}}), 4}, {HostArray(VT_I4, {{2}, {3, 1}}), 4}};
+    for (auto& [list, status] : refusals) {
+        EXPECT_EQ(build(list), status);
+        EXPECT_EQ(list.Locks(), 0u);
     }
+    HostArray none;
+    EXPECT_EQ(build(none), 1);
     doubles->cLocks = 65535;
-    EXPECT_EQ(tqBuildMultiPointImage(image.Address(), &settings, doubles.Address()), 5);
+    EXPECT_EQ(build(doubles), 5);
     doubles->cLocks = 0;
     EXPECT_EQ(tqBuildMultiPointImage(image.Address(), &settings, nullptr), 1);
     EXPECT_EQ(tqBuildMultiPointImage(nullptr, &settings, doubles.Address()), -2);
