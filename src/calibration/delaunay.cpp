@@ -6,12 +6,12 @@
 namespace tq {
 namespace {
 
-/// Twice the area of a triangle, positive when it turns left. Exact: places are whole numbers below 2^24.
 struct PlanePlace {
     double x;
     double y;
 };
 
+/// Twice the area of a triangle, positive when it turns left. Exact: places are whole numbers below 2^24.
 double Turn(const PlanePlace& a, const PlanePlace& b, const PlanePlace& c) noexcept {
     return (b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x);
 }
@@ -35,6 +35,7 @@ class QuadEdges {
     using Edge = std::size_t;
 
     explicit QuadEdges(const SurfacePoints& points) {
+        places_.reserve(points.Count());
         // Rows first, the order in which the points are sorted.
         for (std::size_t i = 0; i < points.Count(); ++i)
             places_.push_back({points.row[i] / points.quantum, points.col[i] / points.quantum});

@@ -12,7 +12,8 @@
 // the sum of the distances from s to -1 and 1 is r + 1/r, and at least 2 sqrt(t^2 + 1). Chebyshev
 // coefficients fall like powers of 1/r, and interpolation at n nodes is off by at most twice the sum of the
 // coefficients from the n-th on, as each of the polynomials T_n ... is confused with one that has values of
-// at most 1.
+// at most 1. Measured on a centre straight beside the square, the bounds of the logarithms are 10 to 50 times
+// the errors; those of the inverse squares 700 times at the distance 4, 4000 times at 2 and more below.
 
 namespace tq {
 namespace {

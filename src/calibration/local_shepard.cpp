@@ -27,10 +27,8 @@ class LocalShepardSurface final : public Surface {
     /// a pel, and so within R + 2 h of the middle. The others would have weight 0, so the bits are those of
     /// the whole list.
     void Gather(const SurfaceTile& tile) {
-        const double halfCols = (tile.cols - 1) / 2.0;
-        const double halfRows = (tile.rows - 1) / 2.0;
-        const double x = points_.frame.X(tile.col + halfCols);
-        const double y = points_.frame.Y(tile.row + halfRows);
+        const double x = points_.frame.X(tile.MiddleCol());
+        const double y = points_.frame.Y(tile.MiddleRow());
         squares_.resize(points_.Count());
         for (std::size_t i = 0; i < squares_.size(); ++i) {
             const double dx = points_.x[i] - x;
@@ -42,9 +40,9 @@ class LocalShepardSurface final : public Surface {
             ranked_ = squares_;
             const auto bound = ranked_.begin() + (kernels::kBoundingRank - 1);
             std::nth_element(ranked_.begin(), bound, ranked_.end());
-            const double half = std::sqrt(halfCols * halfCols + halfRows * halfRows) * points_.frame.scale;
+            const double radius = tile.Radius() * points_.frame.scale;
             // A billionth on top: far more than the roundings of the distances here and there.
-            reach = (std::sqrt(*bound) + 2.0 * half) * (1.0 + 1e-9);
+            reach = (std::sqrt(*bound) + 2.0 * radius) * (1.0 + 1e-9);
         }
         x_.clear();
         y_.clear();

@@ -50,31 +50,17 @@ struct BinSums {
     }
 };
 
-/// The rows that lie on the correction image, each by scaleRow(row, its pels, where they go).
-template <class ScaleRow>
-OwnedImage ScaleRows(const ConstImageView& image, const SensorFrame& frame, ScaleRow&& scaleRow) {
-    OwnedImage result(image, NewPels::kUnwritten);
-    const ImageView out = result.View();
-    for (std::int32_t row = 0; row < image.rows; ++row) {
-        const Pel* pels = image.Row(row);
-        const std::int32_t covered = row < frame.rows.covered ? frame.cols.covered : 0;
-        if (covered > 0) scaleRow(row, pels, out.Row(row));
-        std::copy(pels + covered, pels + image.cols, out.Row(row) + covered);
-    }
-    return result;
-}
-
 /// A pel of 0 has no data and gets none, whatever its factor.
 OwnedImage ScaleImage(const ConstImageView& image, const SensorFrame& frame) {
     const float luxPerGrey = frame.correction.header->LuxPerGrey;
     const auto covered = static_cast<std::size_t>(frame.cols.covered);
     if (frame.cols.bin == 1 && frame.rows.bin == 1) {
-        return ScaleRows(image, frame, [&](std::int32_t row, const Pel* pels, Pel* out) {
+        return CorrectRows(image, frame, [&](std::int32_t row, const Pel* pels, Pel* out) {
             kernels::ScaleBySigned(pels, frame.Row(row).first, luxPerGrey, covered, out);
         });
     }
     BinSums bins(frame);
-    return ScaleRows(image, frame, [&](std::int32_t row, const Pel* pels, Pel* out) {
+    return CorrectRows(image, frame, [&](std::int32_t row, const Pel* pels, Pel* out) {
         bins.Collect(frame, row);
         for (std::size_t col = 0; col < covered; ++col)
             out[col] = kernels::ScaledPel(pels[col], bins.Factor(col, luxPerGrey));

@@ -67,9 +67,10 @@ Polynomial FitPolynomial(const SurfacePoints& points, std::span<const double> va
     polynomial.degree = degree;
     std::size_t next = 0;
     for (int j = 0; j <= degree; ++j) {
-        for (int i = 0; i <= degree - j; ++i)
+        for (int i = 0; i <= degree - j; ++i) {
             polynomial.coefficients[static_cast<std::size_t>(j)][static_cast<std::size_t>(i)] =
                 fit.unknowns[next++];
+        }
     }
     return polynomial;
 }

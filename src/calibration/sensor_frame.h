@@ -8,11 +8,12 @@
 #include "core/image_view.h"
 #include "core/replaced_image.h"
 #include "core/sensor_offset.h"
+#include "kernels/signed_factors.h"
 
 namespace tq {
 
 /// A correction pel of a sensor position that the calibration could not measure.
-inline constexpr Pel kNoData = 65535;
+inline constexpr Pel kNoData = kernels::kNoFactor;
 
 /// One axis of the image in the correction image: pel i lies at bin * (offset + i), and the first `covered`
 /// pels lie inside.
@@ -51,6 +52,21 @@ struct SensorFrame {
         return {correction.Row(static_cast<std::int32_t>(rows.At(row))) + cols.At(0), cols.bin};
     }
 };
+
+/// The image with the pels that lie on the correction image made by correctRow(row, its pels, where they go);
+/// the others stay.
+template <class CorrectRow>
+OwnedImage CorrectRows(const ConstImageView& image, const SensorFrame& frame, CorrectRow&& correctRow) {
+    OwnedImage result(image, NewPels::kUnwritten);
+    const ImageView out = result.View();
+    for (std::int32_t row = 0; row < image.rows; ++row) {
+        const Pel* pels = image.Row(row);
+        const std::int32_t covered = row < frame.rows.covered ? frame.cols.covered : 0;
+        if (covered > 0) correctRow(row, pels, out.Row(row));
+        std::copy(pels + covered, pels + image.cols, out.Row(row) + covered);
+    }
+    return result;
+}
 
 /// What every correction by an image of the whole sensor does around its arithmetic: validates and places the
 /// two images and replaces the host's block by correct(image, frame) when that is complete.

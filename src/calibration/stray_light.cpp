@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <cstdint>
 
 #include "calibration/sensor_frame.h"
@@ -39,21 +38,13 @@ Pel WithoutStrayLight(Pel pel, Pel stored, float luxPerGrey, double level) noexc
 }
 
 OwnedImage RemoveStrayLight(const ConstImageView& image, const SensorFrame& frame) {
-    OwnedImage result(image, NewPels::kUnwritten);
-    const ImageView out = result.View();
     const double level = MeanLevel(image, frame);
     const float luxPerGrey = frame.correction.header->LuxPerGrey;
-    for (std::int32_t row = 0; row < image.rows; ++row) {
-        const Pel* pels = image.Row(row);
-        const std::int32_t covered = row < frame.rows.covered ? frame.cols.covered : 0;
-        if (covered > 0) {
-            const CorrectionRow correction = frame.Row(row);
-            for (std::int32_t col = 0; col < covered; ++col)
-                out.At(col, row) = WithoutStrayLight(pels[col], correction[col], luxPerGrey, level);
-        }
-        std::copy(pels + covered, pels + image.cols, out.Row(row) + covered);
-    }
-    return result;
+    return CorrectRows(image, frame, [&](std::int32_t row, const Pel* pels, Pel* out) {
+        const CorrectionRow correction = frame.Row(row);
+        for (std::int32_t col = 0; col < frame.cols.covered; ++col)
+            out[col] = WithoutStrayLight(pels[col], correction[col], luxPerGrey, level);
+    });
 }
 
 }  // namespace

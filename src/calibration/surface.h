@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cmath>
 #include <cstdint>
 #include <memory>
 
@@ -17,6 +18,15 @@ struct SurfaceTile {
     std::int32_t row;
     std::int32_t cols;
     std::int32_t rows;
+
+    /// The middle, and how far from it the pels in the corners lie.
+    double MiddleCol() const noexcept { return col + (cols - 1) / 2.0; }
+    double MiddleRow() const noexcept { return row + (rows - 1) / 2.0; }
+    double Radius() const noexcept {
+        const double halfCols = (cols - 1) / 2.0;
+        const double halfRows = (rows - 1) / 2.0;
+        return std::sqrt(halfCols * halfCols + halfRows * halfRows);
+    }
 };
 
 /// A surface through, or along, scattered points.

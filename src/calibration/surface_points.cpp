@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <compare>
+#include <tuple>
 
 namespace tq {
 namespace {
@@ -35,7 +35,9 @@ struct RoundedPoint {
     double col;
     double value;
 
-    auto operator<=>(const RoundedPoint&) const = default;
+    bool operator<(const RoundedPoint& other) const noexcept {
+        return std::tie(row, col, value) < std::tie(other.row, other.col, other.value);
+    }
 };
 
 }  // namespace
@@ -53,6 +55,7 @@ SurfacePoints PrepareSurfacePoints(std::vector<CalibrationPoint> points) {
     surface.quantum = QuantumOf(points);
     const auto round = [&](float place) { return std::nearbyint(place / surface.quantum) * surface.quantum; };
     std::vector<RoundedPoint> rounded;
+    rounded.reserve(points.size());
     for (const CalibrationPoint& point : points)
         rounded.push_back({round(point.row), round(point.col), point.value});
     // By value as well, so that a mean does not depend on the order in which a host lists its points.

@@ -36,11 +36,11 @@ struct Neighbourhood {
 };
 
 SplineEquations EquationsOf(const SurfacePoints& points, std::span<const std::size_t> chosen) {
-    std::vector<double> x;
-    std::vector<double> y;
-    for (const std::size_t p : chosen) {
-        x.push_back(points.x[p]);
-        y.push_back(points.y[p]);
+    std::vector<double> x(chosen.size());
+    std::vector<double> y(chosen.size());
+    for (std::size_t i = 0; i < chosen.size(); ++i) {
+        x[i] = points.x[chosen[i]];
+        y[i] = points.y[chosen[i]];
     }
     const double x0 = x.front();
     const double y0 = y.front();
@@ -48,6 +48,7 @@ SplineEquations EquationsOf(const SurfacePoints& points, std::span<const std::si
     for (std::size_t i = 0; i < x.size(); ++i)
         extent = std::max({extent, std::abs(x[i] - x0), std::abs(y[i] - y0)});
     std::vector<double> linear(x.size(), 1.0);
+    linear.reserve(3 * x.size());
     for (const double value : x)
         linear.push_back((value - x0) / extent);
     for (const double value : y)

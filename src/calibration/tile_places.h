@@ -13,15 +13,14 @@ class TilePlaces {
   public:
     void MoveTo(const SurfaceTile& tile, const SurfaceFrame& frame) {
         const auto cols = static_cast<std::size_t>(tile.cols);
-        const std::size_t count = cols * static_cast<std::size_t>(tile.rows);
-        x_.resize(count);
-        y_.resize(count);
+        x_.resize(cols * static_cast<std::size_t>(tile.rows));
+        y_.resize(x_.size());
         for (std::size_t i = 0; i < cols; ++i)
             x_[i] = frame.X(tile.col + static_cast<double>(i));
-        for (std::size_t first = 0; first < count; first += cols) {
-            const auto row = static_cast<double>(first / cols);
-            std::copy_n(x_.begin(), cols, x_.begin() + static_cast<std::ptrdiff_t>(first));
-            std::fill_n(y_.begin() + static_cast<std::ptrdiff_t>(first), cols, frame.Y(tile.row + row));
+        for (std::int32_t row = 0; row < tile.rows; ++row) {
+            const std::ptrdiff_t first = static_cast<std::ptrdiff_t>(row) * tile.cols;
+            std::copy_n(x_.begin(), cols, x_.begin() + first);
+            std::fill_n(y_.begin() + first, cols, frame.Y(static_cast<double>(tile.row) + row));
         }
     }
     std::size_t Count() const noexcept { return x_.size(); }

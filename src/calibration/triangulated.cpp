@@ -118,16 +118,18 @@ class TriangulatedSurface final : public Surface {
     }
 
     void Evaluate(const SurfaceTile& tile, double* values) override {
-        const auto cols = static_cast<std::size_t>(tile.cols);
-        known_.assign(cols * static_cast<std::size_t>(tile.rows), 0);
+        known_.assign(static_cast<std::size_t>(tile.cols) * static_cast<std::size_t>(tile.rows), 0);
         for (const Triangle& triangle : triangles_)
             Draw(triangle, tile, values);
         if (std::find(known_.begin(), known_.end(), 0) == known_.end()) return;
         GatherEdges(tile);
-        for (std::size_t i = 0; i < known_.size(); ++i) {
-            if (known_[i] != 0) continue;
-            values[i] = NearestOnHull(tile.col + static_cast<double>(i % cols),
-                                      tile.row + static_cast<double>(i / cols));
+        std::size_t i = 0;
+        for (std::int32_t row = 0; row < tile.rows; ++row) {
+            for (std::int32_t col = 0; col < tile.cols; ++col, ++i) {
+                if (known_[i] != 0) continue;
+                values[i] =
+                    NearestOnHull(static_cast<double>(tile.col) + col, static_cast<double>(tile.row) + row);
+            }
         }
     }
 
@@ -151,17 +153,14 @@ class TriangulatedSurface final : public Surface {
     /// The edges that can be the nearest one of a pel of the tile: with h from the middle to a corner and R
     /// to the edge nearest to the middle, none beyond R + 2 h.
     void GatherEdges(const SurfaceTile& tile) {
-        const double halfCols = (tile.cols - 1) / 2.0;
-        const double halfRows = (tile.rows - 1) / 2.0;
-        const double half = std::sqrt(halfCols * halfCols + halfRows * halfRows);
         double value = 0.0;
         const auto square = [&](const HullEdge& edge) {
-            return edge.SquareTo(tile.col + halfCols, tile.row + halfRows, &value);
+            return edge.SquareTo(tile.MiddleCol(), tile.MiddleRow(), &value);
         };
         double least = std::numeric_limits<double>::infinity();
         for (const HullEdge& edge : hull_)
             least = std::min(least, square(edge));
-        const double reach = (std::sqrt(least) + 2.0 * half) * (1.0 + 1e-9);
+        const double reach = (std::sqrt(least) + 2.0 * tile.Radius()) * (1.0 + 1e-9);
         near_.clear();
         std::copy_if(hull_.begin(), hull_.end(), std::back_inserter(near_),
                      [&](const HullEdge& edge) { return square(edge) <= reach * reach; });

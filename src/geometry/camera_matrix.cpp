@@ -1,6 +1,5 @@
 #include "geometry/camera_matrix.h"
 
-#include <cmath>
 #include <cstddef>
 
 #include "geometry/linear_system.h"
@@ -27,32 +26,9 @@ class NormalEquations {
     LinearSystem<kUnknowns> system_{};
 };
 
-/// Moves the places seen to the origin and their mean distance to sqrt(2).
-struct Scaling {
-    double col = 0.0, row = 0.0, scale = 0.0;
-
-    explicit Scaling(std::span<const Sighting> sightings) noexcept {
-        const auto count = static_cast<double>(sightings.size());
-        for (const Sighting& s : sightings) {
-            col += s.seen.col / count;
-            row += s.seen.row / count;
-        }
-        double distance = 0.0;
-        for (const Sighting& s : sightings) {
-            const double c = s.seen.col - col;
-            const double r = s.seen.row - row;
-            distance += std::sqrt(c * c + r * r) / count;
-        }
-        scale = std::sqrt(2.0) / distance;
-    }
-    PlanePoint operator()(const PlanePoint& p) const noexcept {
-        return {(p.col - col) * scale, (p.row - row) * scale};
-    }
-};
-
 /// One step from `camera`: with weights of 1 and no camera the direct linear transformation, with the weights
 /// of the last camera the step of Gauss and Newton, for which `camera` is where the places are compared.
-bool Step(std::span<const Sighting> sightings, const Scaling& scaling, CameraMatrix& camera,
+bool Step(std::span<const Sighting> sightings, const Normalisation& scaling, CameraMatrix& camera,
           bool first) noexcept {
     NormalEquations equations;
     for (const Sighting& s : sightings) {
@@ -88,7 +64,7 @@ double CameraRow(const CameraMatrix& camera, std::size_t row, const std::array<d
 }
 
 std::optional<CameraMatrix> Resect(std::span<const Sighting> sightings) noexcept {
-    const Scaling scaling(sightings);
+    const Normalisation scaling(sightings, &Sighting::seen);
     CameraMatrix camera{};
     // Twelve equations for eleven unknowns: the direct solution is so near that a few steps are plenty.
     constexpr int kSteps = 8;

@@ -2,11 +2,12 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <numbers>
 #include <optional>
-#include <utility>
 
 #include "core/guard.h"
 #include "core/image_view.h"
+#include "core/out_value.h"
 #include "core/portable_math.h"
 #include "geometry/camera_matrix.h"
 #include "geometry/distortion_map.h"
@@ -20,7 +21,7 @@ constexpr std::int32_t kBadShape = -2;
 constexpr std::int32_t kDegenerate = -3;
 constexpr std::int32_t kNoMemory = -4;
 
-constexpr double kHalfPi = 1.57079632679489661923;
+constexpr double kHalfPi = 0.5 * std::numbers::pi;
 
 /// A part of a cylinder of radius 1, in units in which its chord and height go from -1 to 1 and its bulge
 /// from 0 to 1: however flat the screen is, the equations of the camera stay balanced.
@@ -68,10 +69,6 @@ PlanePoint Place(const CameraMatrix& camera, const std::array<double, 3>& point)
     return {CameraRow(camera, 0, point, 1.0) / weight, CameraRow(camera, 1, point, 1.0) / weight};
 }
 
-double Distance(const PlanePoint& a, const PlanePoint& b) noexcept {
-    return std::sqrt((a.col - b.col) * (a.col - b.col) + (a.row - b.row) * (a.row - b.row));
-}
-
 double RootMeanSquare(const CameraMatrix& camera, const Marks& marks) noexcept {
     double sum = 0.0;
     for (const Sighting& mark : marks) {
@@ -110,7 +107,7 @@ OwnedMap MapOf(const CameraMatrix& camera, const CylinderScreen& screen, const U
         const double sine = portable::Sin(angle);
         const double cosine = portable::Cos(angle);
         const bool seen =
-            std::abs(angle) <= 2.0 * kHalfPi && Facing(camera, screen, sine, cosine) * front > 0.0;
+            std::abs(angle) <= std::numbers::pi && Facing(camera, screen, sine, cosine) * front > 0.0;
         for (std::int32_t row = 0; row < rows; ++row) {
             const auto point = screen.PointAt(sine, cosine, (unrolled.middle.row - row) * unrolled.radians);
             const bool before = seen && CameraRow(camera, 2, point, 1.0) > 0.0;
@@ -141,9 +138,11 @@ std::int32_t TQ_CALL tqCalcCylinderKeyStone(TqDistortionMap** map, const TqImage
         const CylinderScreen screen(halfAngle, heightOverRadius);
         const Unrolled unrolled{Place(*camera, screen.PointAt(0.0, 1.0, 0.0)), 2.0 * halfAngle / length};
         const double error = RootMeanSquare(*camera, marks);
-        if (!std::isfinite(error) || !std::isfinite(unrolled.radians)) return kDegenerate;
+        // A screen so flat that its bulge is lost in the roundings has no middle.
+        const double finite = error + unrolled.radians + unrolled.middle.col + unrolled.middle.row;
+        if (!std::isfinite(finite)) return kDegenerate;
         CommitMap(map, MapOf(*camera, screen, unrolled, view.cols, view.rows));
-        if (rms != nullptr) *rms = error;
+        StoreIfAsked(rms, error);
         return 0;
     });
 }

@@ -3,39 +3,20 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <functional>
 
 #include "geometry/linear_system.h"
 
 namespace tq {
 namespace {
 
-/// Similarity that takes the centre of four points to the origin and their mean distance to sqrt(2), without
-/// which the equations of a homography mix numbers of very different size (Hartley 1997).
-struct Normalisation {
-    double col = 0.0;
-    double row = 0.0;
-    double scale = 0.0;
+Homography Forward(const Normalisation& n) noexcept {
+    return Homography({n.scale, 0.0, -n.col * n.scale, 0.0, n.scale, -n.row * n.scale, 0.0, 0.0, 1.0});
+}
 
-    explicit Normalisation(const Quadrilateral& points) noexcept {
-        for (const PlanePoint& p : points) {
-            col += p.col / 4.0;
-            row += p.row / 4.0;
-        }
-        double distance = 0.0;
-        for (const PlanePoint& p : points)
-            distance += std::sqrt((p.col - col) * (p.col - col) + (p.row - row) * (p.row - row)) / 4.0;
-        scale = std::sqrt(2.0) / distance;
-    }
-    PlanePoint operator()(const PlanePoint& p) const noexcept {
-        return {(p.col - col) * scale, (p.row - row) * scale};
-    }
-    Homography Forward() const noexcept {
-        return Homography({scale, 0.0, -col * scale, 0.0, scale, -row * scale, 0.0, 0.0, 1.0});
-    }
-    Homography Backward() const noexcept {
-        return Homography({1.0 / scale, 0.0, col, 0.0, 1.0 / scale, row, 0.0, 0.0, 1.0});
-    }
-};
+Homography Backward(const Normalisation& n) noexcept {
+    return Homography({1.0 / n.scale, 0.0, n.col, 0.0, 1.0 / n.scale, n.row, 0.0, 0.0, 1.0});
+}
 
 double Length(double a, double b, double c) noexcept {
     return std::sqrt(a * a + b * b + c * c);
@@ -44,8 +25,8 @@ double Length(double a, double b, double c) noexcept {
 }  // namespace
 
 std::optional<Homography> Homography::Between(const Quadrilateral& from, const Quadrilateral& to) {
-    const Normalisation before(from);
-    const Normalisation after(to);
+    const Normalisation before(from, std::identity{});
+    const Normalisation after(to, std::identity{});
     LinearSystem<8> system;
     for (std::size_t i = 0; i < from.size(); ++i) {
         const auto [x, y] = before(from[i]);
@@ -58,7 +39,7 @@ std::optional<Homography> Homography::Between(const Quadrilateral& from, const Q
     std::array<double, 8> h{};
     if (!Solve(system, h)) return std::nullopt;
     const Homography normalised({h[0], h[1], h[2], h[3], h[4], h[5], h[6], h[7], 1.0});
-    return before.Forward().Then(normalised).Then(after.Backward());
+    return Forward(before).Then(normalised).Then(Backward(after));
 }
 
 Homography::Slopes Homography::SlopesAt(double col, double row) const noexcept {

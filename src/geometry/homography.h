@@ -1,6 +1,8 @@
 #pragma once
 
 #include <array>
+#include <cmath>
+#include <functional>
 #include <optional>
 
 namespace tq {
@@ -9,6 +11,36 @@ namespace tq {
 struct PlanePoint {
     double col;
     double row;
+};
+
+inline double Distance(const PlanePoint& a, const PlanePoint& b) noexcept {
+    return std::sqrt((a.col - b.col) * (a.col - b.col) + (a.row - b.row) * (a.row - b.row));
+}
+
+/// The similarity that takes the centre of some places to the origin and their mean distance from it to
+/// sqrt(2), without which equations for them mix numbers of very different size (Hartley 1997).
+struct Normalisation {
+    double col = 0.0;
+    double row = 0.0;
+    double scale = 0.0;
+
+    /// `placeOf` is a function of the items, or a member of theirs.
+    template <class Items, class PlaceOf>
+    Normalisation(const Items& items, PlaceOf&& placeOf) noexcept {
+        const auto count = static_cast<double>(items.size());
+        for (const auto& item : items) {
+            const PlanePoint& p = std::invoke(placeOf, item);
+            col += p.col / count;
+            row += p.row / count;
+        }
+        double distance = 0.0;
+        for (const auto& item : items)
+            distance += Distance(std::invoke(placeOf, item), {col, row}) / count;
+        scale = std::sqrt(2.0) / distance;
+    }
+    PlanePoint operator()(const PlanePoint& p) const noexcept {
+        return {(p.col - col) * scale, (p.row - row) * scale};
+    }
 };
 
 /// Corners in the order top left, top right, bottom right, bottom left.

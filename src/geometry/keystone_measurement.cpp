@@ -1,11 +1,10 @@
-#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <utility>
 
 #include "core/guard.h"
 #include "core/image_view.h"
+#include "core/out_value.h"
 #include "geometry/distortion_map.h"
 #include "geometry/homography.h"
 #include "geometry/quadrilateral.h"
@@ -20,18 +19,14 @@ constexpr std::int32_t kNotConvex = -3;
 constexpr std::int32_t kNoMemory = -4;
 constexpr std::int32_t kNothingLit = -99;
 
-double Length(const PlanePoint& a, const PlanePoint& b) noexcept {
-    return std::sqrt((b.col - a.col) * (b.col - a.col) + (b.row - a.row) * (b.row - a.row));
-}
-
 struct Sides {
     double top, right, bottom, left;
 
     explicit Sides(const Quadrilateral& q) noexcept
-        : top(Length(q[0], q[1])),
-          right(Length(q[1], q[2])),
-          bottom(Length(q[2], q[3])),
-          left(Length(q[3], q[0])) {}
+        : top(Distance(q[0], q[1])),
+          right(Distance(q[1], q[2])),
+          bottom(Distance(q[2], q[3])),
+          left(Distance(q[3], q[0])) {}
 };
 
 double PercentOfSum(double a, double b) noexcept {
@@ -89,8 +84,8 @@ void WriteResults(const Quadrilateral& seen, double* corners, double* horizontal
         corners[2 * i + 1] = seen[i].row;
     }
     const Sides sides(seen);
-    if (horizontal != nullptr) *horizontal = PercentOfSum(sides.left, sides.right);
-    if (vertical != nullptr) *vertical = PercentOfSum(sides.top, sides.bottom);
+    StoreIfAsked(horizontal, PercentOfSum(sides.left, sides.right));
+    StoreIfAsked(vertical, PercentOfSum(sides.top, sides.bottom));
 }
 
 }  // namespace
@@ -115,8 +110,7 @@ std::int32_t TQ_CALL tqCalcKeyStone(TqDistortionMap** map, const TqImage* image,
         const Quadrilateral upright = Upright(seen);
         const std::optional<Homography> toSource = Homography::Between(upright, seen);
         if (!toSource) return kNotConvex;
-        OwnedMap result = MapOf(*toSource, Middle(seen), view.cols, view.rows);
-        CommitMap(map, std::move(result));
+        CommitMap(map, MapOf(*toSource, Middle(seen), view.cols, view.rows));
         WriteResults(seen, corners, horizontal, vertical);
         return 0;
     });

@@ -1,6 +1,5 @@
-#include <array>
-#include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <utility>
 
 #include "core/guard.h"
@@ -61,9 +60,9 @@ std::int32_t TurnMap(TqDistortionMap** map, Turn turn) noexcept {
     });
 }
 
-/// Modes 1, 2 and 3; every other one leaves even a missing map alone.
-std::int32_t TurnByMode(TqDistortionMap** map, std::int32_t mode, const std::array<Turn, 3>& turns) noexcept {
-    return mode >= 1 && mode <= 3 ? TurnMap(map, turns[static_cast<std::size_t>(mode - 1)]) : 0;
+/// Without a turn even a missing map is left alone.
+std::int32_t TurnIfAny(TqDistortionMap** map, std::optional<Turn> turn) noexcept {
+    return turn ? TurnMap(map, *turn) : 0;
 }
 
 }  // namespace
@@ -76,12 +75,11 @@ std::int32_t TQ_CALL tqMirrorKeystone(TqDistortionMap** map) {
 }
 
 std::int32_t TQ_CALL tqTransposeKeystone(TqDistortionMap** map, std::int32_t mode) {
-    return TurnByMode(map, mode, {Turn::kLeft, Turn::kRight, Turn::kFlip});
+    return TurnIfAny(map, TurnOfMode(mode, false));
 }
 
 std::int32_t TQ_CALL tqMirrorTransposeKeystone(TqDistortionMap** map, std::int32_t mirror,
                                                std::int32_t mode) {
-    if (mirror == 0) return TurnByMode(map, mode, {Turn::kLeft, Turn::kRight, Turn::kFlip});
-    if (mode == 0) return TurnMap(map, Turn::kMirror);
-    return TurnByMode(map, mode, {Turn::kMainDiagonal, Turn::kAntiDiagonal, Turn::kHalf});
+    if (mode == 0 && mirror != 0) return TurnMap(map, Turn::kMirror);
+    return TurnIfAny(map, TurnOfMode(mode, mirror != 0));
 }

@@ -16,21 +16,6 @@ constexpr std::int32_t kOk = 0;
 constexpr std::int32_t kInvalidImage = -1;
 constexpr std::int32_t kNoMemory = -2;
 
-/// The host's modes: 1 and 2 are quarter turns, 3 turns the picture upside down. Mirrored first they become
-/// the diagonals and the half turn.
-std::optional<Turn> TurnOfMode(std::int32_t mode, bool mirrored) noexcept {
-    switch (mode) {
-        case 1:
-            return mirrored ? Turn::kMainDiagonal : Turn::kLeft;
-        case 2:
-            return mirrored ? Turn::kAntiDiagonal : Turn::kRight;
-        case 3:
-            return mirrored ? Turn::kHalf : Turn::kFlip;
-        default:
-            return std::nullopt;
-    }
-}
-
 OwnedImage TurnImage(const ConstImageView& source, Turn turn) {
     const bool exchanged = ExchangesAxes(turn);
     OwnedImage result = MakeSized(source, exchanged ? source.rows : source.cols,

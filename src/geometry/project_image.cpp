@@ -11,6 +11,7 @@
 #include "geometry/bilinear.h"
 #include "geometry/distortion_map.h"
 #include "geometry/projection_model.h"
+#include "geometry/sized_image.h"
 #include "tqimage/projection.h"
 
 namespace tq {
@@ -111,16 +112,12 @@ std::int32_t TQ_CALL tqProjectImage(TqImage** image, const TqProjection* project
     if (projection == nullptr || !IsProjection(*projection)) return kNotPositive;
     const std::int32_t cols = TruncToInt32(projection->Cols);
     const std::int32_t rows = TruncToInt32(projection->Rows);
-    if (!IsValidSide(cols) || !IsValidSide(rows)) return kNoResult;
     return Guarded(kNoResult, [&] {
-        OwnedImage result(cols, rows, NewPels::kUnwritten);
+        OwnedImage result = MakeSized(source, cols, rows, NewPels::kUnwritten);
         if (!Fill(source, View(*projection, LocateMap(map), cols, rows), result.View())) {
             return kNothingVisible;
         }
         TqImageHeader& header = result.Header();
-        header = *source.header;
-        header.PelCols = cols;
-        header.PelRows = rows;
         header.PelsPerMeterX = static_cast<float>(projection->PelsPerMeterX);
         header.PelsPerMeterY = static_cast<float>(projection->PelsPerMeterY);
         header.CenterCol = static_cast<float>(projection->CenterCol);

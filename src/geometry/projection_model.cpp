@@ -2,13 +2,14 @@
 
 #include <cmath>
 #include <cstddef>
+#include <numbers>
 
 #include "core/portable_math.h"
 
 namespace tq {
 namespace {
 
-constexpr double kPi = 3.14159265358979323846;
+constexpr double kPi = std::numbers::pi;
 constexpr double kRadiansPerDegree = kPi / 180.0;
 
 double Dot(const Vector& a, const Vector& b) noexcept {

@@ -98,6 +98,5 @@ std::int32_t TQ_CALL tqUnBinImage(TqImage** image, std::int32_t binCols, std::in
     const Expansion rows{binned.header->BinRows, std::max(binRows, 1)};
     // Also an image whose own factor is below 1: no factor is finer than that.
     if (cols.to > cols.from || rows.to > rows.from) return kFactorTooLarge;
-    return ReplaceImage(image, kInvalidImage, kNoMemory,
-                        [&](const ConstImageView& source) { return Expand(source, cols, rows); });
+    return ReplaceImage(image, kNoMemory, [&] { return Expand(binned, cols, rows); });
 }

@@ -149,9 +149,8 @@ std::int32_t SmoothHostImage(TqImage** image, const TqImage* labels, MakeWindows
     if (!pels || !segments || !SameSize(pels, segments)) return kInvalidImage;
     const Windows windows = makeWindows(pels.cols, pels.rows);
     if (windows.average.IsOnePel()) return kOk;
-    return ReplaceImage(image, kInvalidImage, kNoMemory, [&](const ConstImageView& source) {
-        return SmoothSeams(source, segments, windows.detect, windows.average);
-    });
+    return ReplaceImage(image, kNoMemory,
+                        [&] { return SmoothSeams(pels, segments, windows.detect, windows.average); });
 }
 
 /// Unlike the other sides this one is not raised to 1: with no columns to average, hosts cut the seams out.

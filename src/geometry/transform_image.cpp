@@ -4,13 +4,13 @@
 #include <cstdint>
 #include <optional>
 
-#include "core/guard.h"
 #include "core/image_block.h"
 #include "core/image_view.h"
 #include "core/numerics.h"
 #include "core/replaced_image.h"
 #include "geometry/homography.h"
 #include "geometry/resampler.h"
+#include "geometry/sized_image.h"
 #include "tqimage/transform.h"
 
 namespace tq {
@@ -69,10 +69,7 @@ void MoveAxis(const Homography& toSource, const Homography& toResult, TqImageHea
 
 OwnedImage Transform(const ConstImageView& image, const Homography& toSource, const Homography& toResult,
                      std::int32_t cols, std::int32_t rows, std::int32_t kernel, Pel fill) {
-    OwnedImage result(cols, rows, NewPels::kUnwritten);
-    result.Header() = *image.header;
-    result.Header().PelCols = cols;
-    result.Header().PelRows = rows;
+    OwnedImage result = MakeSized(image, cols, rows, NewPels::kUnwritten);
     MoveAxis(toSource, toResult, result.Header());
     const auto resample = kernel == kNearest    ? Resample<NearestKernel>
                           : kernel == kBilinear ? Resample<BilinearKernel>
@@ -100,9 +97,7 @@ std::int32_t TQ_CALL tqTransformImage(TqImage** image, const double* matrix, std
     const std::int32_t newRows = rows == 0 ? source.rows : rows;
     if (!IsValidSide(newCols) || !IsValidSide(newRows)) return kNoResult;
     if (kernel < kNearest || kernel > kCubic) return kUnknownKernel;
-    return Guarded(kNoResult, [&] {
-        CommitImage(image,
-                    Transform(source, toSource, *toResult, newCols, newRows, kernel, ClampToPel(fill)));
-        return 0;
+    return ReplaceImage(image, kNoResult, [&] {
+        return Transform(source, toSource, *toResult, newCols, newRows, kernel, ClampToPel(fill));
     });
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 
 #include "kernels/transpose.h"
 
@@ -18,6 +19,21 @@ enum class Turn {
     kMainDiagonal,  ///< rows become columns
     kAntiDiagonal,  ///< the same about the other diagonal
 };
+
+/// The host's modes: 1 and 2 are quarter turns, 3 turns the picture upside down. Mirrored first they become
+/// the diagonals and the half turn. Every other mode is none.
+constexpr std::optional<Turn> TurnOfMode(std::int32_t mode, bool mirrored) noexcept {
+    switch (mode) {
+        case 1:
+            return mirrored ? Turn::kMainDiagonal : Turn::kLeft;
+        case 2:
+            return mirrored ? Turn::kAntiDiagonal : Turn::kRight;
+        case 3:
+            return mirrored ? Turn::kHalf : Turn::kFlip;
+        default:
+            return std::nullopt;
+    }
+}
 
 /// True when the result has as many columns as the source has rows.
 constexpr bool ExchangesAxes(Turn turn) noexcept {

@@ -27,25 +27,19 @@ Corners ClipRect(const Map& map, const TqImageHeader& info, std::int32_t status 
 Corners EveryRectangle(const Map& map, std::int32_t cols, std::int32_t rows) {
     Corners best{-1, -1, -1, -1};
     std::int32_t area = 0;
-    const auto clear = [&](const Corners& rect) {
-        const auto [left, top, right, bottom] = rect;
-        for (std::int32_t r = top; r <= bottom; ++r) {
-            for (std::int32_t c = left; c <= right; ++c) {
-                if (map.Entry(c, r)[0] < 0.0f) return false;
-            }
-        }
-        return true;
-    };
-    for (std::int32_t top = 0; top < rows; ++top) {
-        for (std::int32_t left = 0; left < cols; ++left) {
-            for (std::int32_t bottom = top; bottom < rows; ++bottom) {
-                for (std::int32_t right = left; right < cols; ++right) {
-                    const std::int32_t here = (right - left + 1) * (bottom - top + 1);
-                    if (here <= area || !clear({left, top, right, bottom})) continue;
-                    area = here;
-                    best = {left, top, right, bottom};
-                }
-            }
+    for (std::int32_t first = 0; first < cols * rows; ++first) {
+        const std::int32_t left = first % cols, top = first / cols;
+        // Downward, to where each row narrows what the rows above left clear.
+        std::int32_t end = cols;
+        for (std::int32_t bottom = top; bottom < rows; ++bottom) {
+            std::int32_t clear = left;
+            while (clear < end && map.Entry(clear, bottom)[0] >= 0.0f)
+                ++clear;
+            end = clear;
+            const std::int32_t here = (end - left) * (bottom - top + 1);
+            if (here <= area) continue;
+            area = here;
+            best = {left, top, end - 1, bottom};
         }
     }
     return best;
@@ -90,14 +84,14 @@ TEST(CameraClipRect, InsideMeansTheUnbinnedImage) {
 
 TEST(CameraClipRect, RefusesWhatCannotBeSearched) {
     const Corners nowhere{-1, -1, -1, -1};
-    const Map map(4, 4), nothing, empty(0, 4);
+    const Map map(4, 4);
     std::int32_t left = 7, top = 7, right = 7, bottom = 7;
     EXPECT_EQ(tqCalcCameraClipRect(map, nullptr, &left, &top, &right, &bottom), -1);
     EXPECT_EQ(Corners(left, top, right, bottom), nowhere);
     EXPECT_EQ(ClipRect(map, DefaultHeader(0, 4), -1), nowhere);
     EXPECT_EQ(ClipRect(map, DefaultHeader(4, 8001), -1), nowhere);
-    EXPECT_EQ(ClipRect(nothing, DefaultHeader(4, 4), -2), nowhere);
-    EXPECT_EQ(ClipRect(empty, DefaultHeader(4, 4), -99), nowhere);
+    EXPECT_EQ(ClipRect(Map(), DefaultHeader(4, 4), -2), nowhere);
+    EXPECT_EQ(ClipRect(Map(0, 4), DefaultHeader(4, 4), -99), nowhere);
 }
 
 }  // namespace

@@ -125,13 +125,13 @@ TEST(CalcCylinderKeyStone, RefusesWhatIsNoScreen) {
         EXPECT_EQ(status(marks, angle, 0.8), -2) << angle;
     for (const double height : {0.0, -1.0, kNan})
         EXPECT_EQ(status(marks, 0.5, height), -2) << height;
-    Points bad = marks;
+    Points bad = marks, unlimited = marks;
     bad[3] = kNan;
-    EXPECT_EQ(status(bad, 0.5, 0.8), -3);
-    bad[3] = std::numeric_limits<double>::infinity();
-    EXPECT_EQ(status(bad, 0.5, 0.8), -3);
-    EXPECT_EQ(status(Points{}, 0.5, 0.8), -3);
-    EXPECT_EQ(status({0, 0, 1, 1, 2, 2, 3, 3, 4, 4, 5, 5}, 0.5, 0.8), -3) << "all on a line";
+    unlimited[3] = std::numeric_limits<double>::infinity();
+    const Points onALine{0, 0, 1, 1, 2, 2, 3, 3, 4, 4, 5, 5};
+    for (const Points& points : {bad, unlimited, onALine, Points{}})
+        EXPECT_EQ(status(points, 0.5, 0.8), -3);
+    EXPECT_EQ(status(marks, 1e-9, 0.8), -3) << "the cosine of such an angle is 1";
     EXPECT_EQ(tqCalcCylinderKeyStone(nullptr, image, marks.data(), 0.5, 0.8, nullptr), -1);
     EXPECT_EQ(tqCalcCylinderKeyStone(map.Address(), nullptr, marks.data(), 0.5, 0.8, nullptr), -1);
     EXPECT_EQ(tqCalcCylinderKeyStone(map.Address(), image, nullptr, 0.5, 0.8, nullptr), -1);

