@@ -95,19 +95,5 @@ TEST(AverageColour, WhiteOfSrgbIsD65) {
     EXPECT_NEAR(it[1], 40000.0, 1e-2);
 }
 
-TEST(AverageColour, Codes) {
-    float x = 7, y = 7, z = 7;
-    ExpectChannelCodes({-2, -3, -4, -5, -6}, [&](auto a, auto b, auto c) {
-        return tqCalcAverageColorValues(a, b, c, 0, 1, 0, 0, 0, 1, 0, 0, 0, 1, 0, nullptr, nullptr, nullptr);
-    });
-    ExpectChannelCodes({-2, -3, -4, -5, -6}, [&](auto a, auto b, auto c) {
-        return tqCalcAverageColorValuesInRegion(a, b, c, 0, 1, 0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0, 0, 0, nullptr,
-                                                nullptr, nullptr);
-    });
-    const Image good(3, 3);
-    EXPECT_EQ(tqCalcAverageColorValues(good, good, nullptr, 0, 1, 0, 0, 0, 1, 0, 0, 0, 1, 0, &x, &y, &z), -2);
-    EXPECT_EQ(x + y + z, 21);
-}
-
 }  // namespace
 }  // namespace tqtest

@@ -14,13 +14,8 @@ constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
 std::array<double, 7> FiguresOf(const Triple& xyz) {
     const double sum = xyz[0] + xyz[1] + xyz[2], d = xyz[0] + 15 * xyz[1] + 3 * xyz[2];
     const auto over = [](double a, double b) { return b == 0 ? 0 : a / b; };
-    return {xyz[0],
-            xyz[1],
-            xyz[2],
-            over(xyz[0], sum),
-            over(xyz[1], sum),
-            over(4 * xyz[0], d),
-            over(9 * xyz[1], d)};
+    const auto [x, y, z] = xyz;
+    return {x, y, z, over(x, sum), over(y, sum), over(4 * x, d), over(9 * y, d)};
 }
 
 using Limits = std::array<float, 6>;
@@ -84,10 +79,6 @@ TEST(ColourHistograms, CountWhatLiesWithinTheLimits) {
 TEST(ColourHistograms, Codes) {
     const Limits good{0, 1, 0, 1, 0, 1};
     HostArray array;
-    ExpectChannelCodes({-2, -3, -4, -5, -6}, [&](auto a, auto b, auto c) {
-        return tqGetColorHistograms(array.Address(), a, b, c, 0, 0, 0, 0, 0, 0, 4, good.data(), 1, 0, 0, 0, 1,
-                                    0, 0, 0, 1);
-    });
     const ChannelSet set = NoiseChannels(5, 5, 1);
     const auto call = [&](SAFEARRAY** out, int space, int bins, const float* limits) {
         return Histograms(out, set, space, 0, {0, 0, 0, 0}, bins, limits, kIdentity);
@@ -103,12 +94,9 @@ TEST(ColourHistograms, Codes) {
             EXPECT_EQ(call(array.Address(), 0, 4, limits.data()), -7);
         }
     }
+    ASSERT_EQ(call(array.Address(), 0, 4, good.data()), 0);
     ASSERT_EQ(SafeArrayLock(array.Get()), S_OK);
     EXPECT_EQ(call(array.Address(), 0, 4, good.data()), -8);
-    if (!CanFailAllocations()) return;
-    SAFEARRAY* out = nullptr;
-    const AllocationFailure failing(1);
-    EXPECT_EQ(call(&out, 0, 4, good.data()), -9);
 }
 
 std::int32_t Arrays(SAFEARRAY** results, SAFEARRAY** regions, const ChannelSet& set, int useLux,
@@ -154,10 +142,6 @@ TEST(ColourArrays, EachRecordIsABlockOrAnEllipse) {
 
 TEST(ColourArrays, Codes) {
     HostArray good = MakeRecords({{0, 5, 6, 3, 4}}), results;
-    ExpectChannelCodes({-2, -3, -4, -5, -6}, [&](auto a, auto b, auto c) {
-        return tqGetColorArraysDefined(results.Address(), good.Address(), a, b, c, 0, 1, 0, 0, 0, 1, 0, 0, 0,
-                                       1);
-    });
     const ChannelSet set = NoiseChannels(5, 5, 1);
     const auto call = [&](HostArray& list) {
         return Arrays(results.Address(), list.Address(), set, 0, kIdentity);
@@ -175,13 +159,6 @@ TEST(ColourArrays, Codes) {
     ASSERT_EQ(call(good), 0);
     ASSERT_EQ(SafeArrayLock(results.Get()), S_OK);
     EXPECT_EQ(call(good), -7);
-    if (!CanFailAllocations()) return;
-    SAFEARRAY* out = nullptr;
-    for (int nth = 1; nth <= 4; ++nth) {  // the records, the figures, the array and its data
-        const AllocationFailure failing(nth);
-        EXPECT_EQ(Arrays(&out, good.Address(), set, 0, kIdentity), -8);
-        EXPECT_EQ(out, nullptr);
-    }
 }
 
 }  // namespace

@@ -9,9 +9,8 @@
 #include "images.h"
 #include "tqimage/plots.h"
 
+namespace tqtest {
 namespace {
-
-using namespace tqtest;
 
 constexpr double kGap = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
@@ -122,3 +121,4 @@ TEST(Graph, PolarCurveGoesAroundFromTheRight) {
 }
 
 }  // namespace
+}  // namespace tqtest
