@@ -21,12 +21,11 @@ struct Style {
 };
 
 std::int32_t Show(TqLeadBitmap* bitmap, const Images& images, const Style& style, int equalise = 0) {
-    return WithMatrix(
-        [&](auto... k) {
-            return tqTransformXYZtoRGB2(images[0], images[1], images[2], bitmap, k..., style.white,
-                                        style.gamma, style.gamut, equalise);
-        },
-        kToSrgb);
+    const auto call = [&](auto... k) {
+        return tqTransformXYZtoRGB2(images[0], images[1], images[2], bitmap, k..., style.white, style.gamma,
+                                    style.gamut, equalise);
+    };
+    return WithMatrix(call, kToSrgb);
 }
 
 /// One pixel as the definition has it.
