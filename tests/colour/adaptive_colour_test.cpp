@@ -19,11 +19,6 @@ struct Tables {
 
     std::int32_t Count() const { return static_cast<std::int32_t>(chroma.size() / 2); }
     Uv At(std::size_t k) const { return {double(chroma[2 * k]), double(chroma[2 * k + 1])}; }
-    Matrix MatrixAt(std::size_t k) const {
-        Matrix m;
-        std::copy_n(matrices.begin() + static_cast<std::ptrdiff_t>(9 * k), 9, m.begin());
-        return m;
-    }
 };
 
 Tables MakeTables(const std::vector<Matrix>& matrices, const std::vector<float>& chroma) {
@@ -59,67 +54,41 @@ Triple ValuesAt(const ChannelSet& set, std::size_t i) {
 }
 
 TEST(AdaptiveColour, NearCalibrationsWeighMore) {
-    // u' = 16 / 64 and v' = 36 / 64: 0.1 below it a matrix of 1, 0.2 to its right one of 2.
-    const ChannelSet set = UniformChannels(1, 1, {40000, 40000, 0});
-    const Tables tables =
-        MakeTables({kIdentity, Matrix{2, 0, 0, 0, 2, 0, 0, 0, 2}}, {0.25f, 0.4625f, 0.45f, 0.5625f});
+    // u' = 16 / 64 and v' = 36 / 64: 0.1 below it a matrix of 1, 0.2 to its right one of 2, which makes Z
+    // negative.
+    ChannelSet set = UniformChannels(2, 1, {40000, 40000, 0});
+    set.images[1].Header().LuxPerGrey = set.images[0].Header().LuxPerGrey = 0.5f;
+    Tables tables = MakeTables({kIdentity, {2, 0, 0, 0, 2, 0, -1, 0, 0}}, {0.25f, 0.4625f, 0.45f, 0.5625f});
     constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
-    const struct {
-        float power;
-        double factor;
-    } cases[] = {{2, 0.8 + 2 * 0.2},     {0, 1.2}, {-3, 1.2}, {kNan, 1.2}, {1, 4.0 / 3.0},
-                 {3, 8.0 / 9 + 2.0 / 9}, {2000, 1}};
-    for (const auto& [power, factor] : cases) {
+    constexpr float kInfinity = std::numeric_limits<float>::infinity();
+    for (const auto& [power, counted] : {std::pair{2.0f, 2.0},
+                                         {0.0f, 2.0},
+                                         {-3.0f, 2.0},
+                                         {kNan, 2.0},
+                                         {1.0f, 1.0},
+                                         {3.7f, 3.7},
+                                         {0.01f, 0.01},
+                                         {200.0f, 200.0},
+                                         {kInfinity, 1000.0}}) {
         const Planes out = Adapt(set, kIdentity, tables, power);
-        EXPECT_EQ(out[1](0, 0), 65000);
-        EXPECT_NEAR(double(out[1].Header().LuxPerGrey) * 65000, 40000 * factor, 0.01) << power;
+        // Twice the distance is a weight of 2^-p.
+        const double weight = std::pow(2.0, -counted), factor = (1 + 2 * weight) / (1 + weight);
+        EXPECT_EQ(out[1].Values(), (std::vector<std::uint16_t>{65000, 65000}));
+        EXPECT_EQ(out[2].Values(), (std::vector<std::uint16_t>{0, 0}));
+        TqImageHeader header = set.images[1].Header();
+        header.LuxPerGrey = out[1].Header().LuxPerGrey;
+        EXPECT_TRUE(SameHeader(header, out[1].Header()));
+        EXPECT_NEAR(double(header.LuxPerGrey) * 65000, 20000 * factor, 0.005) << power;
     }
-}
-
-TEST(AdaptiveColour, BlendsTheMatricesByDistance) {
-    const ChannelSet set = NoiseChannels(61, 23, 7);
-    Tables tables = FourTables();
-    // The colour of pel 5 is a calibration: its matrix has the word alone.
-    const Uv own = UvOf(Multiply(kSrgb, ValuesAt(set, 5)));
-    tables.chroma[6] = static_cast<float>(own.u);
-    tables.chroma[7] = static_cast<float>(own.v);
-    for (const float power : {2.0f, 1.0f, 3.7f, 0.01f, 200.0f}) {
-        const Planes out = Adapt(set, kSrgb, tables, power);
-        std::array<std::vector<double>, 3> expected;
-        for (std::size_t i = 0; i < set.images[0].Count(); ++i) {
-            const Triple value = ValuesAt(set, i);
-            const Uv at = UvOf(Multiply(kSrgb, value));
-            double distance[4], nearest = 1e9;
-            for (std::size_t k = 0; k < 4; ++k)
-                nearest = std::min(nearest, distance[k] = Distance(at, tables.At(k)));
-            Triple sum{};
-            double total = 0;
-            for (std::size_t k = 0; k < 4; ++k) {
-                const double weight =
-                    nearest < 1e-6 ? distance[k] == nearest : std::pow(nearest / distance[k], double(power));
-                const Triple part = Multiply(tables.MatrixAt(k), value);
-                for (std::size_t c = 0; c < 3; ++c)
-                    sum[c] += weight * part[c];
-                total += weight;
-            }
-            for (std::size_t c = 0; c < 3; ++c)
-                expected[c].push_back(sum[c] / total);
-        }
-        for (std::size_t c = 0; c < 3; ++c) {
-            const double largest = *std::max_element(expected[c].begin(), expected[c].end());
-            TqImageHeader header = set.images[c].Header();
-            header.LuxPerGrey = out[c].Header().LuxPerGrey;
-            EXPECT_TRUE(SameHeader(header, out[c].Header()));
-            EXPECT_FLOAT_EQ(header.LuxPerGrey, static_cast<float>(largest / 65000));
-            for (std::size_t i = 0; i < expected[c].size(); ++i)
-                ASSERT_NEAR(out[c].Pels()[i], std::max(expected[c][i], 0.0) / double(header.LuxPerGrey),
-                            0.5001)
-                    << power << ", " << i;
-        }
-    }
-    tables.chroma.assign(8, std::numeric_limits<float>::quiet_NaN());
-    const Planes none = Adapt(set, kSrgb, tables, std::numeric_limits<float>::infinity());
-    EXPECT_EQ(none[1].Values(), std::vector<std::uint16_t>(set.images[0].Count(), 0));
+    // At the colour of a calibration its matrix has the word alone; distances that are no numbers do not
+    // count.
+    tables = FourTables();
+    tables.chroma[6] = 0.25f;
+    tables.chroma[7] = 0.5625f;
+    for (const float power : {2.0f, 3.7f})
+        EXPECT_FLOAT_EQ(Adapt(set, kIdentity, tables, power)[1].Header().LuxPerGrey * 65000, 3 * 20000.0f);
+    tables.chroma.assign(8, kNan);
+    EXPECT_EQ(Adapt(set, kIdentity, tables, 1)[1](0, 0), 0);
 }
 
 TEST(AdaptiveColour, SelectNamesTheNearestCalibration) {

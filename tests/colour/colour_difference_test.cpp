@@ -176,26 +176,6 @@ TEST(ColourDifference, LuminanceAloneTakesTheChannelThatThereIs) {
     }
 }
 
-TEST(ColourError, AgreesWithTheObviousLoop) {
-    const ChannelSet set = NoiseChannels(37, 21, 18);
-    // A quarter turn: a along v', but for the rounding of the angle.
-    const float angle = static_cast<float>(90.0 * 3.141592654 / 180.0);
-    const double c = static_cast<float>(std::cos(double(angle)));
-    for (const Block block : kBlocks) {
-        Image out;
-        ASSERT_EQ(Error(out, set[0], set[1], set[2], {0.2, 0.47}, -0.5f, 0.25f, 90.0f, block, kMixed), 0);
-        ExpectScaled(set.images[1], out, [&](std::int32_t col, std::int32_t row) {
-            const Triple xyz = Multiply(kMixed, Means(set, block, col, row, false, BlockSpan));
-            const double x = float(xyz[0]), y = float(xyz[1]), z = float(xyz[2]);
-            const double d = float(x + 15 * y + 3 * z);
-            const double du = float((d == 0 ? 0 : 4 * x / d) - double(0.2f));
-            const double dv = float((d == 0 ? 0 : 9 * y / d) - double(0.47f));
-            return std::sqrt((4 + c * c * 16) * (dv * dv) + 2 * ((4.0 - 16.0) * c) * du * dv +
-                             (c * c * 4 + 16) * (du * du));
-        });
-    }
-}
-
 TEST(ColourError, IsOneOnTheEllipse) {
     // One pel of the centre's colour for the matrix that makes X = 4, Y = 4, Z = 0 of a white pel, so that
     // u' = 16 / 64 and v' = 36 / 64.
@@ -212,46 +192,47 @@ TEST(ColourError, IsOneOnTheEllipse) {
         for (const auto& it : cases) {
             Image out;
             ASSERT_EQ(Error(out, set[0], set[1], set[2], {0.25 - it.du, 0.5625 - it.dv}, it.a, it.b, degrees,
-                            {1, 1}, kIdentity),
+                            {1, 3}, kIdentity),
                       0);
+            EXPECT_EQ(out(1, 1), 65000);
             EXPECT_NEAR(out(1, 1) * double(out.Header().LuxPerGrey), 1.0, 3e-5);
         }
     }
 }
 
-TEST(ColourSpace, AgreesWithTheObviousLoop) {
-    const ChannelSet set = NoiseChannels(37, 21, 28);
-    const float low = -0.1f, high = 0.9f;
-    const float gain = 50000.0f / (high - low);
-    TqImageHeader header = set.images[1].Header();
-    header.LuxPerGrey = high / 50000.0f;
-    for (const Matrix& m : {kIdentity, kMixed}) {
-        for (const Block block : kBlocks) {
-            for (int quantity = -1; quantity <= 6; ++quantity) {
-                Image out;
-                const auto call = [&](auto... k) {
-                    return tqTransformToColorSpace(out.Address(), set[0], set[1], set[2], quantity, 50000,
-                                                   low, high, block.cols, block.rows, k...);
-                };
-                ASSERT_EQ(WithMatrix(call, m), 0);
-                EXPECT_TRUE(SameHeader(header, out.Header()));
-                const auto pelAt = [&](std::int32_t col, std::int32_t row) {
-                    const Triple xyz = Multiply(m, Means(set, block, col, row, false, BlockSpan));
-                    const auto [x, y, z] = xyz;
-                    const double sum = x + y + z;
-                    const double q[] = {sum == 0 ? 0 : x / sum,
-                                        sum == 0 ? 0 : y / sum,
-                                        UvOf(xyz).u,
-                                        UvOf(xyz).v,
-                                        100 * x / y,
-                                        100 * z / y};
-                    const bool defined = quantity >= 0 && quantity < 6;
-                    const double level = defined ? (q[quantity] - double(low)) * double(gain) : 0;
-                    return std::isfinite(level) ? PelOf(std::fmin(level, 65535.0)) : std::uint16_t{0};
-                };
-                ASSERT_TRUE(SamePels(MakeImage(37, 21, pelAt), out)) << quantity;
-            }
-        }
+TEST(ColourSpace, QuantitiesOfOneColourAndOfBlocks) {
+    const auto space = [](const ChannelSet& set, int quantity, float low, float high, Block block) {
+        Image out;
+        EXPECT_EQ(tqTransformToColorSpace(out.Address(), set[0], set[1], set[2], quantity, 50000, low, high,
+                                          block.cols, block.rows, 4, 0, 0, 0, 0.5f, 0, 0, 0, 5),
+                  0);
+        TqImageHeader header = set.images[1].Header();
+        header.LuxPerGrey = high / 50000;
+        EXPECT_TRUE(SameHeader(header, out.Header())) << "the upper end, not the span";
+        return out;
+    };
+    // X = 100, Y = 200, Z = 50: 100 / 350, 200 / 350, 400 / 3250, 1800 / 3250 and percentages of Y; then
+    // black.
+    ChannelSet set = UniformChannels(2, 1, {25, 400, 10});
+    for (const Image& image : set.images)
+        image(1, 0) = 0;
+    const int levels[] = {0, 19285, 33571, 11153, 32692, 65535, 65535, 0};
+    for (int quantity = -1; quantity <= 6; ++quantity) {
+        const bool undefined = quantity < 0 || quantity > 5;
+        const Image out = space(set, quantity, -0.1f, 0.9f, {0, 0});
+        EXPECT_EQ(out(0, 0), levels[quantity + 1]) << quantity;
+        EXPECT_EQ(out(1, 0), undefined || quantity > 3 ? 0 : 5000) << "what is not finite is 0";
+    }
+    EXPECT_EQ(space(set, 4, 0, 100, {0, 0})(0, 0), 25000);
+    EXPECT_EQ(space(set, 5, 0, 100, {0, 0})(0, 0), 12500);
+    set = NoiseChannels(37, 21, 28);
+    for (const Block block : kBlocks) {
+        const auto pelAt = [&](std::int32_t col, std::int32_t row) {
+            const Triple at = Means(set, block, col, row, false, BlockSpan);
+            const double sum = 4 * at[0] + 0.5 * at[1] + 5 * at[2];
+            return PelOf((sum == 0 ? 0 : 4 * at[0] / sum) * 50000);
+        };
+        EXPECT_TRUE(SamePels(MakeImage(37, 21, pelAt), space(set, 0, 0, 1, block)));
     }
 }
 

@@ -37,53 +37,40 @@ std::array<Image, 3> ToRgb(const ChannelSet& set, const Triple& scales, const st
     return out;
 }
 
-/// Values of one plane, their largest, and the pels for a unit.
-struct Plane {
-    std::vector<double> values;
-    double Largest() const { return std::max(0.0, *std::max_element(values.begin(), values.end())); }
-    void ExpectPels(const Image& image, double unit) const {
-        for (std::size_t i = 0; i < values.size(); ++i) {
-            const bool lit = values[i] >= 0 && unit != 0;
-            ASSERT_EQ(image.Pels()[i], lit ? PelOf(values[i] / unit + 0.5) : 0) << i;
-        }
+/// Two pels, and a scale of its own for each image.
+ChannelSet TwoPels(const std::array<std::vector<int>, 3>& pels, const std::array<float, 3>& luxPerGrey) {
+    ChannelSet set;
+    for (std::size_t k = 0; k < 3; ++k) {
+        set.images[k] = MakeImage(2, 1, pels[k]);
+        set.images[k].Header().LuxPerGrey = luxPerGrey[k];
+        set.images[k].Header().Spare = 70 + static_cast<std::uint32_t>(k);
     }
-};
+    return set;
+}
 
-template <class ValueAt>
-std::array<Plane, 3> PlanesOf(const ChannelSet& set, ValueAt&& valueAt) {
-    std::array<Plane, 3> planes;
-    for (std::size_t i = 0; i < set.images[0].Count(); ++i) {
-        const Triple value = valueAt(set.At(i));
-        for (std::size_t k = 0; k < 3; ++k)
-            planes[k].values.push_back(value[k]);
+/// The pels of the three images, and headers as those of the channels but for LuxPerGrey.
+void ExpectImages(const std::array<Image, 3>& out, const ChannelSet& set,
+                  const std::array<std::vector<std::uint16_t>, 3>& pels,
+                  const std::array<double, 3>& luxPerGrey) {
+    for (std::size_t k = 0; k < 3; ++k) {
+        EXPECT_EQ(out[k].Values(), pels[k]) << k;
+        TqImageHeader expected = set.images[k].Header();
+        expected.LuxPerGrey = static_cast<float>(luxPerGrey[k]);
+        EXPECT_TRUE(SameHeader(expected, out[k].Header())) << k;
     }
-    return planes;
 }
 
 TEST(RgbToXyz, EachImageFillsItsRangeAndTheScalesTellTheValues) {
-    for (const auto& [cols, rows] : {std::pair{61, 43}, std::pair{1, 1}, std::pair{3, 2}}) {
-        const ChannelSet set = NoiseChannels(cols, rows, 9);
-        const auto lux = [&](std::size_t k) { return double(set.images[k].Header().LuxPerGrey); };
-        for (const Matrix& m : {kIdentity, kSrgb, kMixed, Matrix{-1, -1, -1, 0, 0, 0, 1e-30f, 0, 0}}) {
-            for (const bool stored : {false, true}) {
-                const auto planes = PlanesOf(set, [&](const Triple& pels) {
-                    if (stored) return Multiply(m, {pels[0] * lux(0), pels[1] * lux(1), pels[2] * lux(2)});
-                    const Triple value = Multiply(m, pels);
-                    return Triple{value[0] * lux(1), value[1] * lux(1), value[2] * lux(1)};
-                });
-                const Outcome it = ToXyz(set, m, stored);
-                for (std::size_t c = 0; c < 3; ++c) {
-                    const double largest = planes[c].Largest();
-                    EXPECT_EQ(it.scales[c],
-                              stored ? double(static_cast<float>(largest / 65000)) : largest / 64000);
-                    TqImageHeader expected = set.images[c].Header();
-                    if (stored) expected.LuxPerGrey = static_cast<float>(it.scales[c]);
-                    EXPECT_TRUE(SameHeader(it.out[c].Header(), expected));
-                    planes[c].ExpectPels(it.out[c], it.scales[c]);
-                }
-            }
-        }
-    }
+    const ChannelSet set = TwoPels({{{100, 10}, {50, 0}, {20, 40}}}, {1, 2, 4});
+    const Matrix m{1, 2, 0, 0, 1, -1, 0.5f, 0, 1};
+    // Times 2, the scale of green: X 400 and 20, Y 60 and -80, Z 140 and 90.
+    const Outcome returned = ToXyz(set, m, false);
+    EXPECT_EQ(returned.scales, (Triple{400 / 64000.0, 60 / 64000.0, 140 / 64000.0}));
+    ExpectImages(returned.out, set, {{{64000, 3200}, {64000, 0}, {64000, 41143}}}, {1, 2, 4});
+    // Each with its own scale (100, 100, 80) and (10, 0, 160): X 300 and 10, Y 20 and -160, Z 130 and 165.
+    const Outcome stored = ToXyz(set, m, true);
+    ExpectImages(stored.out, set, {{{65000, 2167}, {65000, 0}, {51212, 65000}}},
+                 {300 / 65000.0, 20 / 65000.0, 165 / 65000.0});
 }
 
 TEST(RgbToXyz, UniformAndDarkChannelsAndWhatIsNoNumber) {
@@ -116,31 +103,15 @@ TEST(RgbToXyz, UniformAndDarkChannelsAndWhatIsNoNumber) {
 }
 
 TEST(XyzToRgb, OneFactorForAllChannels) {
-    ChannelSet set = NoiseChannels(61, 43, 29);
-    const std::array<double, 9> m{3.2406, -1.5372, -0.4986, -0.9689, 1.8758, 0.0415, 0.0557, -0.2040, 1.0570};
-    for (const float lux : {0.0f, 0.5f, 2.0f}) {
-        set.images[1].Header().LuxPerGrey = lux;
-        for (const double scale : {0.001, 0.1, 0.3, 1.0, 1e9}) {
-            const double divisor = lux == 0 ? 1.0 : double(lux);
-            const auto planes = PlanesOf(set, [&](const Triple& pels) {
-                const double x = pels[0] * scale, y = pels[1] * (scale * 2), z = pels[2] * scale;
-                Triple value;
-                for (std::size_t k = 0; k < 3; ++k)
-                    value[k] = (m[3 * k] * x + m[3 * k + 1] * y + m[3 * k + 2] * z) / divisor;
-                return value;
-            });
-            const double largest = std::max({planes[0].Largest(), planes[1].Largest(), planes[2].Largest()});
-            const bool scaled = largest >= 65536.0;
-            const double unit = scaled ? largest / 65000.0 : 1.0;
-            const auto out = ToRgb(set, {scale, scale * 2, scale}, m);
-            for (std::size_t c = 0; c < 3; ++c) {
-                TqImageHeader expected = set.images[c].Header();
-                if (scaled) expected.LuxPerGrey = static_cast<float>(expected.LuxPerGrey * unit);
-                EXPECT_TRUE(SameHeader(out[c].Header(), expected));
-                planes[c].ExpectPels(out[c], unit);
-            }
-        }
-    }
+    const std::array<double, 9> m{1, 1, 0, 0, -1, 0, 0, 0, 1};
+    // (5, 20, 0) and (30000, 0, 10), divided by the scale of the second image; no scale is a scale of 1.
+    const ChannelSet two = TwoPels({{{10, 60000}, {20, 0}, {0, 5}}}, {8, 2, 4});
+    ExpectImages(ToRgb(two, {0.5, 1, 2}, m), two, {{{13, 15000}, {0, 0}, {0, 5}}}, {8, 2, 4});
+    const ChannelSet none = TwoPels({{{10, 60000}, {20, 0}, {0, 5}}}, {8, 0, 4});
+    ExpectImages(ToRgb(none, {0.5, 1, 2}, m), none, {{{25, 30000}, {0, 0}, {0, 10}}}, {8, 0, 4});
+    // Ten times as much no longer fits.
+    const double f = 300000 / 65000.0;
+    ExpectImages(ToRgb(none, {5, 10, 20}, m), none, {{{54, 65000}, {0, 0}, {0, 22}}}, {8 * f, 0, 4 * f});
     // Between the largest pel and the level where scaling begins there is the clamp.
     const auto edge =
         ToRgb(UniformChannels(2, 1, {1, 1, 1}), {65535.75, 65535.4, 1}, {1, 0, 0, 0, 1, 0, 0, 0, 1});
