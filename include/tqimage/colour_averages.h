@@ -165,7 +165,7 @@ TQ_API int32_t TQ_CALL tqGetColorHistograms(SAFEARRAY** out, const TqImage* firs
  *          could not be locked; then -2 a channel or results is null; -3 first, -4 second, -5 third channel
  *          invalid; -6 sizes differ; 4 an element could not be read, as when a lower bound is above 0; 6 the
  *          list could not be unlocked; -7 the old array could not be destroyed, as when it is locked; -8 no
- *          memory, or the array could not be created or locked
+ *          memory, or the array could not be created, locked or unlocked
  *  @par Ownership
  *  The old array is destroyed. The new one belongs to the host, which releases it with SafeArrayDestroy. The
  *  list is unlocked in any case.

@@ -1,6 +1,6 @@
 /** @file colour_bitmap.h
  *  Three images as one colour bitmap, and a colour bitmap as three images. A matrix is nine coefficients in
- * row order, as in colour_averages.h.
+ *  row order, as in colour_averages.h.
  */
 #ifndef TQIMAGE_COLOUR_BITMAP_H
 #define TQIMAGE_COLOUR_BITMAP_H
@@ -41,7 +41,7 @@ extern "C" {
  * @par Ownership
  * The host owns the bitmap and releases it with tqFreeLeadBmp.
  * @par Memory
- * The bitmap and tables of at most 192 KiB.
+ * The bitmap, a few rows, and tables of at most 768 KiB.
  */
 TQ_API int32_t TQ_CALL tqCombineImagesRGB(TqLeadBitmap* bitmap, const TqImage* red, const TqImage* green,
                                           const TqImage* blue, float redGain, float greenGain, float blueGain,
@@ -68,7 +68,7 @@ TQ_API int32_t TQ_CALL tqCombineImagesRGB(TqLeadBitmap* bitmap, const TqImage* r
  * @par Ownership
  * The host owns the handle: GlobalFree, or tqBmpToClipBoard gives it away.
  * @par Memory
- * The bitmap and the handle.
+ * The bitmap, the handle, and what tqCombineImagesRGB needs besides.
  */
 TQ_API int32_t TQ_CALL tqCombineImagesRGBtoDIB(void** dib, const TqImage* red, const TqImage* green,
                                                const TqImage* blue, float redGain, float greenGain,

@@ -53,8 +53,8 @@ TQ_API int32_t TQ_CALL tqCompressImage(TqImage* image, uint8_t* destination, uin
  * @param[in] length its size, bytes
  * @param[in] info   header of the image. All of it is taken over but the sizes, which are the file's
  * @param[in,out] image address of the host's block pointer; receives the image, its pels 0..255
- * @return 0; -1 a pointer is null, length is 0, the file is anything but a complete and undamaged grey JPEG
- *         with sides of 1..8000 pels, or no memory to read it; -2 no memory for the image
+ * @return 0; -1 a pointer is null, length is 0, the file is anything but a complete grey JPEG with sides of
+ *         1..8000 pels, the codec notices damage, or no memory to read it; -2 no memory for the image
  * @par Ownership
  * The block that *image held is freed, after a success only. The image belongs to the host.
  * @par Memory
@@ -63,6 +63,9 @@ TQ_API int32_t TQ_CALL tqCompressImage(TqImage* image, uint8_t* destination, uin
  * ITU-T T.81 (ISO/IEC 10918-1).
  * @note MaxPelValue is that of info, whatever the pels are: hosts rescale them with the scale that
  *       tqCompressImage gave.
+ * @note Damage that leaves a valid code goes unnoticed and gives other pels, as may a few bytes too many
+ * within the picture, how many depending on the build: a host to which that matters keeps a checksum of its
+ * own.
  */
 TQ_API int32_t TQ_CALL tqDecompressImage(const uint8_t* source, uint32_t length, const TqImageHeader* info,
                                          TqImage** image);

@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <utility>
 #include <vector>
 
 #include "colour/channels.h"
@@ -13,6 +12,7 @@
 #include "core/fixed_power.h"
 #include "core/guard.h"
 #include "core/image_block.h"
+#include "core/replaced_image.h"
 #include "tqimage/adaptive_colour.h"
 
 namespace tq {
@@ -148,14 +148,13 @@ std::int32_t TQ_CALL tqAdaptiveSelect(TqImage** out, const TqImage* first, const
     if (const auto status = LocateChannels(first, second, third, kChannelCodes, &channels)) return status;
     if (out == nullptr) return kChannelCodes.null;
     if (!IsCount(count) || chroma == nullptr) return kBadTables;
-    return Guarded(kNoMemory, [&] {
+    return ReplaceImage(out, kNoMemory, [&] {
         const Calibrations calibrations(
             {first, second, third, {m0, m1, m2, m3, m4, m5, m6, m7, m8}, count, chroma}, channels, nullptr);
         OwnedImage image(channels.second, NewPels::kUnwritten);
         image.Header().LuxPerGrey = 1.0f;
         image.Header().MaxPelValue = static_cast<float>(count);
         kernels::SelectNearest(channels.All(), calibrations.Mix(), image.View().pels);
-        CommitImage(out, std::move(image));
-        return 0;
+        return image;
     });
 }

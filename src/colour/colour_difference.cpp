@@ -1,39 +1,15 @@
-#include "colour/difference_image.h"
-
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstdint>
 
 #include "colour/channel_samplers.h"
 #include "colour/channels.h"
-#include "core/guard.h"
+#include "colour/difference_image.h"
 #include "core/portable_math.h"
+#include "core/replaced_image.h"
 #include "tqimage/colour_difference.h"
 
 namespace tq {
-namespace {
-
-/// Colours of less weight are not compared.
-constexpr double kNoWeight = 1e-5;
-
-}  // namespace
-
-std::int32_t ComparedChannels::Locate(const DifferenceRequest& request) noexcept {
-    const auto [first, second, third] = std::array{request.first, request.second, request.third};
-    const bool complete = first != nullptr && second != nullptr && third != nullptr;
-    colour_ = complete && request.chromaticityWeight >= kNoWeight;
-    if (colour_) {
-        views_ = {LocateImage(first), LocateImage(second), LocateImage(third)};
-        return CheckChannels(All(), kDifferenceCodes);
-    }
-    // Luminance alone is the second channel's matter, or that of whichever channel there is.
-    const TqImage* const single = second != nullptr ? second : first != nullptr ? first : third;
-    if (single == nullptr) return kNullDifferenceImage;
-    views_[1] = LocateImage(single);
-    return views_[1] ? 0 : kInvalidSingle;
-}
-
 namespace {
 
 /// Compares with one colour and luminance.
@@ -133,13 +109,12 @@ std::int32_t TQ_CALL tqCalcColorError(TqImage** out, const TqImage* first, const
     const Channels channels{LocateImage(first), LocateImage(second), LocateImage(third)};
     if (const auto status = CheckChannels(channels, kDifferenceCodes)) return status;
     if (semiAxisA == 0.0f || semiAxisB == 0.0f) return kBadDifferenceShape;
-    return Guarded(kNoDifferenceMemory, [&] {
+    return ReplaceImage(out, kNoDifferenceMemory, [&] {
         const auto ellipse = EllipseOf({m0, m1, m2, m3, m4, m5, m6, m7, m8}, u, v, std::abs(semiAxisA),
                                        std::abs(semiAxisB), degrees);
         ChannelSamplers samplers = BlockSamplers(channels, blockCols, blockRows);
-        CommitImage(out, DifferenceImage(channels.second, {}, [&](std::int32_t row, float* values) {
-                        kernels::EllipseDistances(samplers.Row(row), ellipse, values);
-                    }));
-        return 0;
+        return DifferenceImage(channels.second, {}, [&](std::int32_t row, float* values) {
+            kernels::EllipseDistances(samplers.Row(row), ellipse, values);
+        });
     });
 }

@@ -1,11 +1,10 @@
 #include <algorithm>
 #include <cstdint>
-#include <utility>
 
 #include "colour/channel_samplers.h"
 #include "colour/channels.h"
-#include "core/guard.h"
 #include "core/image_block.h"
+#include "core/replaced_image.h"
 #include "tqimage/colour_transforms.h"
 
 using namespace tq;
@@ -43,7 +42,7 @@ std::int32_t TQ_CALL tqTransformToColorSpace(TqImage** out, const TqImage* first
     Channels channels;
     if (const auto status = LocateChannels(first, second, third, kCodes, &channels)) return status;
     if (out == nullptr) return kNullImage;
-    return Guarded(kNoMemory, [&] {
+    return ReplaceImage(out, kNoMemory, [&] {
         const bool defined = IsQuantity(quantity);
         OwnedImage image(channels.second, defined ? NewPels::kUnwritten : NewPels::kZero);
         const auto scale = static_cast<float>(fullScale);
@@ -57,7 +56,6 @@ std::int32_t TQ_CALL tqTransformToColorSpace(TqImage** out, const TqImage* first
             for (std::int32_t row = 0; row < view.rows; ++row)
                 kernels::StoreRatios(samplers.Row(row), ratio, low, gain, view.Row(row));
         }
-        CommitImage(out, std::move(image));
-        return 0;
+        return image;
     });
 }

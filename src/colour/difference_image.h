@@ -10,8 +10,8 @@
 
 #include "colour/channels.h"
 #include "colour/row_sampler.h"
-#include "core/guard.h"
 #include "core/image_block.h"
+#include "core/replaced_image.h"
 #include "kernels/chromaticity.h"
 
 /// What the images of colour differences share: their channels, their codes and the scale of their pels.
@@ -113,12 +113,11 @@ std::int32_t ProduceDifference(DifferenceRequest request, bool goodShape, Colour
     ComparedChannels channels;
     if (const auto status = channels.Locate(request)) return status;
     if (!goodShape) return kBadDifferenceShape;
-    return Guarded(kNoDifferenceMemory, [&] {
+    return ReplaceImage(request.out, kNoDifferenceMemory, [&] {
         std::span<const ConstImageView> holed;
         if (request.counted == Counted::kLit) holed = channels.Used();
-        CommitImage(request.out, channels.Colour() ? colour(channels.All(), request, holed)
-                                                   : grey(channels.Second(), request, holed));
-        return 0;
+        return channels.Colour() ? colour(channels.All(), request, holed)
+                                 : grey(channels.Second(), request, holed);
     });
 }
 

@@ -10,6 +10,9 @@
 
 namespace tq {
 
+/// The brightest pel of images whose scale is LuxPerGrey.
+inline constexpr double kBrightestLevel = 65000.0;
+
 /// Three images that are made together, each with the header of the channel in its position.
 class ImageTriple {
   public:
@@ -17,7 +20,7 @@ class ImageTriple {
 
     TqImageHeader& Header(std::size_t k) noexcept { return images_[k].Header(); }
     Pel* Row(std::size_t k, std::int32_t row) const noexcept { return images_[k].View().Row(row); }
-    /// Gives each image a LuxPerGrey that makes the largest value a bright pel: pel x LuxPerGrey is the
+    /// Gives each image a LuxPerGrey that makes the largest value the brightest pel: pel x LuxPerGrey is the
     /// value.
     std::array<double, 3> StoreScales(const std::array<double, 3>& maxima) noexcept;
     void Commit(TqImage** first, TqImage** second, TqImage** third) noexcept;

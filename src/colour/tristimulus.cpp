@@ -2,7 +2,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <utility>
 
 #include "colour/channels.h"
 #include "colour/mixed_images.h"
@@ -18,9 +17,9 @@ constexpr std::int32_t kNullImage = -2;
 constexpr std::int32_t kNoMemory = -4;
 constexpr ChannelCodes kCodes{kNullImage, -3, -3, -3, -5};
 
-/// The brightest pel of a channel. Two values, because hosts have the one and the other in their files.
+/// The brightest pel of a channel whose scale is returned. Not kBrightestLevel, because hosts have the one
+/// and the other in their files.
 constexpr double kFullScale = 64000.0;
-constexpr double kFullScale2 = 65000.0;
 
 kernels::ChannelMix MixOf(const ColourMatrix& m) noexcept {
     kernels::ChannelMix mix{};
@@ -28,49 +27,7 @@ kernels::ChannelMix MixOf(const ColourMatrix& m) noexcept {
     return mix;
 }
 
-/// The scale as the host reads it. Not inlined: vectorised together with the divisions that follow, GCC 12
-/// leaves the rounding to float out.
-[[gnu::noinline]] float StoredScale(double largest) noexcept {
-    return static_cast<float>(largest / kFullScale2);
-}
-
 }  // namespace
-
-namespace tq {
-
-ImageTriple::ImageTriple(const Channels& channels)
-    : images_{OwnedImage(channels.first, NewPels::kUnwritten),
-              OwnedImage(channels.second, NewPels::kUnwritten),
-              OwnedImage(channels.third, NewPels::kUnwritten)} {}
-
-std::array<double, 3> ImageTriple::StoreScales(const std::array<double, 3>& maxima) noexcept {
-    std::array<double, 3> units;
-    for (std::size_t k = 0; k < units.size(); ++k) {
-        // Pels are divided by the figure that the host reads, so that pel x figure is the value.
-        const float luxPerGrey = StoredScale(maxima[k]);
-        Header(k).LuxPerGrey = luxPerGrey;
-        units[k] = luxPerGrey;
-    }
-    return units;
-}
-
-void ImageTriple::Commit(TqImage** first, TqImage** second, TqImage** third) noexcept {
-    CommitImage(first, std::move(images_[0]));
-    CommitImage(second, std::move(images_[1]));
-    CommitImage(third, std::move(images_[2]));
-}
-
-MixedImages::MixedImages(const Channels& channels, const kernels::ChannelMix& mix)
-    : ImageTriple(channels), channels_(channels), mix_(mix) {
-    kernels::RaiseMaxima(channels_.All(), mix_, maxima_.data());
-}
-
-void MixedImages::Fill(const std::array<double, 3>& units) {
-    Pel* const out[3] = {Row(0, 0), Row(1, 0), Row(2, 0)};
-    kernels::StoreMixed(channels_.All(), mix_, units.data(), out);
-}
-
-}  // namespace tq
 
 std::int32_t TQ_CALL tqTransformRGBToXYZ(TqImage** outX, TqImage** outY, TqImage** outZ, double* scaleX,
                                          double* scaleY, double* scaleZ, const TqImage* red,
@@ -137,7 +94,7 @@ std::int32_t TQ_CALL tqTransformXYZToRGB3(TqImage** outRed, TqImage** outGreen, 
         // One factor for the three channels: their ratios are the colour.
         double unit = 1.0;
         if (!(largest < kLargestPel + 1.0)) {
-            unit = largest / kFullScale2;
+            unit = largest / kBrightestLevel;
             for (std::size_t k = 0; k < 3; ++k) {
                 float& stored = images.Header(k).LuxPerGrey;
                 stored = static_cast<float>(stored * unit);

@@ -7,6 +7,8 @@
 
 #include "core/guard.h"
 #include "core/level_table.h"
+#include "core/out_value.h"
+#include "core/replaced_image.h"
 #include "interchange/text_palette.h"
 #include "interchange/tone_curve.h"
 #include "kernels/pel_arithmetic.h"
@@ -46,7 +48,7 @@ std::int32_t ConvertForHost(TqLeadBitmap* bitmap, double* scale, TqImage* image,
     if (bitmap == nullptr) return noBitmap;
     return Guarded(noBitmap, [&] {
         *bitmap = Convert(source, palette, makeTable).Release();
-        if (scale != nullptr) *scale = static_cast<double>(kByteScale) / source.header->MaxPelValue;
+        StoreIfAsked(scale, ByteScale(*source.header));
         return 0;
     });
 }
@@ -137,10 +139,7 @@ std::int32_t TQ_CALL tqImageToLeadBmpScale(TqLeadBitmap* bitmap, double* scale, 
 
 std::int32_t TQ_CALL tqLeadBmpToImage(TqLeadBitmap bitmap, TqImage** image) {
     if (image == nullptr || !IsReadable(bitmap)) return kNoImage;
-    return Guarded(kNoImage, [&] {
-        CommitImage(image, ImageOf(bitmap, nullptr));
-        return 0;
-    });
+    return ReplaceImage(image, kNoImage, [&] { return ImageOf(bitmap, nullptr); });
 }
 
 std::int32_t TQ_CALL tqFreeLeadBmp(TqLeadBitmap* bitmap) {

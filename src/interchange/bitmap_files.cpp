@@ -5,6 +5,7 @@
 
 #include "core/guard.h"
 #include "core/image_view.h"
+#include "core/replaced_image.h"
 #include "interchange/bitmap_conversion.h"
 #include "interchange/bitmap_object.h"
 #include "interchange/palette.h"
@@ -62,10 +63,7 @@ std::int32_t TQ_CALL tqDiskBmpToImage(const char* fileName, const TqImageHeader*
     const std::optional<OwnedBitmap> bitmap = LoadBitmap(fileName, BitmapDepth::kBytes);
     if (!bitmap) return kLoadFailed;
     if (info == nullptr || image == nullptr) return kNoImage;
-    return Guarded(kNoImage, [&] {
-        CommitImage(image, ImageOf(bitmap->Get(), info));
-        return 0;
-    });
+    return ReplaceImage(image, kNoImage, [&] { return ImageOf(bitmap->Get(), info); });
 }
 
 std::int32_t TQ_CALL tqBmpToClipBoard(void* owner, void* dib) {

@@ -63,7 +63,7 @@ std::int32_t TQ_CALL tqCompressImage(TqImage* image, std::uint8_t* destination, 
     if (quality < kFirstPreset || quality > kLastQuality) quality = kUsualPreset;
     return Guarded(kNotConverted, [&] {
         const std::vector<std::uint8_t> tones = LinearTones(source);
-        *scale = static_cast<double>(kByteScale) / source.header->MaxPelValue;
+        *scale = ByteScale(*source.header);
         return Guarded(kNotSaved, [&] {
             return Save(EncodeJpeg(source, tones, quality), destination, length, capacity);
         });

@@ -3,15 +3,14 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "core/guard.h"
 #include "core/image_block.h"
+#include "core/replaced_image.h"
 #include "platform/global_memory.h"
 
 using namespace tq;
 
 namespace {
 
-constexpr std::int32_t kOk = 0;
 constexpr std::int32_t kNoData = -2;
 constexpr std::int32_t kEmpty = -3;
 constexpr std::int32_t kNotMade = -4;
@@ -40,11 +39,10 @@ std::int32_t TQ_CALL TqConvertKorvelinToImage(TqImage** image, const TqKorvelinR
     // Asked for before the image: an absurd size with little data behind it is not worth an allocation.
     const std::int64_t count = std::int64_t{record->Cols} * record->Rows;
     if (static_cast<std::uint64_t>(count) > GlobalSize(record->Data)) return kNoData;
-    return Guarded(kNotMade, [&] {
+    return ReplaceImage(image, kNotMade, [&] {
         OwnedImage result(record->Cols, record->Rows, NewPels::kUnwritten);
         FillHeader(*record, sourceDistance, result.Header());
         std::copy_n(data.Bytes(), count, result.View().pels);
-        CommitImage(image, std::move(result));
-        return kOk;
+        return result;
     });
 }

@@ -11,13 +11,17 @@
 
 namespace tq {
 
-/// The largest displayed byte.
-inline constexpr float kByteScale = 255.0f;
+inline constexpr double kLargestByte = 255.0;
 
 /// An image that tells no scale is shown as if it were one of bytes, and says so from then on: a host that
 /// converts it twice must see the same picture.
 inline void EnsureScale(TqImageHeader& header) noexcept {
-    if (header.MaxPelValue <= 0.0f) header.MaxPelValue = kByteScale;
+    if (header.MaxPelValue <= 0.0f) header.MaxPelValue = static_cast<float>(kLargestByte);
+}
+
+/// Bytes a grey level, as hosts are told.
+inline double ByteScale(const TqImageHeader& header) noexcept {
+    return kLargestByte / header.MaxPelValue;
 }
 
 /// A pel that no pel of the image exceeds. An image with more pels than there are levels is not searched for
@@ -47,8 +51,6 @@ inline constexpr double kToneLinearLimit = 0.0031308;
 inline constexpr double kToneLinearSlope = 12.92;
 inline constexpr double kToneGain = 1.055;
 inline constexpr double kToneOffset = 0.055;
-
-inline constexpr double kLargestByte = 255.0;
 
 /// 255 times the encoded value, not yet truncated; `power()` is the value's power with the exponent.
 template <class Power>

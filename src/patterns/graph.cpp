@@ -3,11 +3,10 @@
 #include <cstdint>
 #include <optional>
 #include <span>
-#include <utility>
 
-#include "core/guard.h"
 #include "core/image_view.h"
 #include "core/numerics.h"
+#include "core/replaced_image.h"
 #include "patterns/azimuth.h"
 #include "patterns/column_spans.h"
 #include "patterns/pattern_image.h"
@@ -198,13 +197,12 @@ std::int32_t TQ_CALL tqCreateGraphType(TqImage** out, const double* values, std:
     if (out == nullptr || values == nullptr || count < 1) return kBadArgument;
     if (!IsValidSide(cols) || !IsValidSide(rows) || type < kPoints || type > kPolarCurve) return kBadArgument;
     if (low < high && !std::isfinite(high - low)) return kBadArgument;
-    return Guarded(kNoMemory, [&] {
+    return ReplaceImage(out, kNoMemory, [&] {
         const Samples samples(values, static_cast<std::size_t>(count));
         OwnedImage plot = MakeDrawnImage(cols, rows, NewPels::kZero);
         const Graph graph(plot.View(), samples, RangeOf(samples, low, high), static_cast<GraphType>(type));
         graph.Draw();
         graph.WriteScale(plot.Header());
-        CommitImage(out, std::move(plot));
-        return 0;
+        return plot;
     });
 }

@@ -3,9 +3,9 @@
 #include <cstdint>
 #include <utility>
 
-#include "core/guard.h"
 #include "core/image_block.h"
 #include "core/image_view.h"
+#include "core/replaced_image.h"
 
 namespace tq {
 
@@ -20,12 +20,11 @@ inline constexpr std::int32_t kPatternNotCreated = -2;
 template <class Draw>
 std::int32_t CreatePattern(TqImage** image, std::int32_t cols, std::int32_t rows, NewPels fill, Draw&& draw) {
     if (image == nullptr) return kPatternNotCreated;
-    return Guarded(kPatternNotCreated, [&] {
+    return ReplaceImage(image, kPatternNotCreated, [&] {
         OwnedImage made = MakeDrawnImage(cols, rows, fill);
         const ImageView view = made.View();
         if (view.Count() != 0) std::forward<Draw>(draw)(view);
-        CommitImage(image, std::move(made));
-        return 0;
+        return made;
     });
 }
 

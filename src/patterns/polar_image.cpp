@@ -3,13 +3,12 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <utility>
 #include <vector>
 
-#include "core/guard.h"
 #include "core/image_view.h"
 #include "core/numerics.h"
 #include "core/portable_math.h"
+#include "core/replaced_image.h"
 #include "geometry/bilinear.h"
 #include "kernels/polar_ring.h"
 #include "measure/photometric_frame.h"
@@ -155,7 +154,7 @@ std::int32_t TQ_CALL tqCreatePolarImage(TqImage** out, const TqImage* image, std
     if (quantity != kGrey && quantity != kIntensity) return kBadArgument;
     const ConstImageView source = LocateImage(image);
     if (!source || !PhotometricFrame(*source.header).HasScaleAndDistance()) return kInvalidImage;
-    return Guarded(kNoMemory, [&] {
+    return ReplaceImage(out, kNoMemory, [&] {
         OwnedImage polar = MakeDrawnImage(cols, rows, NewPels::kUnwritten);
         const PolarField field(source, cols, rows, maxAngle, projection);
         if (quantity == kIntensity) {
@@ -163,7 +162,6 @@ std::int32_t TQ_CALL tqCreatePolarImage(TqImage** out, const TqImage* image, std
         } else {
             StoreGrey(field, polar.View(), *source.header);
         }
-        CommitImage(out, std::move(polar));
-        return 0;
+        return polar;
     });
 }

@@ -1,11 +1,10 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <utility>
 
-#include "core/guard.h"
 #include "core/image_view.h"
 #include "core/numerics.h"
+#include "core/replaced_image.h"
 #include "patterns/azimuth.h"
 #include "patterns/pattern_image.h"
 #include "patterns/plot_line.h"
@@ -90,9 +89,6 @@ std::int32_t TQ_CALL tqPadRadarPlot(TqImage** image, std::int32_t margin, std::i
     const ConstImageView plot = LocateImage(*image);
     if (!plot) return kInvalidImage;
     if (margin > (kMaxSide - std::max(plot.cols, plot.rows)) / 2) return kBadArgument;
-    return Guarded(kNoMemory, [&] {
-        const Graticule graticule{margin, rings, spokes, ClampToPel(grey), ClampToPel(background)};
-        CommitImage(image, Pad(plot, graticule));
-        return 0;
-    });
+    const Graticule graticule{margin, rings, spokes, ClampToPel(grey), ClampToPel(background)};
+    return ReplaceImage(image, kNoMemory, [&] { return Pad(plot, graticule); });
 }

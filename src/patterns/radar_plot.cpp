@@ -2,12 +2,11 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <utility>
 #include <vector>
 
-#include "core/guard.h"
 #include "core/image_view.h"
 #include "core/numerics.h"
+#include "core/replaced_image.h"
 #include "patterns/azimuth.h"
 #include "patterns/pattern_image.h"
 #include "tqimage/plots.h"
@@ -146,12 +145,11 @@ std::int32_t CreateRadarPlot(TqImage** out, const TqImage* polar, std::int32_t s
     if (out == nullptr || !IsValidSide(size)) return kBadArgument;
     const ConstImageView source = LocateImage(polar);
     if (!source) return kInvalidImage;
-    return Guarded(kNoMemory, [&] {
+    return ReplaceImage(out, kNoMemory, [&] {
         OwnedImage disc = MakeDrawnImage(size, size, NewPels::kUnwritten);
         DiscPainter<Sampler>(source, disc.View()).Paint();
         disc.Header().LuxPerGrey = source.header->LuxPerGrey;
-        CommitImage(out, std::move(disc));
-        return 0;
+        return disc;
     });
 }
 

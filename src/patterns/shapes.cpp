@@ -79,9 +79,10 @@ void DrawRowLines(const ImageView& view, const Positions& starts, std::int32_t w
 void DrawColumnLines(const ImageView& view, const Positions& starts, std::int32_t width, Run along) {
     // Row by row, as the pels lie in memory.
     const Run rows = CutToAxis(along, view.rows);
-    for (std::int64_t row = rows.first; row <= rows.last; ++row)
+    for (std::int64_t row = rows.first; row <= rows.last; ++row) {
         VisitAround(starts, 0, std::int64_t{width} - 1, view.cols,
                     [&](Run cols) { DrawRow(view, row, cols); });
+    }
 }
 
 void FillRows(const ImageView& view, Run rows, std::span<const Pel> pels) noexcept {

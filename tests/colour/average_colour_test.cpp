@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <optional>
 
 #include "colours.h"
 #include "tqimage/colour_averages.h"
@@ -12,25 +13,19 @@ struct Rectangle {
 
 using Result = std::array<float, 3>;
 
-std::int32_t Whole(const ChannelSet& set, std::int32_t threshold, const Matrix& m, bool luminance,
-                   Result& it) {
-    return WithMatrix(
-        [&](auto... k) {
+/// Of the whole image, or of a rectangle.
+Result Average(const ChannelSet& set, std::int32_t threshold, const Matrix& m, bool luminance,
+               const std::optional<Rectangle>& in = {}) {
+    Result it{};
+    const auto call = [&](auto... k) {
+        if (!in)
             return tqCalcAverageColorValues(set[0], set[1], set[2], threshold, k..., luminance, &it[0],
                                             &it[1], &it[2]);
-        },
-        m);
-}
-
-std::int32_t InRegion(const ChannelSet& set, std::int32_t threshold, const Matrix& m, bool luminance,
-                      const Rectangle& at, Result& it) {
-    return WithMatrix(
-        [&](auto... k) {
-            return tqCalcAverageColorValuesInRegion(set[0], set[1], set[2], threshold, k..., luminance,
-                                                    at.left, at.top, at.right, at.bottom, &it[0], &it[1],
-                                                    &it[2]);
-        },
-        m);
+        return tqCalcAverageColorValuesInRegion(set[0], set[1], set[2], threshold, k..., luminance, in->left,
+                                                in->top, in->right, in->bottom, &it[0], &it[1], &it[2]);
+    };
+    EXPECT_EQ(WithMatrix(call, m), 0);
+    return it;
 }
 
 /// Columns left..right - 1 and rows top..bottom as the pels that count, one after another.
@@ -55,31 +50,30 @@ TEST(AverageColour, AgreesWithTheObviousLoop) {
     for (const Matrix& m : {kIdentity, kSrgb, kMixed}) {
         for (const bool luminance : {false, true}) {
             for (const int threshold : {INT32_MIN, -1, 0, 1000, 40000, 60000}) {
-                Result it{};
-                ASSERT_EQ(Whole(set, threshold, m, luminance, it), 0);
-                EXPECT_EQ(it, Reference(set, threshold + 1.0, m, luminance, {0, 0, 61, 42})) << threshold;
-                ASSERT_EQ(InRegion(set, threshold, m, luminance, {3, 4, 50, 30}, it), 0);
-                EXPECT_EQ(it, Reference(set, threshold, m, luminance, {3, 4, 50, 30})) << threshold;
-                ASSERT_EQ(InRegion(set, threshold, m, luminance, {INT32_MIN, -5, 0, 0}, it), 0);
-                EXPECT_EQ(it, Reference(set, threshold, m, luminance, {0, 0, 60, 42})) << "the last column";
+                EXPECT_EQ(Average(set, threshold, m, luminance),
+                          Reference(set, threshold + 1.0, m, luminance, {0, 0, 61, 42}))
+                    << threshold;
+                EXPECT_EQ(Average(set, threshold, m, luminance, Rectangle{3, 4, 50, 30}),
+                          Reference(set, threshold, m, luminance, {3, 4, 50, 30}))
+                    << threshold;
             }
         }
     }
+    EXPECT_EQ(Average(set, 0, kMixed, true, Rectangle{INT32_MIN, -5, 0, 0}),
+              Reference(set, 0, kMixed, true, {0, 0, 60, 42}))
+        << "without the last column";
 }
 
 TEST(AverageColour, TheWholeImageIsOneLevelStricter) {
     const ChannelSet eleven = UniformChannels(4, 3, {5, 11, 7}), twelve = UniformChannels(4, 3, {5, 12, 7});
-    Result it{};
-    ASSERT_EQ(Whole(eleven, 10, kIdentity, false, it), 0);
-    EXPECT_TRUE(std::isnan(it[0]) && std::isnan(it[1]) && std::isnan(it[2]));
-    ASSERT_EQ(Whole(twelve, 10, kIdentity, false, it), 0);
-    EXPECT_EQ(it, (Result{5, 12, 7}));
-    ASSERT_EQ(InRegion(eleven, 10, kIdentity, false, {0, 0, 0, 0}, it), 0);
-    EXPECT_EQ(it, (Result{5, 11, 7}));
-    ASSERT_EQ(InRegion(eleven, 0, kIdentity, false, {2, 0, 2, 2}, it), 0);
-    EXPECT_TRUE(std::isnan(it[1])) << "left = right visits no column";
-    ASSERT_EQ(Whole(twelve, INT32_MAX, kIdentity, false, it), 0) << "the next level does not wrap";
-    EXPECT_TRUE(std::isnan(it[1]));
+    const Result none = Average(eleven, 10, kIdentity, false);
+    EXPECT_TRUE(std::isnan(none[0]) && std::isnan(none[1]) && std::isnan(none[2]));
+    EXPECT_EQ(Average(twelve, 10, kIdentity, false), (Result{5, 12, 7}));
+    EXPECT_EQ(Average(eleven, 10, kIdentity, false, Rectangle{0, 0, 0, 0}), (Result{5, 11, 7}));
+    EXPECT_TRUE(std::isnan(Average(eleven, 0, kIdentity, false, Rectangle{2, 0, 2, 2})[1]))
+        << "left = right visits no column";
+    EXPECT_TRUE(std::isnan(Average(twelve, INT32_MAX, kIdentity, false)[1]))
+        << "the next level does not wrap";
 }
 
 // Half the pels show the white of sRGB: X + Y + Z and so the chromaticity are those of D65.
@@ -87,26 +81,11 @@ TEST(AverageColour, WhiteOfSrgbIsD65) {
     ChannelSet set = UniformChannels(10, 10, {40000, 40000, 40000});
     for (Image& image : set.images)
         std::fill_n(image.Pels(), 50, 3);
-    Result it{};
-    ASSERT_EQ(Whole(set, 100, kSrgb, true, it), 0);
-    const double d = it[0] + 15.0 * it[1] + 3.0 * it[2];
-    EXPECT_NEAR(4.0 * it[0] / d, 0.1978, 5e-5);
-    EXPECT_NEAR(9.0 * it[1] / d, 0.4683, 5e-5);
-    EXPECT_NEAR(it[1], 40000.0, 1e-2);
-}
-
-TEST(AverageColour, Codes) {
-    float x = 7, y = 7, z = 7;
-    ExpectChannelCodes({-2, -3, -4, -5, -6}, [&](auto a, auto b, auto c) {
-        return tqCalcAverageColorValues(a, b, c, 0, 1, 0, 0, 0, 1, 0, 0, 0, 1, 0, nullptr, nullptr, nullptr);
-    });
-    ExpectChannelCodes({-2, -3, -4, -5, -6}, [&](auto a, auto b, auto c) {
-        return tqCalcAverageColorValuesInRegion(a, b, c, 0, 1, 0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0, 0, 0, nullptr,
-                                                nullptr, nullptr);
-    });
-    const Image good(3, 3);
-    EXPECT_EQ(tqCalcAverageColorValues(good, good, nullptr, 0, 1, 0, 0, 0, 1, 0, 0, 0, 1, 0, &x, &y, &z), -2);
-    EXPECT_EQ(x + y + z, 21);
+    const auto [x, y, z] = Average(set, 100, kSrgb, true);
+    const Uv white = UvOf({x, y, z});
+    EXPECT_NEAR(white.u, 0.1978, 5e-5);
+    EXPECT_NEAR(white.v, 0.4683, 5e-5);
+    EXPECT_NEAR(y, 40000.0, 1e-2);
 }
 
 }  // namespace

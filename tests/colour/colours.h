@@ -3,11 +3,9 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
-#include <functional>
 #include <utility>
 #include <vector>
 
-#include "failing_allocator.h"
 #include "images.h"
 
 /// Matrices, channel sets and truths that the tests of colour share.
@@ -58,6 +56,16 @@ inline Triple Multiply(const Matrix& m, const Triple& v) {
     return out;
 }
 
+/// u' and v' of CIE 1976, 0 for black.
+struct Uv {
+    double u, v;
+};
+
+inline Uv UvOf(const Triple& xyz) {
+    const double d = xyz[0] + 15 * xyz[1] + 3 * xyz[2];
+    return d == 0 ? Uv{0, 0} : Uv{4 * xyz[0] / d, 9 * xyz[1] / d};
+}
+
 /// What a value becomes in a pel: truncated, not a number and beyond int32 indefinite, then clamped.
 inline std::uint16_t PelOf(double value) {
     if (!(std::abs(value) < 2147483648.0)) return 0;
@@ -72,22 +80,6 @@ auto WithMatrix(Fn&& fn, const M& m, std::index_sequence<k...>) {
 template <class Fn, class M>
 auto WithMatrix(Fn&& fn, const M& m) {
     return WithMatrix(std::forward<Fn>(fn), m, std::make_index_sequence<9>());
-}
-
-using ChannelCall = std::function<std::int32_t(const TqImage*, const TqImage*, const TqImage*)>;
-
-/// Codes for a null channel, an invalid first, second and third one, and one of another size.
-inline void ExpectChannelCodes(const std::array<std::int32_t, 5>& codes, const ChannelCall& call) {
-    const Image good = RandomImage(7, 5, 1), other = RandomImage(5, 7, 2), invalid(8001, 1);
-    EXPECT_EQ(call(good, good, good), 0);
-    EXPECT_EQ(call(nullptr, good, good), codes[0]);
-    EXPECT_EQ(call(invalid, nullptr, good), codes[0]) << "null comes before every other code";
-    EXPECT_EQ(call(good, good, nullptr), codes[0]);
-    EXPECT_EQ(call(invalid, invalid, other), codes[1]);
-    EXPECT_EQ(call(good, invalid, invalid), codes[2]);
-    EXPECT_EQ(call(other, good, invalid), codes[3]);
-    EXPECT_EQ(call(other, good, good), codes[4]);
-    EXPECT_EQ(call(good, good, other), codes[4]);
 }
 
 }  // namespace tqtest

@@ -6,12 +6,11 @@ namespace {
 
 std::int32_t Set(TqImage* a, TqImage* b, TqImage* c, std::array<std::int32_t, 4> at, const Triple& xyz,
                  const Matrix& m) {
-    return WithMatrix(
-        [&](auto... k) {
-            return tqSetColorGraysInRegion(a, b, c, at[0], at[1], at[2], at[3], float(xyz[0]), float(xyz[1]),
-                                           float(xyz[2]), k...);
-        },
-        m);
+    const auto call = [&](auto... k) {
+        return tqSetColorGraysInRegion(a, b, c, at[0], at[1], at[2], at[3], float(xyz[0]), float(xyz[1]),
+                                       float(xyz[2]), k...);
+    };
+    return WithMatrix(call, m);
 }
 
 TEST(SetColour, FillsTheRectangleOfEachChannelWithItsValue) {
@@ -23,13 +22,11 @@ TEST(SetColour, FillsTheRectangleOfEachChannelWithItsValue) {
     for (std::size_t k = 0; k < 3; ++k) {
         const double lux = in[k].Header().LuxPerGrey;
         EXPECT_TRUE(SameHeader(in[k].Header(), before.images[k].Header()));
-        for (std::int32_t row = 0; row < 7; ++row) {
-            for (std::int32_t col = 0; col < 9; ++col) {
-                const bool inside = col >= 2 && col <= 5 && row <= 3;
-                ASSERT_EQ(in[k](col, row),
-                          inside ? PelOf(Multiply(kMixed, xyz)[k] / lux + 0.5) : before.images[k](col, row));
-            }
-        }
+        const auto pelAt = [&](std::int32_t col, std::int32_t row) {
+            const bool inside = col >= 2 && col <= 5 && row <= 3;
+            return inside ? PelOf(Multiply(kMixed, xyz)[k] / lux + 0.5) : before.images[k](col, row);
+        };
+        EXPECT_TRUE(SamePels(MakeImage(9, 7, pelAt), in[k]));
     }
     // One channel alone, the whole image; levels are rounded and clamped, a scale of 0 leaves no level.
     const struct {
@@ -47,15 +44,14 @@ TEST(SetColour, FillsTheRectangleOfEachChannelWithItsValue) {
 
 TEST(SetColour, Codes) {
     Image good(4, 4), other(4, 5), invalid(8001, 1);
-    const auto set = [](TqImage* a, TqImage* b, TqImage* c) {
-        return Set(a, b, c, {0, 0, 0, 0}, {}, kMixed);
-    };
-    EXPECT_EQ(set(nullptr, nullptr, nullptr), -2);
-    EXPECT_EQ(set(invalid, invalid, nullptr), -3);
-    EXPECT_EQ(set(nullptr, invalid, invalid), -4);
-    EXPECT_EQ(set(good, other, invalid), -5);
-    EXPECT_EQ(set(good, nullptr, other), -6);
-    EXPECT_EQ(set(other, good, nullptr), -6);
+    TqImage* const none = nullptr;
+    const struct {
+        TqImage *a, *b, *c;
+        std::int32_t status;
+    } cases[] = {{none, none, none, -2},     {invalid, invalid, none, -3}, {none, invalid, invalid, -4},
+                 {good, other, invalid, -5}, {good, none, other, -6},      {other, good, none, -6}};
+    for (const auto& [a, b, c, status] : cases)
+        EXPECT_EQ(Set(a, b, c, {0, 0, 0, 0}, {}, kMixed), status);
 }
 
 }  // namespace

@@ -1,19 +1,14 @@
-#include <gtest/gtest.h>
+#include "tqimage/appending.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <limits>
-#include <string>
 #include <vector>
 
 #include "images.h"
-#include "tqimage/appending.h"
 #include "tqimage/pel_block.h"
 
+namespace tqtest {
 namespace {
-
-using tqtest::Image;
-using tqtest::MakeImage;
 
 Image Centered(Image image, float col, float row, float luxPerGrey = 1.0f) {
     image.Header().CenterCol = col;
@@ -34,11 +29,11 @@ TEST(AppendImage, CentresCoincideAndTheOverlapIsMixed) {
     header.PelCols = 4;
     header.PelRows = 3;
     header.CenterRow = 1.5f;
-    EXPECT_TRUE(tqtest::SameHeader(joined.Header(), header));
+    EXPECT_TRUE(SameHeader(joined.Header(), header));
     EXPECT_EQ(joined.Values(), (std::vector<std::uint16_t>{0, 101, 0, 103,               //
                                                            10, (20 + 104) / 2, 67, 106,  //
                                                            0, 50, 60, 0}));
-    EXPECT_TRUE(tqtest::SamePels(before, added));
+    EXPECT_TRUE(SamePels(before, added));
 }
 
 TEST(AppendImage, ZeroTakesTheOtherAndOddSumsAreTruncated) {
@@ -48,9 +43,8 @@ TEST(AppendImage, ZeroTakesTheOtherAndOddSumsAreTruncated) {
     EXPECT_EQ(joined.Values(), (std::vector<std::uint16_t>{9, 7, 65534, 0}));
     // An image joined to itself stays as it is.
     const Image itself = joined;
-    Image other = joined;
     ASSERT_EQ(tqAppendImage(joined.Address(), joined, 1, 1), 0);
-    EXPECT_TRUE(tqtest::SamePels(itself, joined));
+    EXPECT_TRUE(SamePels(itself, joined));
 }
 
 TEST(AppendImage, BothArePutOnTheCoarserScaleInPlace) {
@@ -67,28 +61,25 @@ TEST(AppendImage, BothArePutOnTheCoarserScaleInPlace) {
 }
 
 TEST(AppendImage, TheOverlapIsSmoothedByBlocksOfTheJoinedImage) {
-    const Image left = Centered(tqtest::RandomImageWithHoles(23, 17, 5), 18.0f, 8.0f);
-    Image right = Centered(tqtest::RandomImage(20, 21, 6), 1.0f, 10.0f);
+    const Image left = Centered(RandomImageWithHoles(23, 17, 5), 18.0f, 8.0f);
+    Image right = Centered(RandomImage(20, 21, 6), 1.0f, 10.0f);
     Image plain = left;
     ASSERT_EQ(tqAppendImage(plain.Address(), right, 1, 1), 0);
     ASSERT_EQ(plain.Cols(), 37);
     ASSERT_EQ(plain.Rows(), 21);
-    struct Block {
-        std::int32_t width, height;
-    };
     constexpr std::int32_t kHuge = std::numeric_limits<std::int32_t>::max();
-    for (const Block& block : {Block{3, 5}, {1, 4}, {8, -1}, {100, 100}, {kHuge, kHuge}}) {
+    for (const auto& [width, height] : {std::pair{3, 5}, {1, 4}, {8, -1}, {100, 100}, {kHuge, kHuge}}) {
         const Image expected = MakeImage(37, 21, [&](std::int32_t col, std::int32_t row) {
             const bool overlap = col >= 17 && col < 23 && row >= 2 && row < 19;
             if (!overlap) return int{plain(col, row)};
-            return static_cast<int>(tqGetPelBlockAvg(plain, col, row, block.width, block.height) + 0.5);
+            return static_cast<int>(tqGetPelBlockAvg(plain, col, row, width, height) + 0.5);
         });
         Image smoothed = left;
-        ASSERT_EQ(tqAppendImage(smoothed.Address(), right, block.width, block.height), 0);
-        EXPECT_TRUE(tqtest::SamePels(expected, smoothed)) << block.width << " x " << block.height;
+        ASSERT_EQ(tqAppendImage(smoothed.Address(), right, width, height), 0);
+        EXPECT_TRUE(SamePels(expected, smoothed)) << width << " x " << height;
     }
     // Without an overlap there is nothing to smooth.
-    Image apart = Centered(tqtest::RandomImage(4, 3, 7), -25.0f, 0.0f);
+    Image apart = Centered(RandomImage(4, 3, 7), -25.0f, 0.0f);
     Image same = left;
     ASSERT_EQ(tqAppendImage(same.Address(), apart, 3, 3), 0);
     EXPECT_EQ(same.Cols(), 18 + 29);
@@ -97,43 +88,33 @@ TEST(AppendImage, TheOverlapIsSmoothedByBlocksOfTheJoinedImage) {
 }
 
 TEST(AppendImage, RefusalsLeaveBothImages) {
-    const float nan = std::numeric_limits<float>::quiet_NaN();
-    const float infinity = std::numeric_limits<float>::infinity();
-    Image joined = Centered(MakeImage(2, 1, {1, 2}), 0.0f, 0.0f);
+    constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
+    constexpr float kInfinity = std::numeric_limits<float>::infinity();
+    Image joined = Centered(MakeImage(2, 1, {1, 2}), 0.0f, 0.0f), invalid(0, 1);
     const Image kept = joined;
-    Image invalid(tqtest::DefaultHeader(0, 1));
     EXPECT_EQ(tqAppendImage(nullptr, joined, 1, 1), -2);
     EXPECT_EQ(tqAppendImage(invalid.Address(), joined, 1, 1), -2);
     EXPECT_EQ(tqAppendImage(joined.Address(), nullptr, 1, 1), -3);
     EXPECT_EQ(tqAppendImage(joined.Address(), invalid, 1, 1), -3);
-    struct Case {
+    const struct {
         float col, row, luxPerGrey;
-    };
-    for (const Case& c : {Case{0, 0, 0.0f},
-                          {0, 0, -2.0f},
-                          {0, 0, nan},
-                          {nan, 0, 2.0f},
-                          {0, infinity, 2.0f},
-                          {-infinity, 0, 2.0f},
-                          {7999, 0, 2.0f},
-                          {-7999, 0, 2.0f},
-                          {0, 3e38f, 2.0f},
-                          {-3e38f, 0, 2.0f}}) {
-        SCOPED_TRACE(testing::Message() << c.col << ' ' << c.row << ' ' << c.luxPerGrey);
-        Image added = Centered(MakeImage(2, 1, {50, 60}), c.col, c.row, c.luxPerGrey);
-        const Image before = added;
+    } cases[] = {{0, 0, 0},          {0, 0, -2},   {0, 0, kNan},  {kNan, 0, 2},  {0, kInfinity, 2},
+                 {-kInfinity, 0, 2}, {7999, 0, 2}, {-7999, 0, 2}, {0, 3e38f, 2}, {-3e38f, 0, 2}};
+    for (const auto& [col, row, luxPerGrey] : cases) {
+        SCOPED_TRACE(testing::Message() << col << ' ' << row << ' ' << luxPerGrey);
+        Image added = Centered(MakeImage(2, 1, {50, 60}), col, row, luxPerGrey);
         EXPECT_EQ(tqAppendImage(joined.Address(), added, 3, 3), -4);
         EXPECT_EQ(tqAppendImage(added.Address(), joined, 3, 3), -4);
-        EXPECT_TRUE(tqtest::SamePels(before, added));
-        EXPECT_TRUE(tqtest::SamePels(kept, joined));
+        EXPECT_TRUE(SamePels(MakeImage(2, 1, {50, 60}), added));
+        EXPECT_TRUE(SamePels(kept, joined));
     }
-    Image far = Centered(MakeImage(1, 1, {5}), 7998.0f, 0.0f);
-    EXPECT_EQ(tqAppendImage(joined.Address(), far, 1, 1), 0);
-    EXPECT_EQ(joined.Cols(), 8000);
-    // A centre so near to 0 that it is lost against the other one.
-    Image near = Centered(MakeImage(1, 1, {5}), -1e-30f, 0.0f);
-    EXPECT_EQ(tqAppendImage(joined.Address(), near, 1, 1), 0);
-    EXPECT_EQ(joined.Cols(), 8000);
+    // The largest that there is; a centre so near to 0 that it is lost against the other one.
+    for (const float col : {7998.0f, -1e-30f}) {
+        const Image added = Centered(MakeImage(1, 1, {5}), col, 0.0f);
+        EXPECT_EQ(tqAppendImage(joined.Address(), Image(added), 1, 1), 0);
+        EXPECT_EQ(joined.Cols(), 8000);
+    }
 }
 
 }  // namespace
+}  // namespace tqtest

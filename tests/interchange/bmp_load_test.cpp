@@ -1,29 +1,20 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 #include <filesystem>
-#include <fstream>
+#include <limits>
 #include <string>
 #include <vector>
 
-#include "bitmaps.h"
 #include "bmp_writer.h"
-#include "failing_allocator.h"
 #include "images.h"
 #include "temp_file.h"
 #include "tqimage/bitmap_files.h"
 
+namespace tqtest {
 namespace {
-
-using tqtest::Bitmap;
-using tqtest::BmpParts;
-using tqtest::Bytes;
-using tqtest::DefaultHeader;
-using tqtest::Image;
-using tqtest::MakeBmp;
-using tqtest::RandomImage;
-using tqtest::TempName;
-using tqtest::WriteBytes;
 
 struct Sound {
     const char* name;
@@ -96,16 +87,11 @@ TEST(DiskBmpToImage, ReadsEveryFormOfFile) {
         info.Spare = 5;
         Image image;
         ASSERT_EQ(tqDiskBmpToImage(name.c_str(), &info, image.Address()), 0);
-        ASSERT_EQ(image.Count(), sound.pels.size());
-        EXPECT_EQ(image.Cols(), sound.parts.width);
-        info.PelCols = image.Cols();
-        info.PelRows = image.Rows();
-        info.MaxPelValue = image.Header().MaxPelValue;
-        EXPECT_TRUE(tqtest::SameHeader(info, image.Header())) << "all else is the host's";
-        EXPECT_EQ(info.MaxPelValue,
-                  static_cast<float>(*std::max_element(sound.pels.begin(), sound.pels.end())));
-        for (std::size_t i = 0; i < sound.pels.size(); ++i)
-            EXPECT_EQ(image.Pels()[i], sound.pels[i]) << "pel " << i;
+        info.PelCols = sound.parts.width;
+        info.PelRows = std::abs(sound.parts.height);
+        info.MaxPelValue = static_cast<float>(*std::max_element(sound.pels.begin(), sound.pels.end()));
+        EXPECT_TRUE(SameHeader(info, image.Header())) << "all else is the host's";
+        EXPECT_TRUE(SamePels(MakeImage(info.PelCols, info.PelRows, sound.pels), image));
     }
 }
 
@@ -182,26 +168,14 @@ TEST(DiskBmpToImage, RefusesMalformedFiles) {
     EXPECT_EQ(tqDiskBmpToImage(name.c_str(), &info, nullptr), -3);
 }
 
-TEST(DiskBmpToImage, SurvivesEveryCutAndEveryChangedByteOfAHeader) {
-    const TempName name("tq_damaged.bmp");
+TEST(DiskBmpToImage, RefusesEveryCut) {
+    const TempName name("tq_cut.bmp");
     const TqImageHeader info = DefaultHeader(1, 1);
     for (const Sound& sound : SoundFiles()) {
         SCOPED_TRACE(sound.name);
         const Bytes file = MakeBmp(sound.parts);
         Image image;
-        // In place, as writing a file anew is what takes its time.
         WriteBytes(name, file);
-        const auto put = [&](std::size_t at, std::uint8_t byte) {
-            std::fstream stream(name.c_str(), std::ios::in | std::ios::out | std::ios::binary);
-            stream.seekp(static_cast<std::streamoff>(at)).put(static_cast<char>(byte));
-        };
-        for (std::size_t at = 10; at < std::min<std::size_t>(file.size(), 66); ++at) {
-            put(at, static_cast<std::uint8_t>(file[at] ^ (at % 2 == 0 ? 0xFF : 0x81)));
-            const std::int32_t status = tqDiskBmpToImage(name.c_str(), &info, image.Address());
-            EXPECT_TRUE(status == 0 || status == -100) << "byte " << at;
-            put(at, file[at]);
-        }
-        ASSERT_EQ(name.Bytes(), std::string(file.begin(), file.end()));
         for (std::size_t length = file.size() - 1; length > 0; length -= length <= 70 ? 1 : 71) {
             std::filesystem::resize_file(name.c_str(), length);
             EXPECT_EQ(tqDiskBmpToImage(name.c_str(), &info, image.Address()), -100) << length << " bytes";
@@ -209,70 +183,5 @@ TEST(DiskBmpToImage, SurvivesEveryCutAndEveryChangedByteOfAHeader) {
     }
 }
 
-TEST(BmpFiles, WhatIsWrittenIsReadBack) {
-    const TempName name("tq_round_trip.bmp");
-    for (const std::int32_t cols : {1, 2, 3, 4, 301}) {
-        Image image = RandomImage(cols, 5, 3, 0, 255);
-        image.Header().MaxPelValue = 255.0f;
-        // The header that the new image gets may be that of the image it replaces.
-        Bitmap bitmap;
-        double scale = 0.0;
-        ASSERT_EQ(tqImageToLeadBmp(&bitmap, &scale, image, -1, -1.0), 0);
-        bitmap.viewPerspective = 2;
-        ASSERT_EQ(tqLeadBmpToDiskBmp(name.c_str(), &bitmap), 0);
-        Image loaded = image;
-        ASSERT_EQ(tqDiskBmpToImage(name.c_str(), &loaded.Header(), loaded.Address()), 0);
-        for (std::int32_t row = 0; row < 5; ++row) {
-            for (std::int32_t col = 0; col < cols; ++col)
-                ASSERT_EQ(loaded(col, row), image(col, 4 - row)) << col << ", " << row;
-        }
-    }
-}
-
-TEST(LeadBmpToDiskBmp, WritesColoursOfBothOrdersBlueFirst) {
-    const TempName name("tq_colours.bmp");
-    std::vector<std::uint8_t> rows(3 * 700);
-    for (std::size_t i = 0; i < rows.size(); ++i)
-        rows[i] = static_cast<std::uint8_t>(i * 7 % 251);
-    for (const std::int32_t order : {0, 1}) {
-        // Lines without padding are read as well.
-        const TqLeadBitmap bitmap{sizeof bitmap, 350, 2, 24, 3 * 350, 1, order, 0, nullptr, rows.data()};
-        ASSERT_EQ(tqLeadBmpToDiskBmp(name.c_str(), &bitmap), 0);
-        const std::string file = name.Bytes();
-        ASSERT_EQ(file.size(), 54u + 2 * 1052);
-        for (std::size_t i = 0; i < 1050; ++i) {
-            const std::size_t from = order == 1 ? i : i / 3 * 3 + (2 - i % 3);
-            ASSERT_EQ(static_cast<std::uint8_t>(file[54 + 1052 + i]), rows[from]) << i;
-        }
-        EXPECT_EQ(file[54 + 1051], 0);
-    }
-    TqLeadBitmap unreadable{};
-    EXPECT_EQ(tqLeadBmpToDiskBmp(name.c_str(), &unreadable), -1);
-    EXPECT_EQ(tqLeadBmpToDiskBmp(name.c_str(), nullptr), -1);
-    const TqLeadBitmap sound{sizeof sound, 3, 2, 24, 12, 1, 1, 0, nullptr, rows.data()};
-    for (const char* unwritable : {"no_such_folder/x.bmp", static_cast<const char*>(nullptr)})
-        EXPECT_EQ(tqLeadBmpToDiskBmp(unwritable, &sound), -1);
-}
-
-TEST(DiskBmpToImage, NoMemoryLeavesTheImage) {
-    if (!tqtest::CanFailAllocations()) GTEST_SKIP() << "the library allocates for itself here";
-    const TempName name("tq_memory.bmp");
-    WriteBytes(name, MakeBmp({40, 1, 1, 24, 0, 0, {}, {}, {1, 2, 3, 0}}));
-    const TqImageHeader info = DefaultHeader(1, 1);
-    for (int nth = 1;; ++nth) {
-        Image image(2, 2);
-        const TqImage* const before = image.Get();
-        bool happened = false;
-        std::int32_t status = 0;
-        {
-            const tqtest::AllocationFailure failing(nth);
-            status = tqDiskBmpToImage(name.c_str(), &info, image.Address());
-            happened = tqtest::AllocationFailure::Happened();
-        }
-        if (!happened) break;
-        EXPECT_TRUE(status == -100 || status == -3) << nth;
-        EXPECT_EQ(image.Get(), before);
-    }
-}
-
 }  // namespace
+}  // namespace tqtest
