@@ -40,12 +40,6 @@ struct Scratch {
         tqImageFree(&scaled);
         tqImageFree(&image);
     }
-    static Scratch& Of(const NoiseImage& image) {
-        static std::map<const NoiseImage*, std::unique_ptr<Scratch>> all;
-        auto& scratch = all[&image];
-        if (scratch == nullptr) scratch = std::make_unique<Scratch>(image);
-        return *scratch;
-    }
     TqLeadBitmap* NewBitmap() {
         tqFreeLeadBmp(&bitmap);
         return &bitmap;
@@ -69,19 +63,24 @@ using Step = void (*)(Scratch&);
 
 void Add(
     const char* name, Step ours, Step peer, Step prepare = [](Scratch&) {}) {
-    const auto with = [](Step step) { return [=](const NoiseImage& image) { step(Scratch::Of(image)); }; };
-    Register({name, with(ours), with(peer), false, with(prepare)});
+    Register({name, With<Scratch>(ours), With<Scratch>(peer), false, With<Scratch>(prepare)});
 }
 
-/// Two bytes in, one out, and nothing else: the yardstick of everything that makes bytes of pels.
-void NarrowingCopy(Scratch& s) {
+/// A plain loop that makes a byte of every pel.
+template <class ByteOf>
+void Loop(Scratch& s, const ByteOf& byteOf) {
     cv::Mat& result = s.NewResult();
     result.create(s.from.Rows(), s.from.Cols(), CV_8U);
     const std::uint16_t* pels = s.from.Mat().ptr<std::uint16_t>();
     std::uint8_t* bytes = result.ptr();
     const std::size_t count = result.total();
     for (std::size_t i = 0; i < count; ++i)
-        bytes[i] = static_cast<std::uint8_t>(pels[i] >> 8);
+        bytes[i] = byteOf(pels[i]);
+}
+
+/// Two bytes in, one out, and nothing else: the yardstick of everything that makes bytes of pels.
+void NarrowingCopy(Scratch& s) {
+    Loop(s, [](std::uint16_t pel) { return static_cast<std::uint8_t>(pel >> 8); });
 }
 
 /// The same with a byte for each of the 65536 grey levels, as the definition of the curve asks.
@@ -92,13 +91,7 @@ void LookUpCopy(Scratch& s) {
             made[i] = static_cast<std::uint8_t>(255 * std::pow(static_cast<double>(i) / kFullScale, 1 / 2.4));
         return made;
     }();
-    cv::Mat& result = s.NewResult();
-    result.create(s.from.Rows(), s.from.Cols(), CV_8U);
-    const std::uint16_t* pels = s.from.Mat().ptr<std::uint16_t>();
-    std::uint8_t* bytes = result.ptr();
-    const std::size_t count = result.total();
-    for (std::size_t i = 0; i < count; ++i)
-        bytes[i] = table[pels[i]];
+    Loop(s, [](std::uint16_t pel) { return table[pel]; });
 }
 
 void Curved(Scratch& s) {

@@ -8,8 +8,8 @@
 #include <utility>
 #include <vector>
 
+#include "automation_host.h"
 #include "contest.h"
-#include "tqimage/automation.h"
 #include "tqimage/image.h"
 
 namespace tqbench {
@@ -45,31 +45,14 @@ struct PointCloud {
     }
 };
 
-class HostList {
-  public:
-    explicit HostList(const PointCloud& points) {
-        SAFEARRAYBOUND bounds[2] = {{static_cast<ULONG>(points.col.size()), 0}, {3, 0}};
-        list_ = SafeArrayCreate(VT_R8, 2, bounds);
-        for (std::size_t i = 0; i < points.col.size(); ++i) {
-            double fields[3] = {points.col[i], points.row[i], points.factor[i]};
-            for (LONG field = 0; field < 3; ++field) {
-                LONG at[2] = {static_cast<LONG>(i), field};
-                SafeArrayPutElement(list_, at, &fields[field]);
-            }
-        }
-    }
-    HostList(const HostList&) = delete;
-    HostList& operator=(const HostList&) = delete;
-    ~HostList() { SafeArrayDestroy(list_); }
-    SAFEARRAY** Address() { return &list_; }
-
-  private:
-    SAFEARRAY* list_;
-};
-
 void Build(TqImage** image, const NoiseImage& size, std::int32_t method, std::size_t count) {
     const TqMultiPointSettings settings{1, size.Cols(), size.Rows(), method, {0, 0}, 0.0f, 0.0f, 1e6f, 1e6f};
-    HostList list(PointCloud(count, size.Cols(), size.Rows()));
+    const PointCloud points(count, size.Cols(), size.Rows());
+    auto list = tqtest::MakeDoubleArray(static_cast<std::uint32_t>(count), 3, [&](int point, int field) {
+        return (field == 0   ? points.col
+                : field == 1 ? points.row
+                             : points.factor)[static_cast<std::size_t>(point)];
+    });
     DoNotOptimize(tqBuildMultiPointImage(image, &settings, list.Address()));
 }
 

@@ -19,8 +19,7 @@ struct Scene {
     explicit Scene(const NoiseImage& image) : from(image), mats(3) {
         for (std::size_t k = 0; k < 3; ++k) {
             tqGlobalCopy(&channels[k], image.Get());
-            auto* const pels = reinterpret_cast<std::uint16_t*>(
-                reinterpret_cast<unsigned char*>(channels[k]) + sizeof(TqImageHeader));
+            std::uint16_t* const pels = PelsOf(channels[k]);
             // The noise of one channel in the brightness that the filters share.
             for (std::size_t i = 0; i < image.Mat().total(); ++i)
                 pels[i] = static_cast<std::uint16_t>(20000 + i % 30011 + (pels[i] >> (3 + k)));
@@ -38,12 +37,6 @@ struct Scene {
             tqImageFree(&image);
         for (TqImage*& image : out)
             if (image != nullptr) tqImageFree(&image);
-    }
-    static Scene& Of(const NoiseImage& image) {
-        static std::map<const NoiseImage*, std::unique_ptr<Scene>> all;
-        auto& scene = all[&image];
-        if (scene == nullptr) scene = std::make_unique<Scene>(image);
-        return *scene;
     }
 
     /// Planes of X, Y and Z as the peer makes them.
@@ -83,33 +76,29 @@ struct Scene {
 using Step = void (*)(Scene&);
 
 void Add(const std::string& name, Step ours, Step peer) {
-    const auto with = [](auto step) { return [=](const NoiseImage& image) { step(Scene::Of(image)); }; };
-    Register({"colour_" + name, with(ours), with(peer)});
+    Register({"colour_" + name, With<Scene>(ours), With<Scene>(peer)});
 }
 
 void RegisterTransforms() {
+    const Step peer = [](Scene& s) {
+        const auto planes = s.Mixed();
+        for (std::size_t k = 0; k < 3; ++k)
+            s.Keep(planes[k], k);
+    };
     Add(
         "rgb_to_xyz",
         [](Scene& s) {
             tqTransformRGBToXYZ2(&s.out[0], &s.out[1], &s.out[2], s.channels[0], s.channels[1], s.channels[2],
                                  1.5f, -0.75f, 0.1f, -0.5f, 1.25f, 0.01f, 0.3f, -0.2f, 2.0f);
         },
-        [](Scene& s) {
-            const auto planes = s.Mixed();
-            for (std::size_t k = 0; k < 3; ++k)
-                s.Keep(planes[k], k);
-        });
+        peer);
     Add(
         "xyz_to_rgb",
         [](Scene& s) {
             tqTransformXYZToRGB3(&s.out[0], &s.out[1], &s.out[2], s.channels[0], s.channels[1], s.channels[2],
                                  0.01, 0.02, 0.03, 1.5, -0.75, 0.1, -0.5, 1.25, 0.01, 0.3, -0.2, 2.0);
         },
-        [](Scene& s) {
-            const auto planes = s.Mixed();
-            for (std::size_t k = 0; k < 3; ++k)
-                s.Keep(planes[k], k);
-        });
+        peer);
 }
 
 /// u' of the pels, or of blocks around them.

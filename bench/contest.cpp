@@ -5,8 +5,6 @@
 #include <cstdio>
 #include <cstring>
 #include <limits>
-#include <map>
-#include <memory>
 #include <random>
 #include <regex>
 #include <stdexcept>
@@ -159,7 +157,7 @@ NoiseImage::NoiseImage(std::int32_t cols, std::int32_t rows) {
     header.SourceDistance = 3.0f;
     header.BinCols = header.BinRows = 1;
     if (tqCreateImage(&header, &block_) != 0) throw std::runtime_error("no memory for a benchmark's image");
-    auto* pels = reinterpret_cast<std::uint16_t*>(reinterpret_cast<unsigned char*>(block_) + sizeof header);
+    std::uint16_t* const pels = PelsOf(block_);
     mat_ = cv::Mat(rows, cols, CV_16UC1, pels);
     std::mt19937 engine(1);
     std::generate_n(pels, mat_.total(), [&] { return static_cast<std::uint16_t>(engine()); });

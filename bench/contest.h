@@ -6,6 +6,8 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
+#include <memory>
 #include <string>
 
 #include "tqimage/image.h"
@@ -31,6 +33,26 @@ class NoiseImage {
     TqImage* block_ = nullptr;
     cv::Mat mat_;
 };
+
+/// The pels of a block, which follow its header.
+inline std::uint16_t* PelsOf(TqImage* image) {
+    return reinterpret_cast<std::uint16_t*>(reinterpret_cast<TqImageHeader*>(image) + 1);
+}
+
+/// Images that the turns of contests write, made of a NoiseImage when a contest first asks for them.
+template <class Scratch>
+Scratch& ScratchOf(const NoiseImage& image) {
+    static std::map<const NoiseImage*, std::unique_ptr<Scratch>> all;
+    auto& scratch = all[&image];
+    if (scratch == nullptr) scratch = std::make_unique<Scratch>(image);
+    return *scratch;
+}
+
+/// A side of a contest: the step, on the images that it works with.
+template <class Scratch, class Step>
+std::function<void(const NoiseImage&)> With(Step step) {
+    return [=](const NoiseImage& image) { step(ScratchOf<Scratch>(image)); };
+}
 
 /// What a plain loop that reads every pel and adds it up needs: the yardstick of bandwidth.
 std::uint64_t ReadEveryPel(const NoiseImage& image);

@@ -19,16 +19,12 @@ class WorkingCopy {
         TqImageHeader header;
         tqGetImageInfo(&header, image.Get());
         tqCreateImage(&header, &block_);
-        std::memcpy(Pels(), image.Mat().data, image.Mat().total() * image.Mat().elemSize());
+        std::memcpy(PelsOf(block_), image.Mat().data, image.Mat().total() * image.Mat().elemSize());
     }
     WorkingCopy(const WorkingCopy&) = delete;
     WorkingCopy& operator=(const WorkingCopy&) = delete;
     ~WorkingCopy() { tqImageFree(&block_); }
     TqImage* Get() { return block_; }
-    std::uint16_t* Pels() {
-        return reinterpret_cast<std::uint16_t*>(reinterpret_cast<unsigned char*>(block_) +
-                                                sizeof(TqImageHeader));
-    }
 
   private:
     TqImage* block_ = nullptr;
@@ -101,7 +97,7 @@ const TqImage* MarksOf(const NoiseImage& image, std::int32_t threshold) {
     if (found == nullptr) {
         found = std::make_unique<WorkingCopy>(image);
         for (std::size_t i = 0; i < image.Mat().total(); ++i) {
-            std::uint16_t& pel = found->Pels()[i];
+            std::uint16_t& pel = PelsOf(found->Get())[i];
             if (pel <= threshold) pel = 0;
         }
     }
@@ -110,28 +106,25 @@ const TqImage* MarksOf(const NoiseImage& image, std::int32_t threshold) {
 
 /// Repairs against a copy of the image, which each of their turns includes.
 void RegisterRepairs() {
-    const auto copy = [](const NoiseImage& image) { WorkingCopy copied(image); };
+    const auto add = [](const std::string& name, auto repair) {
+        Register({name,
+                  [=](const NoiseImage& image) {
+                      WorkingCopy work(image);
+                      repair(work.Get(), image);
+                  },
+                  [](const NoiseImage& image) { WorkingCopy copied(image); }});
+    };
     for (const int threshold : {65500, 32768}) {
         for (const int side : {3, 51}) {
             const std::string name = std::to_string(side) + "_above_" + std::to_string(threshold);
-            Register({"hot_pixels/" + name,
-                      [=](const NoiseImage& image) {
-                          WorkingCopy work(image);
-                          tqReplaceHotPixels(work.Get(), threshold, 1.0f, side, side);
-                      },
-                      copy});
-            Register({"spikes/" + name,
-                      [=](const NoiseImage& image) {
-                          WorkingCopy work(image);
-                          tqEditSpikes(work.Get(), threshold, 0, side, side);
-                      },
-                      copy});
-            Register({"fix_defects/" + name,
-                      [=](const NoiseImage& image) {
-                          WorkingCopy work(image);
-                          tqFixDefects(work.Get(), MarksOf(image, threshold), side, side);
-                      },
-                      copy});
+            add("hot_pixels/" + name, [=](TqImage* image, const NoiseImage&) {
+                tqReplaceHotPixels(image, threshold, 1.0f, side, side);
+            });
+            add("spikes/" + name,
+                [=](TqImage* image, const NoiseImage&) { tqEditSpikes(image, threshold, 0, side, side); });
+            add("fix_defects/" + name, [=](TqImage* image, const NoiseImage& noise) {
+                tqFixDefects(image, MarksOf(noise, threshold), side, side);
+            });
         }
     }
 }

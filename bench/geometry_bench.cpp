@@ -57,16 +57,6 @@ struct Scratch {
         tqImageFree(&target);
         tqImageFree(&labels);
     }
-    static Scratch& Of(const NoiseImage& image) {
-        static std::map<const NoiseImage*, std::unique_ptr<Scratch>> all;
-        auto& scratch = all[&image];
-        if (scratch == nullptr) scratch = std::make_unique<Scratch>(image);
-        return *scratch;
-    }
-    static std::uint16_t* PelsOf(TqImage* image) {
-        return reinterpret_cast<std::uint16_t*>(reinterpret_cast<unsigned char*>(image) +
-                                                sizeof(TqImageHeader));
-    }
 
     void Prepare() { tqGlobalCopy(&target, from.Get()); }
     /// The same, and what the first turn would have to wait for.
@@ -139,17 +129,18 @@ void Prepare(Scratch& s) {
 /// already.
 void Add(const std::string& name, Step ours, Step peer, std::int32_t largestSide = 8000,
          Step prepare = Prepare) {
-    const auto with = [](auto step) { return [=](const NoiseImage& image) { step(Scratch::Of(image)); }; };
     if (peer == nullptr) {
-        Register({"geometry/" + name, with(ours), {}, false, with(prepare), largestSide});
+        Register({"geometry/" + name, With<Scratch>(ours), {}, false, With<Scratch>(prepare), largestSide});
         return;
     }
     const auto anew = [=](Scratch& s) {
         const cv::Mat replaced = std::exchange(s.result, cv::Mat());
         peer(s);
     };
-    Register({"geometry/" + name, with(ours), with(anew), false, with(prepare), largestSide});
-    Register({"geometry/" + name + "_reused", with(ours), with(peer), false, with(prepare), largestSide});
+    Register({"geometry/" + name, With<Scratch>(ours), With<Scratch>(anew), false, With<Scratch>(prepare),
+              largestSide});
+    Register({"geometry/" + name + "_reused", With<Scratch>(ours), With<Scratch>(peer), false,
+              With<Scratch>(prepare), largestSide});
 }
 
 void RegisterTurns() {

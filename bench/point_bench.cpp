@@ -38,16 +38,6 @@ struct Scratch {
         tqImageFree(&target);
         tqImageFree(&other);
     }
-    static std::uint16_t* PelsOf(TqImage* image) {
-        return reinterpret_cast<std::uint16_t*>(reinterpret_cast<unsigned char*>(image) +
-                                                sizeof(TqImageHeader));
-    }
-    static Scratch& Of(const NoiseImage& image) {
-        static std::map<const NoiseImage*, std::unique_ptr<Scratch>> all;
-        auto& scratch = all[&image];
-        if (scratch == nullptr) scratch = std::make_unique<Scratch>(image);
-        return *scratch;
-    }
 
     const NoiseImage& from;
     TqImage* target = nullptr;
@@ -63,14 +53,13 @@ enum class Result { kInPlace, kNew };
 /// Each operation against the peer, and the loop that copies as many images. Where we make a new image the
 /// peer makes one too; "_reused" is the peer that writes into memory it has already.
 void Add(const std::string& name, Result result, Step ours, Step peer, Step copy) {
-    const auto with = [](auto step) { return [=](const NoiseImage& image) { step(Scratch::Of(image)); }; };
     const auto anew = [=](Scratch& s) {
         const cv::Mat replaced = std::exchange(s.result, cv::Mat());
         peer(s);
     };
     const auto add = [&](const std::string& title, auto opponent) {
-        Contest contest{title, with(ours), with(opponent)};
-        contest.traffic = with(copy);
+        Contest contest{title, With<Scratch>(ours), With<Scratch>(opponent)};
+        contest.traffic = With<Scratch>(copy);
         Register(contest);
     };
     if (result == Result::kInPlace) {
@@ -100,7 +89,7 @@ void CopyOfTwo(Scratch& s) {
     tqCreateImage(&header, &out);
     const auto* a = s.from.Mat().ptr<std::uint64_t>();
     const auto* b = s.otherMat.ptr<std::uint64_t>();
-    auto* to = Scratch::PelsOf(out);
+    auto* to = PelsOf(out);
     const std::size_t count = s.result.total() / 4;
     for (std::size_t i = 0; i < count; ++i) {
         const std::uint64_t both = a[i] ^ b[i];

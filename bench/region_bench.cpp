@@ -1,9 +1,10 @@
 #include <opencv2/imgproc.hpp>
 
+#include <utility>
 #include <vector>
 
+#include "automation_host.h"
 #include "contest.h"
-#include "tqimage/automation.h"
 #include "tqimage/pel_block.h"
 #include "tqimage/region_ellipse.h"
 #include "tqimage/region_polygon.h"
@@ -15,8 +16,8 @@ namespace {
 using benchmark::DoNotOptimize;
 
 /// A seven-sided polygon that fills about half of the image.
-std::vector<cv::Point> PolygonOf(const NoiseImage& image) {
-    std::vector<cv::Point> points;
+std::vector<std::pair<std::int32_t, std::int32_t>> PolygonOf(const NoiseImage& image) {
+    std::vector<std::pair<std::int32_t, std::int32_t>> vertices;
     for (const auto& [x, y] : {std::pair{0.05, 0.4},
                                {0.3, 0.05},
                                {0.55, 0.2},
@@ -24,37 +25,17 @@ std::vector<cv::Point> PolygonOf(const NoiseImage& image) {
                                {0.8, 0.6},
                                {0.9, 0.95},
                                {0.2, 0.85}}) {
-        points.emplace_back(static_cast<int>(x * image.Cols()), static_cast<int>(y * image.Rows()));
+        vertices.emplace_back(static_cast<int>(x * image.Cols()), static_cast<int>(y * image.Rows()));
     }
-    return points;
+    return vertices;
 }
-
-class VertexArray {
-  public:
-    explicit VertexArray(const std::vector<cv::Point>& points) {
-        SAFEARRAYBOUND bounds[2] = {{2, 0}, {static_cast<ULONG>(points.size()), 0}};
-        array_ = SafeArrayCreate(VT_I4, 2, bounds);
-        for (LONG i = 0; i < static_cast<LONG>(points.size()); ++i) {
-            LONG index[2] = {0, i};
-            LONG value = points[static_cast<std::size_t>(i)].x;
-            SafeArrayPutElement(array_, index, &value);
-            index[0] = 1;
-            value = points[static_cast<std::size_t>(i)].y;
-            SafeArrayPutElement(array_, index, &value);
-        }
-    }
-    VertexArray(const VertexArray&) = delete;
-    VertexArray& operator=(const VertexArray&) = delete;
-    ~VertexArray() { SafeArrayDestroy(array_); }
-    operator SAFEARRAY**() { return &array_; }
-
-  private:
-    SAFEARRAY* array_;
-};
 
 cv::Mat PolygonMask(const NoiseImage& image) {
     cv::Mat mask(image.Rows(), image.Cols(), CV_8UC1, cv::Scalar(0));
-    cv::fillPoly(mask, std::vector<std::vector<cv::Point>>{PolygonOf(image)}, cv::Scalar(255));
+    std::vector<cv::Point> points;
+    for (const auto& [col, row] : PolygonOf(image))
+        points.emplace_back(col, row);
+    cv::fillPoly(mask, std::vector<std::vector<cv::Point>>{points}, cv::Scalar(255));
     return mask;
 }
 
@@ -130,14 +111,14 @@ void RegisterEllipse() {
 void RegisterPolygon() {
     Register({"polygon/mean",
               [](const NoiseImage& image) {
-                  VertexArray vertices(PolygonOf(image));
-                  DoNotOptimize(tqGetPelBlockAvgPoly(image.Get(), vertices));
+                  auto vertices = tqtest::MakeVertices(PolygonOf(image));
+                  DoNotOptimize(tqGetPelBlockAvgPoly(image.Get(), vertices.Address()));
               },
               [](const NoiseImage& image) { DoNotOptimize(cv::mean(image.Mat(), PolygonMask(image))); }});
     Register({"polygon/max",
               [](const NoiseImage& image) {
-                  VertexArray vertices(PolygonOf(image));
-                  DoNotOptimize(tqGetMaxPelValueInPoly(image.Get(), vertices));
+                  auto vertices = tqtest::MakeVertices(PolygonOf(image));
+                  DoNotOptimize(tqGetMaxPelValueInPoly(image.Get(), vertices.Address()));
               },
               [](const NoiseImage& image) {
                   double min, max;
@@ -145,9 +126,9 @@ void RegisterPolygon() {
               }});
     Register({"polygon/total_from_threshold",
               [](const NoiseImage& image) {
-                  VertexArray vertices(PolygonOf(image));
+                  auto vertices = tqtest::MakeVertices(PolygonOf(image));
                   std::int32_t count;
-                  DoNotOptimize(tqGetTotalPelValueInPoly(image.Get(), &count, vertices, 30000));
+                  DoNotOptimize(tqGetTotalPelValueInPoly(image.Get(), &count, vertices.Address(), 30000));
               },
               [](const NoiseImage& image) {
                   const cv::Mat mask = PolygonMask(image) & (image.Mat() >= 30000);

@@ -147,8 +147,7 @@ void RegisterHistogram() {
     Register({"whole/histogram_of_flat_vs_plain_loop",
               [=](const NoiseImage& image) { Histogram(flat(image)); },
               [=](const NoiseImage& image) {
-                  auto* pels = reinterpret_cast<unsigned char*>(flat(image)) + sizeof(TqImageHeader);
-                  PlainHistogram(cv::Mat(image.Rows(), image.Cols(), CV_16UC1, pels));
+                  PlainHistogram(cv::Mat(image.Rows(), image.Cols(), CV_16UC1, PelsOf(flat(image))));
               }});
 }
 

@@ -8,7 +8,7 @@ import pathlib
 import re
 import sys
 
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "tests" / "exports"))
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "tools"))
 from declarations import DECLARATION, public_headers  # noqa: E402
 
 # Numbers that several values are written to. Arrays that are only read are const.

@@ -9,14 +9,13 @@
 #include "failure.h"
 #include "files.h"
 #include "image_file.h"
+#include "input.h"
 #include "library.h"
 #include "options.h"
 #include "picture_file.h"
-#include "progress.h"
 #include "region_query.h"
 #include "text.h"
 #include "tqimage/bitmap.h"
-#include "tqimage/bitmap_files.h"
 #include "tqimage/colour_difference.h"
 #include "tqimage/colour_transforms.h"
 
@@ -28,7 +27,6 @@ struct ColourOptions {
     std::array<std::string, 3> images;
     std::string matrix;
     HeaderOptions header;
-    std::string headerFile;
     std::vector<std::string> regions;
     std::string uMap, vMap, differenceMap;
     std::string reference, range, block;
@@ -44,21 +42,19 @@ using Matrix = std::array<double, 9>;
 /// The three channels, and what turns their grey levels into X, Y and Z.
 class Channels {
   public:
-    Channels(const ColourOptions& options, const Matrix& matrix, const Progress& progress) : matrix_(matrix) {
+    Channels(const ColourOptions& options, const Matrix& matrix, const Progress& progress)
+        : images_{Read(options, 0, progress), Read(options, 1, progress), Read(options, 2, progress)},
+          matrix_(matrix) {
         int known = 0;
         for (std::size_t k = 0; k < 3; ++k) {
-            const std::string& name = options.images[k];
-            progress.Stage("reading " + name);
-            const PhotometricHeader header = FindHeader(name, options.headerFile, options.header);
-            const GreyImage pels = ReadImage(name);
-            images_[k] = std::make_unique<HostImage>(pels, MakeHeader(header, pels.cols, pels.rows));
-            if (pels.cols != Header().PelCols || pels.rows != Header().PelRows) {
-                FailMeasurement(name, "has another size than " + options.images[0]);
+            const TqImageHeader header = images_[k].image.Header();
+            if (header.PelCols != Header().PelCols || header.PelRows != Header().PelRows) {
+                FailMeasurement(options.images[k], "has another size than " + options.images[0]);
             }
-            const double lux = header.luxPerGrey ? double{*header.luxPerGrey} : 1.0;
-            known += header.luxPerGrey ? 1 : 0;
+            const auto& luxPerGrey = images_[k].known.luxPerGrey;
+            known += luxPerGrey ? 1 : 0;
             for (std::size_t row = 0; row < 3; ++row)
-                matrix_[3 * row + k] *= lux;
+                matrix_[3 * row + k] *= static_cast<double>(luxPerGrey.value_or(1.0f));
         }
         if (known != 0 && known != 3) {
             FailMeasurement(options.images[0], "the lux of a grey level is known of some images only");
@@ -67,13 +63,13 @@ class Channels {
     }
 
     bool InLux() const { return inLux_; }
-    TqImageHeader Header() const { return images_[0]->Header(); }
+    TqImageHeader Header() const { return images_[0].image.Header(); }
 
     Tristimulus MeanOf(const Region& region, HostImage& scratch) const {
         Tristimulus mean{};
         for (std::size_t k = 0; k < 3; ++k) {
             std::int32_t count = 0;
-            const double total = RegionQuery(*images_[k], region, scratch).Total(0, count);
+            const double total = RegionQuery(images_[k].image, region, scratch).Total(0, count);
             if (count < 1) FailMeasurement(region.text, "no pel of the image lies in it");
             for (std::size_t row = 0; row < 3; ++row)
                 mean[row] += matrix_[3 * row + k] * (total / count);
@@ -87,26 +83,19 @@ class Channels {
         std::array<float, 9> m;
         std::transform(matrix_.begin(), matrix_.end(), m.begin(),
                        [](double value) { return static_cast<float>(value); });
-        return call(images_[0]->Get(), images_[1]->Get(), images_[2]->Get(), m[0], m[1], m[2], m[3], m[4],
-                    m[5], m[6], m[7], m[8]);
+        return call(images_[0].image.Get(), images_[1].image.Get(), images_[2].image.Get(), m[0], m[1], m[2],
+                    m[3], m[4], m[5], m[6], m[7], m[8]);
     }
 
   private:
-    std::array<std::unique_ptr<HostImage>, 3> images_;
+    static Input Read(const ColourOptions& options, std::size_t k, const Progress& progress) {
+        return ReadInput(options.images[k], options.header, progress);
+    }
+
+    std::array<Input, 3> images_;
     Matrix matrix_;
     bool inLux_ = false;
 };
-
-/// As many numbers as the option takes, or what is meant without it.
-template <std::size_t kCount>
-std::array<double, kCount> ParseNumbers(const char* option, const std::string& text,
-                                        std::array<double, kCount> values) {
-    if (text.empty()) return values;
-    const auto typed = ParseReals(text, kCount, kCount);
-    if (!typed) FailUsage(Format("%s takes %zu numbers, not %s", option, kCount, text.c_str()));
-    std::copy(typed->begin(), typed->end(), values.begin());
-    return values;
-}
 
 std::vector<RegionColour> MeasureColours(const Channels& channels, std::vector<Region> regions) {
     const TqImageHeader header = channels.Header();
@@ -135,15 +124,12 @@ std::optional<LargestDifference> FindLargest(const std::vector<RegionColour>& co
 
 /// The false-colour palette that starts dark, without a tone curve: byte 1 is the lower end, 255 the upper.
 void WriteFalseColours(const std::string& name, const std::string& file, HostImage& map) {
-    constexpr std::int32_t kFalseColours = -1;
     constexpr double kLinear = -1.0;
     TqLeadBitmap bitmap{};
     Require(
         tqImageToLeadBmpScale(&bitmap, nullptr, map.Get(), nullptr, kFalseColours, 0, kMapLevels, 0, kLinear),
         name, "the false colours");
-    const bool written = tqLeadBmpToDiskBmp(file.c_str(), &bitmap) == 0;
-    tqFreeLeadBmp(&bitmap);
-    if (!written) FailFile(name, "the bitmap cannot be written");
+    WriteLeadBitmap(name, file, bitmap);
 }
 
 void WriteMap(const std::string& name, const char* quantity, const std::array<double, 2>& range,
@@ -161,7 +147,7 @@ void WriteMap(const std::string& name, const char* quantity, const std::array<do
 void MakeMaps(const ColourOptions& options, const Channels& channels, ColourReport& report,
               OutputFiles& files) {
     // Above all colours that there are: u' reaches 0.623 and v' 0.587.
-    const auto range = ParseNumbers<2>("--range", options.range, {0.0, 0.65});
+    const auto range = ParseRange("--range", options.range, {0.0, 0.65});
     std::array<std::int32_t, 2> block{1, 1};
     if (!options.block.empty()) block = ParsePair("--block", options.block, 1);
     HostImage map(1, 1);
@@ -196,8 +182,7 @@ void CheckOptions(const ColourOptions& options) {
     CheckDestinations({options.json, options.csv});
     for (const std::string* map : {&options.uMap, &options.vMap, &options.differenceMap})
         if (!map->empty()) CheckPictureName(*map, false);
-    const auto range = ParseNumbers<2>("--range", options.range, {0.0, 1.0});
-    if (!(range[0] < range[1])) FailUsage("--range takes LOW,HIGH, HIGH the larger, not " + options.range);
+    ParseRange("--range", options.range, {0.0, 1.0});
     ParseNumbers<2>("--reference", options.reference, {});
 }
 
@@ -242,7 +227,7 @@ void AddColour(CLI::App& app) {
     const char* const header = "Header (else from --header, else from IMAGE.json of each image)";
     command.add_option("--lux-per-grey", options.header.luxPerGrey, "Illuminance of a grey level")
         ->group(header);
-    command.add_option("--header", options.headerFile, "JSON file with the header")->group(header);
+    command.add_option("--header", options.header.file, "JSON file with the header")->group(header);
     AddRegions(command, options.regions);
 
     const char* const maps = "Maps: .bmp in false colours; .png, .tif or .pgm with 65000 at the upper end";

@@ -65,8 +65,7 @@ std::string FormatColourJson(const ColourReport& report) {
         json["maps"].push_back(
             {{"file", map.file}, {"quantity", map.quantity}, {"low", map.low}, {"high", map.high}});
     }
-    // File names may be any bytes; what is not text in them is replaced rather than refused.
-    return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+    return JsonText(json);
 }
 
 std::string FormatColourCsv(const ColourReport& report) {

@@ -12,6 +12,7 @@
 #include "image_file.h"
 #include "library.h"
 #include "options.h"
+#include "picture_file.h"
 #include "text.h"
 #include "tqimage/bitmap_files.h"
 #include "tqimage/compressed_image.h"
@@ -25,7 +26,6 @@ namespace {
 struct ConvertOptions {
     std::string image, output;
     HeaderOptions header;
-    std::string headerFile;
     std::string palette, gamma, stretch;
     bool logarithmic = false;
     std::int32_t quality = -5;
@@ -56,7 +56,7 @@ Display ParseDisplay(const ConvertOptions& options) {
     };
     // The library's codes of the palettes; any that it does not know is a grey ramp.
     constexpr Named kPalettes[] = {{"none", 0},  {"white", 1}, {"false-white", 2}, {"red", 3},
-                                   {"green", 4}, {"blue", 5},  {"grey", 6},        {"false", -1}};
+                                   {"green", 4}, {"blue", 5},  {"grey", 6},        {"false", kFalseColours}};
     constexpr std::int32_t kPaletteFromText = -2;
     constexpr char kFile[] = "file:";
     Display display;
@@ -91,7 +91,7 @@ Display ParseDisplay(const ConvertOptions& options) {
 void CheckOptions(const ConvertOptions& options) {
     const bool display =
         !options.palette.empty() || !options.gamma.empty() || !options.stretch.empty() || options.logarithmic;
-    if (display && FormOf(options.output) != Form::kBitmap)
+    if (FormOf(options.output) != Form::kBitmap && display)
         FailUsage("--palette, --gamma, --stretch and --log shape a .bmp only");
     if (options.quality < -9 || options.quality > 255) FailUsage("--quality is -9 to 255");
 }
@@ -100,8 +100,7 @@ void CheckOptions(const ConvertOptions& options) {
 /// the range of a bitmap.
 TqImageHeader HeaderFor(const ConvertOptions& options, std::int32_t cols, std::int32_t rows, bool bytes,
                         std::uint16_t largest) {
-    TqImageHeader header =
-        MakeHeader(FindHeader(options.image, options.headerFile, options.header), cols, rows);
+    TqImageHeader header = MakeHeader(FindHeader(options.image, options.header), cols, rows);
     header.MaxPelValue = bytes ? 255.0f : static_cast<float>(std::max<std::uint16_t>(largest, 1));
     return header;
 }
@@ -141,7 +140,7 @@ std::unique_ptr<HostImage> ReadByteString(const ConvertOptions& options, const s
     const auto valid = [](std::int32_t side) { return side >= 1 && side <= kLargestSide; };
     if (!valid(header.PelCols) || !valid(header.PelRows))
         FailFile(options.image, "a byte string without an image");
-    Correct(header, FindHeader(options.image, options.headerFile, options.header));
+    Correct(header, FindHeader(options.image, options.header));
     image->SetHeader(header);
     return image;
 }
@@ -178,9 +177,7 @@ void WriteBitmap(const Display& display, bool logarithmic, HostImage& image, con
                                     display.gamma)
             : tqImageToLeadBmp0(&bitmap, &scale, image.Get(), text, display.palette, display.gamma);
     Require(status, file.Path(), "making the bitmap");
-    const bool written = tqLeadBmpToDiskBmp(file.WorkingPath().c_str(), &bitmap) == 0;
-    tqFreeLeadBmp(&bitmap);
-    if (!written) FailFile(file.Path(), "the bitmap cannot be written");
+    WriteLeadBitmap(file.Path(), file.WorkingPath(), bitmap);
 }
 
 void WriteJpeg(std::int32_t quality, HostImage& image, OutputFile& file) {
@@ -242,7 +239,7 @@ void AddConvert(CLI::App& app) {
                     "File to write: .png, .tif, .tiff or .pgm (16 bits), .bmp, .jpg or .jpeg (8 bits), .tqz "
                     "(with header)")
         ->required();
-    AddHeader(command, options.header, options.headerFile);
+    AddHeader(command, options.header);
     const char* const bitmap =
         "BMP (8-bit levels keep their numbers, deeper ones fill the range up to the largest)";
     command

@@ -7,6 +7,7 @@
 #include "delivery.h"
 #include "failure.h"
 #include "image_output.h"
+#include "input.h"
 #include "options.h"
 
 namespace cli {
@@ -16,7 +17,6 @@ namespace {
 struct CorrectOptions {
     std::string image;
     HeaderOptions header;
-    std::string headerFile;
     TypedCorrections corrections;
     std::string output;
     bool progress = false;
@@ -26,16 +26,13 @@ void Run(const CorrectOptions& options) {
     CheckImageName(options.output);
     const CorrectionOptions corrections = ParseCorrections(options.corrections);
     const Progress progress(options.progress);
-    const PhotometricHeader header = FindHeader(options.image, options.headerFile, options.header);
-    progress.Stage("reading " + options.image);
-    const GreyImage pels = ReadImage(options.image);
-    HostImage image(pels, MakeHeader(header, pels.cols, pels.rows));
+    Input input = ReadInput(options.image, options.header, progress);
     std::string done;
-    for (const std::string& step : Correct(options.image, pels.bitsPerPel, corrections, progress, image))
+    for (const std::string& step : Correct(options.image, input, corrections, progress))
         done += step + "\n";
     if (done.empty()) FailUsage("there is no correction to make (see tqimage correct --help)");
     progress.Stage("writing " + options.output);
-    WriteWithHeader(options.output, image);
+    WriteWithHeader(options.output, input.image);
     Show(done);
 }
 
@@ -47,7 +44,7 @@ void AddCorrect(CLI::App& app) {
     CLI::App& command = *app.add_subcommand(
         "correct", "Correct an image, write it with its header beside it, and tell what was done");
     AddImage(command, options.image);
-    AddHeader(command, options.header, options.headerFile);
+    AddHeader(command, options.header);
     AddCorrections(command, options.corrections);
     AddImageOutput(command, options.output, options.progress);
     command.callback([typed] { Run(*typed); });

@@ -91,12 +91,13 @@ std::string CorrectLens(const CorrectionOptions& options, HostImage& image) {
 
 }  // namespace
 
-std::vector<std::string> Correct(const std::string& path, int bitsPerPel, const CorrectionOptions& options,
-                                 const Progress& progress, HostImage& image) {
+std::vector<std::string> Correct(const std::string& path, Input& input, const CorrectionOptions& options,
+                                 const Progress& progress) {
+    HostImage& image = input.image;
     std::vector<std::string> done;
     if (!options.dark.empty()) {
         progress.Stage("subtracting " + options.dark);
-        done.push_back(SubtractDark(path, bitsPerPel, options.dark, image));
+        done.push_back(SubtractDark(path, input.bitsPerPel, options.dark, image));
     }
     if (!options.defects.empty()) {
         progress.Stage("repairing the defects of " + options.defects);

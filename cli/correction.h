@@ -6,9 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "input.h"
 #include "lens_model.h"
-#include "library.h"
-#include "progress.h"
 
 namespace cli {
 
@@ -30,7 +29,7 @@ struct CorrectionOptions {
 /// keystone, in this order: a defect differs from the dark image as much as from its neighbours, a lens
 /// correction would spread it, stray light is known where the sensor sees it, and lines are straight only
 /// after the lens. Returns one line a step for the report.
-std::vector<std::string> Correct(const std::string& path, int bitsPerPel, const CorrectionOptions& options,
-                                 const Progress& progress, HostImage& image);
+std::vector<std::string> Correct(const std::string& path, Input& input, const CorrectionOptions& options,
+                                 const Progress& progress);
 
 }  // namespace cli

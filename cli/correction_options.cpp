@@ -39,12 +39,10 @@ CorrectionOptions ParseCorrections(const TypedCorrections& typed) {
     }
     if (!options.lensRadial.empty()) ParseRadialCoefficients(options.lensRadial);
     if (!typed.lensSetting.empty()) {
-        const auto setting = ParseReals(typed.lensSetting, 2, 2);
-        if (!setting || (*setting)[0] < 0.0 || (*setting)[1] < 0.0) {
-            FailUsage("--lens-setting takes two numbers, 0 at least, not " + typed.lensSetting);
-        }
+        const LensSetting setting = ParseNumbers<2>("--lens-setting", typed.lensSetting, {});
+        if (setting[0] < 0.0 || setting[1] < 0.0) FailUsage("--lens-setting is not negative");
         if (options.lensModel.empty()) FailUsage("--lens-setting chooses from --lens-model");
-        options.lensSetting = {(*setting)[0], (*setting)[1]};
+        options.lensSetting = setting;
     }
     if (!typed.defectWindow.empty()) {
         options.defectWindow = ParsePair("--defect-window", typed.defectWindow, 1);

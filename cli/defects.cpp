@@ -8,9 +8,8 @@
 #include "delivery.h"
 #include "failure.h"
 #include "files.h"
-#include "library.h"
+#include "input.h"
 #include "options.h"
-#include "progress.h"
 #include "text.h"
 #include "tqimage/defect_detection.h"
 #include "tqimage/whole_image.h"
@@ -22,7 +21,6 @@ namespace {
 struct DefectOptions {
     std::string image;
     HeaderOptions header;  ///< of which only the binning counts
-    std::string headerFile;
     std::string kind = "both";
     std::string reference = "median";
     std::int32_t size = 5;
@@ -65,61 +63,38 @@ void Find(const DefectOptions& options, const HostImage& image, HostImage& found
     Require(find(), options.image, "the search for defects");
 }
 
-/// Which pels are defect, and what of it goes into the list.
-class DefectMarks {
-  public:
-    DefectMarks(const HostImage& found, const HostImage& image, bool zeros)
-        : cols_(image.Header().PelCols), rows_(image.Header().PelRows) {
-        for (std::int32_t row = 0; row < rows_; ++row) {
-            for (std::int32_t col = 0; col < cols_; ++col) {
-                marks_.push_back(found.Row(row)[col] != 0 || (zeros && image.Row(row)[col] == 0));
-            }
+/// The columns and rows of the image that are mostly defect, then the other pels that are. Columns come
+/// first: what repairs them lies beside them, and the pels are repaired from what has been mended.
+std::vector<Defect> ListDefects(const HostImage& image, const HostImage& found, bool zeros,
+                                double lineShare) {
+    const TqImageHeader header = image.Header();
+    const auto cols = static_cast<std::size_t>(header.PelCols),
+               rows = static_cast<std::size_t>(header.PelRows);
+    const auto visit = [&](auto&& use) {
+        for (std::size_t row = 0; row < rows; ++row) {
+            const std::uint16_t* const pels = image.Row(static_cast<std::int32_t>(row));
+            const std::uint16_t* const marks = found.Row(static_cast<std::int32_t>(row));
+            for (std::size_t col = 0; col < cols; ++col)
+                if (marks[col] != 0 || (zeros && pels[col] == 0)) use(col, row);
         }
-    }
-
-    /// Columns and rows that are mostly defect, then the other pels. Columns come first: what repairs them
-    /// lies beside them, and the pels are repaired from what has been mended.
-    std::vector<Defect> List(double lineShare) const {
-        std::vector<bool> wholeCols, wholeRows;
-        for (std::int32_t col = 0; col < cols_; ++col) {
-            std::int64_t count = 0;
-            for (std::int32_t row = 0; row < rows_; ++row)
-                count += At(col, row) ? 1 : 0;
-            wholeCols.push_back(static_cast<double>(count) * 100.0 > lineShare * rows_);
-        }
-        for (std::int32_t row = 0; row < rows_; ++row) {
-            std::int64_t count = 0;
-            for (std::int32_t col = 0; col < cols_; ++col)
-                count += At(col, row) ? 1 : 0;
-            wholeRows.push_back(static_cast<double>(count) * 100.0 > lineShare * cols_);
-        }
-        std::vector<Defect> list;
-        for (std::int32_t col = 0; col < cols_; ++col) {
-            if (wholeCols[Index(col)]) list.push_back({kDefectColumn, col, 0, 0, 0});
-        }
-        for (std::int32_t row = 0; row < rows_; ++row) {
-            if (wholeRows[Index(row)]) list.push_back({kDefectRow, 0, row, 0, 0});
-        }
-        for (std::int32_t row = 0; row < rows_; ++row) {
-            for (std::int32_t col = 0; col < cols_; ++col) {
-                if (At(col, row) && !wholeCols[Index(col)] && !wholeRows[Index(row)]) {
-                    list.push_back({kDefectPel, col, row, 0, 0});
-                }
-            }
-        }
-        return list;
-    }
-
-  private:
-    static std::size_t Index(std::int32_t at) { return static_cast<std::size_t>(at); }
-    bool At(std::int32_t col, std::int32_t row) const {
-        return marks_[Index(row) * Index(cols_) + Index(col)];
-    }
-
-    std::int32_t cols_;
-    std::int32_t rows_;
-    std::vector<bool> marks_;
-};
+    };
+    std::vector<std::int32_t> inCol(cols), inRow(rows);
+    visit([&](std::size_t col, std::size_t row) { ++inCol[col], ++inRow[row]; });
+    const auto isWhole = [&](std::int32_t count, std::size_t length) {
+        return count * 100.0 > lineShare * static_cast<double>(length);
+    };
+    std::vector<Defect> list;
+    for (std::size_t col = 0; col < cols; ++col)
+        if (isWhole(inCol[col], rows))
+            list.push_back({kDefectColumn, static_cast<std::int32_t>(col), 0, 0, 0});
+    for (std::size_t row = 0; row < rows; ++row)
+        if (isWhole(inRow[row], cols)) list.push_back({kDefectRow, 0, static_cast<std::int32_t>(row), 0, 0});
+    visit([&](std::size_t col, std::size_t row) {
+        if (isWhole(inCol[col], rows) || isWhole(inRow[row], cols)) return;
+        list.push_back({kDefectPel, static_cast<std::int32_t>(col), static_cast<std::int32_t>(row), 0, 0});
+    });
+    return list;
+}
 
 /// Lists are in sensor co-ordinates, so that they serve images of every binning and part of the sensor.
 void MoveToSensor(std::vector<Defect>& list, const DefectOptions& options, const TqImageHeader& header) {
@@ -140,16 +115,14 @@ void MoveToSensor(std::vector<Defect>& list, const DefectOptions& options, const
 void Run(const DefectOptions& options) {
     CheckRanges(options);
     const Progress progress(options.progress);
-    const PhotometricHeader header = FindHeader(options.image, options.headerFile, options.header);
-    progress.Stage("reading " + options.image);
-    const GreyImage pels = ReadImage(options.image);
-    HostImage image(pels, MakeHeader(header, pels.cols, pels.rows));
+    Input input = ReadInput(options.image, options.header, progress);
+    HostImage& image = input.image;
     Require(tqCalcImageValues(image.Get()), options.image, "the image's mean");
 
     progress.Stage("looking for defects");
     HostImage found(1, 1);
     Find(options, image, found);
-    std::vector<Defect> list = DefectMarks(found, image, options.zeros).List(options.lineShare);
+    std::vector<Defect> list = ListDefects(image, found, options.zeros, options.lineShare);
     MoveToSensor(list, options, image.Header());
 
     progress.Stage(Format("writing %zu defects", list.size()));
@@ -170,48 +143,33 @@ void AddDefects(CLI::App& app) {
     CLI::App& command = *app.add_subcommand(
         "defects", "Find the defects of a sensor and write the list that measure --defects takes");
     command.add_option("IMAGE", options.image, "8-bit or 16-bit grey image, evenly lit or dark")->required();
+    const auto add = [&](const char* group, const char* name, auto& value, const char* help) {
+        return command.add_option(name, value, help)->group(group);
+    };
     const char* const search = "Search";
-    command.add_option("--kind", options.kind, "dark, bright or both")->capture_default_str()->group(search);
-    command.add_option("--reference", options.reference, "mean or median of the neighbourhood")
-        ->capture_default_str()
-        ->group(search);
-    command.add_option("--size", options.size, "Side of the neighbourhood, pels")
-        ->capture_default_str()
-        ->group(search);
-    command.add_option("--percent", options.percent, "Tolerance, percent of the reference")
-        ->capture_default_str()
-        ->group(search);
-    command
-        .add_option("--floor", options.floorPercent,
-                    "Neighbours up to so many percent of the image's mean are no reference (0: none)")
-        ->group(search);
-    command
-        .add_option("--clear-radius", options.clearRadius,
-                    "Test only pels without a 0 so many pels around (0: all)")
-        ->group(search);
+    add(search, "--kind", options.kind, "dark, bright or both")->capture_default_str();
+    add(search, "--reference", options.reference, "mean or median of the neighbourhood")
+        ->capture_default_str();
+    add(search, "--size", options.size, "Side of the neighbourhood, pels")->capture_default_str();
+    add(search, "--percent", options.percent, "Tolerance, percent of the reference")->capture_default_str();
+    add(search, "--floor", options.floorPercent,
+        "Neighbours up to so many percent of the image's mean are no reference (0: none)");
+    add(search, "--clear-radius", options.clearRadius,
+        "Test only pels without a 0 so many pels around (0: all)");
     command.add_flag("--zeros", options.zeros, "Pels of 0 are defects, not pels without data")->group(search);
 
     const char* const list = "List";
-    command
-        .add_option("--line-share", options.lineShare,
-                    "A column or row with more than so many percent of its pels defect is listed whole")
-        ->capture_default_str()
-        ->group(list);
-    command.add_option("--defect-origin", options.origin, "C[,R]: sensor position of the first pel (0,0)")
-        ->group(list);
-    command.add_option("--bin", options.header.bin, "X[,Y]: sensor pels that one pel stands for (1)")
-        ->group(list);
-    command
-        .add_option("--header", options.headerFile,
-                    "JSON file with the binning (else IMAGE.json when there is one)")
-        ->group(list);
+    add(list, "--line-share", options.lineShare,
+        "A column or row with more than so many percent of its pels defect is listed whole")
+        ->capture_default_str();
+    add(list, "--defect-origin", options.origin, "C[,R]: sensor position of the first pel (0,0)");
+    add(list, "--bin", options.header.bin, "X[,Y]: sensor pels that one pel stands for (1)");
+    add(list, "--header", options.header.file,
+        "JSON file with the binning (else IMAGE.json when there is one)");
     const char* const output = "Output";
-    command.add_option("-o,--output", options.output, "CSV file to write (stdout)")->group(output);
-    command
-        .add_option("--map", options.map, "Image to write, .png, .tif or .pgm: the defects' values, else 0")
-        ->group(output);
-    command.add_flag("--progress", options.progress, "Tell the progress even when stderr is no terminal")
-        ->group(output);
+    add(output, "-o,--output", options.output, "CSV file to write (stdout)");
+    add(output, "--map", options.map, "Image to write, .png, .tif or .pgm: the defects' values, else 0");
+    AddProgress(command, options.progress, output);
     command.callback([typed] { Run(*typed); });
 }
 

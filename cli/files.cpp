@@ -5,8 +5,8 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
+#include <utility>
 
 #include "failure.h"
 
@@ -17,15 +17,21 @@ namespace {
 // bytes a pel and its head.
 constexpr std::int64_t kLargestFile = 8000LL * 8000 * 8 + 4096;
 
-struct CloseStream {
-    void operator()(std::FILE* file) const noexcept { std::fclose(file); }
-};
-
 }  // namespace
 
+Stream OpenStream(const std::string& name, const std::string& file, const char* mode) {
+    Stream stream(std::fopen(file.c_str(), mode));
+    if (!stream) FailFile(name, std::strerror(errno));
+    return stream;
+}
+
+void Close(const std::string& name, Stream stream) {
+    // A full disk may show itself only when the buffer is written out.
+    if (std::fclose(stream.release()) != 0) FailFile(name, std::strerror(errno));
+}
+
 std::string ReadFile(const std::string& path) {
-    const std::unique_ptr<std::FILE, CloseStream> file(std::fopen(path.c_str(), "rb"));
-    if (!file) FailFile(path, std::strerror(errno));
+    const Stream file = OpenStream(path, path, "rb");
     struct stat status {};
     if (fstat(fileno(file.get()), &status) != 0) FailFile(path, std::strerror(errno));
     if (S_ISDIR(status.st_mode)) FailFile(path, std::strerror(EISDIR));
@@ -41,11 +47,10 @@ std::string ReadFile(const std::string& path) {
 }
 
 void WriteBytes(const std::string& name, const std::string& file, std::string_view bytes) {
-    std::unique_ptr<std::FILE, CloseStream> stream(std::fopen(file.c_str(), "wb"));
-    if (!stream) FailFile(name, std::strerror(errno));
+    Stream stream = OpenStream(name, file, "wb");
     const bool whole = std::fwrite(bytes.data(), 1, bytes.size(), stream.get()) == bytes.size();
-    // A full disk may show itself only when the buffer is written out.
-    if (std::fclose(stream.release()) != 0 || !whole) FailFile(name, std::strerror(errno));
+    if (!whole) FailFile(name, std::strerror(errno));
+    Close(name, std::move(stream));
 }
 
 OutputFile::OutputFile(const std::string& path) : path_(path) {

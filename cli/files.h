@@ -1,11 +1,21 @@
 #pragma once
 
+#include <cstdio>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace cli {
+
+struct CloseStream {
+    void operator()(std::FILE* file) const noexcept { std::fclose(file); }
+};
+using Stream = std::unique_ptr<std::FILE, CloseStream>;
+
+/// Opens a file; a failure is reported under name. What was written is complete when Close returns.
+Stream OpenStream(const std::string& name, const std::string& file, const char* mode);
+void Close(const std::string& name, Stream stream);
 
 /// The whole file. Files beyond what the largest image could need are refused before they are read.
 std::string ReadFile(const std::string& path);

@@ -3,36 +3,34 @@
 #include <algorithm>
 #include <cctype>
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
 
 #include "failure.h"
+#include "files.h"
 #include "text.h"
 
 namespace cli {
 namespace {
 
-using Writer = void (*)(const std::string&, const std::string&, const GreyImage&);
+enum class Form { kPng, kTiff, kPgm };
 
-Writer FindWriter(const std::string& name) {
-    if (HasExtension(name, {".png"})) return WritePng;
-    if (HasExtension(name, {".tif", ".tiff"})) return WriteTiff;
-    if (HasExtension(name, {".pgm"})) return WritePgm;
+Form FormOf(const std::string& name) {
+    if (HasExtension(name, {".png"})) return Form::kPng;
+    if (HasExtension(name, {".tif", ".tiff"})) return Form::kTiff;
+    if (HasExtension(name, {".pgm"})) return Form::kPgm;
     FailUsage(name + ": an image file is called .png, .tif, .tiff or .pgm");
 }
 
 }  // namespace
 
 GreyImage ReadImage(const std::string& path) {
-    std::FILE* const file = std::fopen(path.c_str(), "rb");
-    if (!file) FailFile(path, std::strerror(errno));
     unsigned char magic[8] = {};
-    errno = 0;
-    const std::size_t count = std::fread(magic, 1, sizeof magic, file);
-    const int error = std::ferror(file) ? errno : 0;
-    std::fclose(file);
-    if (error != 0) FailFile(path, std::strerror(error));
-
+    std::size_t count = 0;
+    {
+        const Stream file = OpenStream(path, path, "rb");
+        count = std::fread(magic, 1, sizeof magic, file.get());
+        if (std::ferror(file.get())) FailFile(path, std::strerror(errno));
+    }
     const auto starts = [&](const void* bytes, std::size_t length) {
         return count >= length && std::memcmp(magic, bytes, length) == 0;
     };
@@ -47,11 +45,19 @@ GreyImage ReadImage(const std::string& path) {
 }
 
 void WriteImage(const std::string& name, const std::string& file, const GreyImage& image) {
-    FindWriter(name)(name, file, image);
+    const Raster raster{image.cols, image.rows, 1, 16, image.pels.data()};
+    switch (FormOf(name)) {
+        case Form::kPng:
+            return WritePng(name, file, raster);
+        case Form::kTiff:
+            return WriteTiff(name, file, raster);
+        case Form::kPgm:
+            return WritePgm(name, file, image);
+    }
 }
 
 void CheckImageName(const std::string& name) {
-    FindWriter(name);
+    FormOf(name);
 }
 
 bool HasExtension(const std::string& name, std::initializer_list<const char*> extensions) {

@@ -36,12 +36,30 @@ bool HasExtension(const std::string& name, std::initializer_list<const char*> ex
 /// An image of this size with room for its pels; sizes outside 1..8000 end with the file's name.
 GreyImage MakeGreyImage(const std::string& path, std::int64_t cols, std::int64_t rows, int bitsPerPel);
 
+/// What PNG and TIFF files are written from: grey with 16 bits, or red, green and blue with 8, rows from the
+/// top without gaps.
+struct Raster {
+    std::int32_t cols;
+    std::int32_t rows;
+    int samples;        ///< a pel: 1 or 3
+    int bitsPerSample;  ///< 8 or 16
+    const void* pels;
+
+    /// libpng and libtiff take writable rows and do not write to them.
+    std::uint8_t* Row(std::int32_t row) const noexcept {
+        const auto rowBytes =
+            static_cast<std::size_t>(cols) * static_cast<std::size_t>(samples * bitsPerSample / 8);
+        auto* const first = static_cast<std::uint8_t*>(const_cast<void*>(pels));
+        return first + static_cast<std::size_t>(row) * rowBytes;
+    }
+};
+
 // One pair a format, each in its own file.
 GreyImage ReadPng(const std::string& path);
 GreyImage ReadTiff(const std::string& path);
 GreyImage ReadPgm(const std::string& path);
-void WritePng(const std::string& name, const std::string& file, const GreyImage& image);
-void WriteTiff(const std::string& name, const std::string& file, const GreyImage& image);
+void WritePng(const std::string& name, const std::string& file, const Raster& image);
+void WriteTiff(const std::string& name, const std::string& file, const Raster& image);
 void WritePgm(const std::string& name, const std::string& file, const GreyImage& image);
 
 }  // namespace cli

@@ -1,23 +1,18 @@
 #include <png.h>
 
 #include <bit>
-#include <cerrno>
 #include <csetjmp>
 #include <cstdio>
-#include <cstring>
-#include <memory>
+#include <new>
+#include <utility>
 
 #include "failure.h"
+#include "files.h"
 #include "image_file.h"
 #include "text.h"
 
 namespace cli {
 namespace {
-
-struct CloseStream {
-    void operator()(std::FILE* file) const noexcept { std::fclose(file); }
-};
-using Stream = std::unique_ptr<std::FILE, CloseStream>;
 
 // libpng leaves a failed call through longjmp, which runs no destructors. So every function that calls it
 // under setjmp holds plain pointers only, and hands the reason on in this buffer.
@@ -77,17 +72,17 @@ bool ReadRows(png_structp png, png_infop info, png_bytepp rows) {
     return true;
 }
 
-bool WriteAll(png_structp png, png_infop info, std::FILE* file, png_uint_32 cols, png_uint_32 rows,
-              png_bytepp pels) {
+bool WriteAll(png_structp png, png_infop info, std::FILE* file, const Raster& image, png_bytepp rows) {
     if (setjmp(png_jmpbuf(png))) return false;
     png_init_io(png, file);
-    png_set_IHDR(png, info, cols, rows, 16, PNG_COLOR_TYPE_GRAY, PNG_INTERLACE_NONE,
-                 PNG_COMPRESSION_TYPE_BASE, PNG_FILTER_TYPE_BASE);
+    png_set_IHDR(png, info, static_cast<png_uint_32>(image.cols), static_cast<png_uint_32>(image.rows),
+                 image.bitsPerSample, image.samples == 1 ? PNG_COLOR_TYPE_GRAY : PNG_COLOR_TYPE_RGB,
+                 PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_BASE, PNG_FILTER_TYPE_BASE);
     // Noise does not compress; the fastest level already finds what there is to find.
     png_set_compression_level(png, 1);
     png_write_info(png, info);
-    if (std::endian::native == std::endian::little) png_set_swap(png);
-    png_write_image(png, pels);
+    if (std::endian::native == std::endian::little) png_set_swap(png);  // of 16 bits only
+    png_write_image(png, rows);
     png_write_end(png, info);
     return true;
 }
@@ -113,8 +108,7 @@ void CheckForm(const std::string& path, png_structp png, png_infop info) {
 }  // namespace
 
 GreyImage ReadPng(const std::string& path) {
-    const Stream file(std::fopen(path.c_str(), "rb"));
-    if (!file) FailFile(path, std::strerror(errno));
+    const Stream file = OpenStream(path, path, "rb");
     PngReader reader;
     if (!ReadHead(reader.png, reader.info, file.get())) {
         FailFile(path, Format("damaged PNG file (%s)", reader.reason.text));
@@ -137,21 +131,16 @@ GreyImage ReadPng(const std::string& path) {
     return image;
 }
 
-void WritePng(const std::string& name, const std::string& file, const GreyImage& image) {
-    Stream stream(std::fopen(file.c_str(), "wb"));
-    if (!stream) FailFile(name, std::strerror(errno));
+void WritePng(const std::string& name, const std::string& file, const Raster& image) {
+    Stream stream = OpenStream(name, file, "wb");
     PngWriter writer;
-    std::vector<png_bytep> rows(static_cast<std::size_t>(image.rows));
-    for (std::int32_t row = 0; row < image.rows; ++row) {
-        // libpng takes writable rows and does not write to them.
-        auto* const pels = const_cast<std::uint16_t*>(&image.pels[image.Index(0, row)]);
-        rows[static_cast<std::size_t>(row)] = reinterpret_cast<png_bytep>(pels);
-    }
-    if (!WriteAll(writer.png, writer.info, stream.get(), static_cast<png_uint_32>(image.cols),
-                  static_cast<png_uint_32>(image.rows), rows.data())) {
+    std::vector<png_bytep> rows;
+    for (std::int32_t row = 0; row < image.rows; ++row)
+        rows.push_back(image.Row(row));
+    if (!WriteAll(writer.png, writer.info, stream.get(), image, rows.data())) {
         FailFile(name, Format("cannot be written (%s)", writer.reason.text));
     }
-    if (std::fclose(stream.release()) != 0) FailFile(name, std::strerror(errno));
+    Close(name, std::move(stream));
 }
 
 }  // namespace cli

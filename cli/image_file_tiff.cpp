@@ -146,24 +146,22 @@ GreyImage ReadTiff(const std::string& path) {
     return image;
 }
 
-void WriteTiff(const std::string& name, const std::string& file, const GreyImage& image) {
+void WriteTiff(const std::string& name, const std::string& file, const Raster& image) {
     Tiff tiff = Open(file, "w");
     if (!tiff) FailFile(name, "cannot be written (" + lastError + ")");
     TIFFSetField(tiff.get(), TIFFTAG_IMAGEWIDTH, static_cast<std::uint32_t>(image.cols));
     TIFFSetField(tiff.get(), TIFFTAG_IMAGELENGTH, static_cast<std::uint32_t>(image.rows));
-    TIFFSetField(tiff.get(), TIFFTAG_BITSPERSAMPLE, 16);
-    TIFFSetField(tiff.get(), TIFFTAG_SAMPLESPERPIXEL, 1);
+    TIFFSetField(tiff.get(), TIFFTAG_BITSPERSAMPLE, image.bitsPerSample);
+    TIFFSetField(tiff.get(), TIFFTAG_SAMPLESPERPIXEL, image.samples);
     TIFFSetField(tiff.get(), TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_UINT);
-    TIFFSetField(tiff.get(), TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK);
+    TIFFSetField(tiff.get(), TIFFTAG_PHOTOMETRIC,
+                 image.samples == 1 ? PHOTOMETRIC_MINISBLACK : PHOTOMETRIC_RGB);
     TIFFSetField(tiff.get(), TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT);
     TIFFSetField(tiff.get(), TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
     TIFFSetField(tiff.get(), TIFFTAG_ROWSPERSTRIP, TIFFDefaultStripSize(tiff.get(), 0));
     bool written = true;
-    for (std::int32_t row = 0; row < image.rows && written; ++row) {
-        // libtiff takes a writable row and, without compression, does not write to it.
-        auto* const pels = const_cast<std::uint16_t*>(&image.pels[image.Index(0, row)]);
-        written = TIFFWriteScanline(tiff.get(), pels, static_cast<std::uint32_t>(row)) == 1;
-    }
+    for (std::int32_t row = 0; row < image.rows && written; ++row)
+        written = TIFFWriteScanline(tiff.get(), image.Row(row), static_cast<std::uint32_t>(row)) == 1;
     written = TIFFFlush(tiff.get()) == 1 && written;
     tiff.reset();
     if (!written || !lastError.empty()) FailFile(name, "cannot be written (" + lastError + ")");

@@ -15,8 +15,7 @@ void AddImageOutput(CLI::App& command, std::string& output, bool& progress) {
                     "Image to write, .png, .tif or .pgm with 16 bits; its header goes to OUTPUT.json")
         ->required()
         ->group(group);
-    command.add_flag("--progress", progress, "Tell the progress even when stderr is no terminal")
-        ->group(group);
+    AddProgress(command, progress, group);
 }
 
 void WriteWithHeader(const std::string& output, const HostImage& image) {

@@ -37,6 +37,10 @@ Json ReadJsonObject(const std::string& path) {
     return json;
 }
 
+std::string JsonText(const Json& json) {
+    return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
 NamedValues::NamedValues(std::string path, Json object) : path_(std::move(path)), object_(std::move(object)) {
     if (!object_.is_object()) FailFile(path_, "not a JSON object");
 }

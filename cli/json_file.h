@@ -14,6 +14,10 @@ using Json = nlohmann::ordered_json;
 /// The object that a JSON file holds; anything else ends with the file's name and the reason.
 Json ReadJsonObject(const std::string& path);
 
+/// As it is written to files and shown. File names may be any bytes; what is not text in them is replaced
+/// rather than refused.
+std::string JsonText(const Json& json);
+
 /// The named values of an object in a JSON file. What has another form than asked for ends with the file's
 /// name and the value's.
 class NamedValues {

@@ -9,6 +9,7 @@
 #include "failure.h"
 #include "files.h"
 #include "options.h"
+#include "picture_file.h"
 #include "report.h"
 #include "tqimage/bitmap_files.h"
 
@@ -19,7 +20,6 @@ namespace {
 struct MeasureOptions {
     std::string image;
     HeaderOptions header;
-    std::string headerFile;
     TypedCorrections corrections;
     std::vector<std::string> regions;
     std::uint32_t angleMode = 0;
@@ -28,9 +28,6 @@ struct MeasureOptions {
     std::string json, csv, bitmap;  ///< "-" for stdout
     bool progress = false;
 };
-
-// The library's code of the false-colour palette that starts dark.
-constexpr std::int32_t kFalseColours = -1;
 
 /// The regions as typed; those of the expectations when none were.
 std::vector<Region> ChooseRegions(const MeasureOptions& options,
@@ -90,27 +87,23 @@ void Run(const MeasureOptions& options) {
     Report report;
     if (!options.spot.empty()) report.options.spot = ParsePair("--spot", options.spot, 1);
     report.options.angleMode = options.angleMode;
-    report.header = FindHeader(options.image, options.headerFile, options.header);
     std::vector<ExpectedRegion> expected;
     if (!options.expect.empty()) expected = ReadExpectations(options.expect);
     std::vector<Region> regions = ChooseRegions(options, expected);
 
-    progress.Stage("reading " + options.image);
-    const GreyImage pels = ReadImage(options.image);
+    Input input = ReadInput(options.image, options.header, progress);
     report.file = options.image;
-    report.cols = pels.cols;
-    report.rows = pels.rows;
-    report.bitsPerPel = pels.bitsPerPel;
-    report.used = MakeHeader(report.header, pels.cols, pels.rows);
+    report.bitsPerPel = input.bitsPerPel;
+    report.header = input.known;
+    report.used = input.image.Header();
     for (Region& region : regions)
-        FitRegion(region, pels.cols, pels.rows);
+        FitRegion(region, report.used.PelCols, report.used.PelRows);
 
-    HostImage image(pels, report.used);
-    report.corrections = Correct(options.image, pels.bitsPerPel, correction, progress, image);
-    RefreshHeader(image);
-    report.measurements = MeasureRegions(image, report.header, regions, report.options, progress);
+    report.corrections = Correct(options.image, input, correction, progress);
+    RefreshHeader(input.image);
+    report.measurements = MeasureRegions(input.image, report.header, regions, report.options, progress);
     report.comparisons = Compare(expected, report.measurements);
-    Deliver(options, report, image);
+    Deliver(options, report, input.image);
     if (!AllWithin(report.comparisons)) {
         throw Failure(Exit::kOutsideExpectation, options.image + ": figures outside their tolerance");
     }
@@ -123,7 +116,7 @@ void AddMeasure(CLI::App& app) {
     MeasureOptions& options = *typed;
     CLI::App& command = *app.add_subcommand("measure", "Measure regions of a grey PNG, TIFF or PGM image");
     AddImage(command, options.image);
-    AddHeader(command, options.header, options.headerFile);
+    AddHeader(command, options.header);
 
     AddCorrections(command, options.corrections);
     const char* const measuring = "Measuring";

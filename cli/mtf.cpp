@@ -85,7 +85,7 @@ std::string FormatCurvesJson(const std::string& file, const std::vector<Curve>& 
             entry["frequency"].push_back(Frequency(k, curve.modulation.size()));
         json["regions"].push_back(entry);
     }
-    return json.dump(2) + "\n";
+    return JsonText(json);
 }
 
 void Run(const MtfOptions& options) {
@@ -106,14 +106,12 @@ void Run(const MtfOptions& options) {
         curves.push_back(MeasureCurve(image, region, options.points));
     }
 
-    if (options.json == "-") {
-        Show(FormatCurvesJson(options.image, curves));
-        return;
-    }
     OutputFiles files;
-    if (!options.json.empty()) files.Add(options.json).Write(FormatCurvesJson(options.image, curves));
+    const std::string shown = PlaceReport(
+        {options.json, ""},
+        {FormatCurves(options.image, curves), FormatCurvesJson(options.image, curves), ""}, files);
     files.Commit();
-    Show(FormatCurves(options.image, curves));
+    Show(shown);
 }
 
 }  // namespace

@@ -3,8 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <limits>
 
-#include "failure.h"
-#include "text.h"
+#include "image_file.h"
 
 namespace cli {
 namespace {
@@ -31,7 +30,7 @@ void AddImage(CLI::App& command, std::string& image) {
         ->required();
 }
 
-void AddHeader(CLI::App& command, HeaderOptions& options, std::string& headerFile) {
+void AddHeader(CLI::App& command, HeaderOptions& options) {
     const char* const group = "Header (else from --header, else from IMAGE.json when there is one)";
     command.add_option("--pels-per-meter", options.pelsPerMeter, "X[,Y]: pels per metre on the target")
         ->group(group);
@@ -40,16 +39,20 @@ void AddHeader(CLI::App& command, HeaderOptions& options, std::string& headerFil
     command.add_option("--lux-per-grey", options.luxPerGrey, "Illuminance of a grey level")->group(group);
     command.add_option("--distance", options.distance, "Source to target, metres")->group(group);
     command.add_option("--bin", options.bin, "X[,Y]: sensor pels that one pel stands for (1)")->group(group);
-    command.add_option("--header", headerFile, "JSON file with the header")->group(group);
+    command.add_option("--header", options.file, "JSON file with the header")->group(group);
 }
 
 const char kOutput[] = "Output (the table goes to stdout unless another form does)";
 
+void AddProgress(CLI::App& command, bool& progress, const char* group) {
+    command.add_flag("--progress", progress, "Tell the progress even when stderr is no terminal")
+        ->group(group);
+}
+
 void AddReports(CLI::App& command, std::string& json, std::string& csv, bool& progress) {
     command.add_flag("--json{-}", json, "JSON to stdout, or to FILE with --json=FILE")->group(kOutput);
     command.add_flag("--csv{-}", csv, "CSV to stdout, or to FILE with --csv=FILE")->group(kOutput);
-    command.add_flag("--progress", progress, "Tell the progress even when stderr is no terminal")
-        ->group(kOutput);
+    AddProgress(command, progress, kOutput);
 }
 
 std::array<std::int32_t, 2> ParsePair(const char* option, const std::string& text, std::int32_t least) {
@@ -60,6 +63,22 @@ std::array<std::int32_t, 2> ParsePair(const char* option, const std::string& tex
                   (any ? "" : Format(", %d at least", least)) + ", not " + text);
     }
     return {values->front(), values->back()};
+}
+
+std::array<std::int32_t, 2> ParseSize(const char* option, const std::string& text) {
+    const auto size = ParsePair(option, text, 1);
+    if (size[0] > kLargestSide || size[1] > kLargestSide) {
+        FailUsage(std::string(option) + ": an image has 8000 columns and rows at most");
+    }
+    return size;
+}
+
+std::array<double, 2> ParseRange(const char* option, const std::string& text, std::array<double, 2> values) {
+    const auto range = ParseNumbers<2>(option, text, values);
+    if (!(range[0] < range[1])) {
+        FailUsage(std::string(option) + " takes LOW,HIGH, HIGH the larger, not " + text);
+    }
+    return range;
 }
 
 std::int32_t ParseChoice(const char* option, const std::string& word,

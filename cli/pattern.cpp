@@ -42,10 +42,7 @@ struct Size {
 Size ParseSize(const std::string& text) {
     std::string pair = text;
     std::replace(pair.begin(), pair.end(), 'x', ',');
-    const auto [cols, rows] = ParsePair("SIZE", pair, 1);
-    if (cols > kLargestSide || rows > kLargestSide) {
-        FailUsage("SIZE: an image has 8000 columns and rows at most");
-    }
+    const auto [cols, rows] = cli::ParseSize("SIZE", pair);
     return {cols, rows};
 }
 

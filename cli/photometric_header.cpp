@@ -123,7 +123,7 @@ std::string FormatSidecar(const PhotometricHeader& header) {
     if (header.luxPerGrey) json[kLuxPerGrey.name] = *header.luxPerGrey;
     if (header.distance) json[kDistance.name] = *header.distance;
     if (header.bin) json[kBin.name] = JsonPair(*header.bin);
-    return json.dump(2) + "\n";
+    return JsonText(json);
 }
 
 PhotometricHeader Overlay(const PhotometricHeader& base, const PhotometricHeader& winner) {
@@ -136,10 +136,9 @@ PhotometricHeader Overlay(const PhotometricHeader& base, const PhotometricHeader
     return result;
 }
 
-PhotometricHeader FindHeader(const std::string& image, const std::string& headerFile,
-                             const HeaderOptions& options) {
+PhotometricHeader FindHeader(const std::string& image, const HeaderOptions& options) {
     const PhotometricHeader typed = ParseHeaderOptions(options);
-    if (!headerFile.empty()) return Overlay(ReadSidecar(headerFile), typed);
+    if (!options.file.empty()) return Overlay(ReadSidecar(options.file), typed);
     const std::string sidecar = image + ".json";
     if (access(sidecar.c_str(), F_OK) == 0) return Overlay(ReadSidecar(sidecar), typed);
     return typed;

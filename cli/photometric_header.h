@@ -28,6 +28,7 @@ struct PhotometricHeader {
 /// The header options as they were typed; empty ones were not given.
 struct HeaderOptions {
     std::string pelsPerMeter, center, luxPerGrey, distance, bin;
+    std::string file;  ///< of a header
 };
 
 /// The options' values; a value that no header can hold is a usage error.
@@ -44,8 +45,7 @@ PhotometricHeader Overlay(const PhotometricHeader& base, const PhotometricHeader
 
 /// What is known of an image file: from the options as they were typed, else from the header file, else from
 /// IMAGE.json when there is one.
-PhotometricHeader FindHeader(const std::string& image, const std::string& headerFile,
-                             const HeaderOptions& options);
+PhotometricHeader FindHeader(const std::string& image, const HeaderOptions& options);
 
 /// The library's header. Unknown scales are 0, the centre is the image's middle and the binning 1 unless
 /// known.

@@ -1,74 +1,37 @@
 #include "picture_file.h"
 
-#include <png.h>
-#include <tiffio.h>
-
 #include <cstdint>
 #include <vector>
 
 #include "failure.h"
 #include "files.h"
 #include "image_file.h"
-#include "text.h"
+#include "tqimage/bitmap_files.h"
 
 namespace cli {
 namespace {
 
 /// Bytes as they are shown: red, green and blue in turn, rows from the top without gaps.
 struct ColourBytes {
-    std::uint32_t cols;
-    std::uint32_t rows;
+    std::int32_t cols;
+    std::int32_t rows;
     std::vector<std::uint8_t> bytes;
 
-    std::size_t RowBytes() const noexcept { return std::size_t{cols} * 3; }
-    const std::uint8_t* Row(std::uint32_t row) const noexcept { return bytes.data() + row * RowBytes(); }
+    Raster AsRaster() const noexcept { return {cols, rows, 3, 8, bytes.data()}; }
 };
 
 /// The upper byte of a pel: 65535 becomes 255, and 0 stays 0.
 ColourBytes InterleavePlanes(const std::array<const HostImage*, 3>& planes) {
     const TqImageHeader header = planes[0]->Header();
-    ColourBytes picture{
-        static_cast<std::uint32_t>(header.PelCols), static_cast<std::uint32_t>(header.PelRows), {}};
-    const std::size_t pels = std::size_t{picture.cols} * picture.rows;
-    picture.bytes.resize(pels * 3);
+    const std::size_t pels =
+        static_cast<std::size_t>(header.PelCols) * static_cast<std::size_t>(header.PelRows);
+    ColourBytes picture{header.PelCols, header.PelRows, std::vector<std::uint8_t>(pels * 3)};
     for (std::size_t plane = 0; plane < 3; ++plane) {
         const std::uint16_t* const from = planes[plane]->Row(0);
         for (std::size_t i = 0; i < pels; ++i)
             picture.bytes[3 * i + plane] = static_cast<std::uint8_t>(from[i] >> 8);
     }
     return picture;
-}
-
-void WriteColourPng(const std::string& name, const std::string& file, const ColourBytes& picture) {
-    png_image image{};
-    image.version = PNG_IMAGE_VERSION;
-    image.width = picture.cols;
-    image.height = picture.rows;
-    image.format = PNG_FORMAT_RGB;
-    if (!png_image_write_to_file(&image, file.c_str(), 0, picture.bytes.data(), 0, nullptr)) {
-        FailFile(name, Format("cannot be written (%s)", image.message));
-    }
-}
-
-void WriteColourTiff(const std::string& name, const std::string& file, const ColourBytes& picture) {
-    TIFFSetErrorHandler(nullptr);  // it would write to stderr on its own
-    TIFF* const tiff = TIFFOpen(file.c_str(), "w");
-    if (tiff == nullptr) FailFile(name, "cannot be written");
-    TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, picture.cols);
-    TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, picture.rows);
-    TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 8);
-    TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, 3);
-    TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_RGB);
-    TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
-    TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, TIFFDefaultStripSize(tiff, 0));
-    bool written = true;
-    for (std::uint32_t row = 0; row < picture.rows && written; ++row) {
-        // libtiff takes a writable row and, without compression, does not write to it.
-        written = TIFFWriteScanline(tiff, const_cast<std::uint8_t*>(picture.Row(row)), row) == 1;
-    }
-    written = TIFFFlush(tiff) == 1 && written;
-    TIFFClose(tiff);
-    if (!written) FailFile(name, "cannot be written");
 }
 
 void Append(std::string& bytes, std::uint32_t value, int count) {
@@ -80,24 +43,26 @@ void Append(std::string& bytes, std::uint32_t value, int count) {
 /// first, each padded to a multiple of four bytes.
 void WriteBmp(const std::string& name, const std::string& file, const ColourBytes& picture) {
     constexpr std::uint32_t kHeads = 14 + 40;
-    const std::size_t stride = (picture.RowBytes() + 3) / 4 * 4;
-    const auto size = static_cast<std::uint32_t>(stride * picture.rows);  // 8000 x 24000 bytes at most
+    const auto rows = static_cast<std::uint32_t>(picture.rows);
+    const auto rowBytes = 3 * static_cast<std::uint32_t>(picture.cols);
+    const std::uint32_t stride = (rowBytes + 3) / 4 * 4;
+    const std::uint32_t size = stride * rows;  // 24000 x 8000 bytes at most
     std::string bytes = "BM";
     Append(bytes, kHeads + size, 4);
     Append(bytes, 0, 4);
     Append(bytes, kHeads, 4);
     Append(bytes, 40, 4);
-    Append(bytes, picture.cols, 4);
-    Append(bytes, picture.rows, 4);
+    Append(bytes, rowBytes / 3, 4);
+    Append(bytes, rows, 4);
     Append(bytes, 1, 2);
     Append(bytes, 24, 2);
     Append(bytes, 0, 4);
     Append(bytes, size, 4);
     bytes.resize(kHeads + size);  // resolution, colour counts and paddings are 0
-    for (std::uint32_t row = 0; row < picture.rows; ++row) {
-        const std::uint8_t* const from = picture.Row(row);
-        char* const to = bytes.data() + kHeads + stride * (picture.rows - 1 - row);
-        for (std::size_t i = 0; i < picture.RowBytes(); ++i)
+    for (std::uint32_t row = 0; row < rows; ++row) {
+        const std::uint8_t* const from = picture.AsRaster().Row(static_cast<std::int32_t>(row));
+        char* const to = bytes.data() + kHeads + stride * (rows - 1 - row);
+        for (std::size_t i = 0; i < rowBytes; ++i)
             to[i] = static_cast<char>(from[i - i % 3 + (2 - i % 3)]);
     }
     WriteBytes(name, file, bytes);
@@ -119,10 +84,16 @@ void WritePicture(const std::string& name, const std::string& file,
     if (HasExtension(name, {".bmp"})) {
         WriteBmp(name, file, picture);
     } else if (HasExtension(name, {".png"})) {
-        WriteColourPng(name, file, picture);
+        WritePng(name, file, picture.AsRaster());
     } else {
-        WriteColourTiff(name, file, picture);
+        WriteTiff(name, file, picture.AsRaster());
     }
+}
+
+void WriteLeadBitmap(const std::string& name, const std::string& file, TqLeadBitmap& bitmap) {
+    const bool written = tqLeadBmpToDiskBmp(file.c_str(), &bitmap) == 0;
+    tqFreeLeadBmp(&bitmap);
+    if (!written) FailFile(name, "the bitmap cannot be written");
 }
 
 void CheckPictureName(const std::string& name, bool colour) {

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "library.h"
+#include "tqimage/bitmap.h"
 
 namespace cli {
 
@@ -15,6 +16,12 @@ void WritePicture(const std::string& name, const std::string& file, const HostIm
 /// .bmp.
 void WritePicture(const std::string& name, const std::string& file,
                   const std::array<const HostImage*, 3>& planes);
+
+/// The library's code of the false-colour palette that starts dark.
+inline constexpr std::int32_t kFalseColours = -1;
+
+/// Writes a bitmap that the library made as a BMP file, and releases it.
+void WriteLeadBitmap(const std::string& name, const std::string& file, TqLeadBitmap& bitmap);
 
 /// Refuses, as a usage error, a name that WritePicture knows no form for.
 void CheckPictureName(const std::string& name, bool colour);

@@ -9,6 +9,7 @@
 #include "delivery.h"
 #include "failure.h"
 #include "files.h"
+#include "input.h"
 #include "library.h"
 #include "options.h"
 #include "picture_file.h"
@@ -27,7 +28,6 @@ struct PlotOptions {
     Kind kind = Kind::kRadar;
     std::string image;
     HeaderOptions header;
-    std::string headerFile;
     std::string output;
     std::string size;
     double angle = 0.0;
@@ -44,12 +44,7 @@ struct PlotOptions {
 };
 
 std::array<std::int32_t, 2> SizeOf(const PlotOptions& options) {
-    constexpr std::int32_t kLargestSide = 8000;
-    if (!options.size.empty()) {
-        const std::array<std::int32_t, 2> size = ParsePair("--size", options.size, 1);
-        if (std::max(size[0], size[1]) > kLargestSide) FailUsage("--size is at most 8000");
-        return size;
-    }
+    if (!options.size.empty()) return ParseSize("--size", options.size);
     switch (options.kind) {
         case Kind::kPolar:
             return {360, 91};  // a column a degree, and a row a degree of the half-space
@@ -135,14 +130,8 @@ std::vector<double> ValuesOf(const PlotOptions& options, const HostImage& image)
 
 std::string DrawGraph(const PlotOptions& options, const HostImage& image, HostImage& picture) {
     const std::array<std::int32_t, 2> size = SizeOf(options);
-    std::vector<double> range{0.0, 0.0};
-    if (!options.range.empty()) {
-        const auto typed = ParseReals(options.range, 2, 2);
-        if (!typed || !((*typed)[0] < (*typed)[1])) {
-            FailUsage("--range takes LOW,HIGH, HIGH the larger, not " + options.range);
-        }
-        range = *typed;
-    }
+    std::array<double, 2> range{0.0, 0.0};  // for the library: up to the largest value
+    if (!options.range.empty()) range = ParseRange("--range", options.range, range);
     const std::vector<double> values = ValuesOf(options, image);
     const Style style = options.kind == Kind::kAround ? Style::kPolarCurve : options.style;
     Require(tqCreateGraphType(picture.Address(), values.data(), static_cast<std::int32_t>(values.size()),
@@ -158,12 +147,10 @@ std::string DrawGraph(const PlotOptions& options, const HostImage& image, HostIm
 
 void Run(const PlotOptions& options) {
     CheckPictureName(options.output, false);
-    const PhotometricHeader header = FindHeader(options.image, options.headerFile, options.header);
-    const GreyImage pels = ReadImage(options.image);
-    const HostImage image(pels, MakeHeader(header, pels.cols, pels.rows));
+    const Input input = ReadInput(options.image, options.header, Progress(false));
     HostImage picture(1, 1);
-    const std::string text =
-        options.IsGraph() ? DrawGraph(options, image, picture) : DrawPolar(options, image, picture);
+    const std::string text = options.IsGraph() ? DrawGraph(options, input.image, picture)
+                                               : DrawPolar(options, input.image, picture);
     OutputFiles files;
     WritePicture(options.output, files.Add(options.output).WorkingPath(), picture);
     files.Commit();
@@ -188,7 +175,7 @@ void AddPlot(CLI::App& app) {
         ->transform(CLI::CheckedTransformer(kinds).description(""))
         ->required();
     AddImage(command, options.image);
-    AddHeader(command, options.header, options.headerFile);
+    AddHeader(command, options.header);
 
     const char* const angles = "Angles (polar, radar, around)";
     command

@@ -12,8 +12,6 @@ namespace cli {
 /// Everything that one measurement tells.
 struct Report {
     std::string file;
-    std::int32_t cols = 0;
-    std::int32_t rows = 0;
     int bitsPerPel = 16;
     PhotometricHeader header;
     TqImageHeader used{};  ///< the header with what was taken where nothing was known

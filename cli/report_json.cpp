@@ -4,15 +4,12 @@
 namespace cli {
 namespace {
 
+/// What is known, with the centre and the binning that were taken where nothing was.
 Json HeaderJson(const Report& report) {
-    const auto& header = report.header;
-    Json json = Json::object();
-    if (header.pelsPerMeter) json["pelsPerMeter"] = {(*header.pelsPerMeter)[0], (*header.pelsPerMeter)[1]};
-    json["center"] = {report.used.CenterCol, report.used.CenterRow};
-    if (header.luxPerGrey) json["luxPerGrey"] = *header.luxPerGrey;
-    if (header.distance) json["distance"] = *header.distance;
-    json["bin"] = {report.used.BinCols, report.used.BinRows};
-    return json;
+    PhotometricHeader header = report.header;
+    header.center = {report.used.CenterCol, report.used.CenterRow};
+    header.bin = {report.used.BinCols, report.used.BinRows};
+    return Json::parse(FormatSidecar(header));
 }
 
 Json RegionJson(const Measurement& measurement) {
@@ -44,8 +41,8 @@ Json ComparisonJson(const Comparison& comparison) {
 
 std::string FormatJson(const Report& report) {
     Json json{{"file", report.file},
-              {"columns", report.cols},
-              {"rows", report.rows},
+              {"columns", report.used.PelCols},
+              {"rows", report.used.PelRows},
               {"bitsPerPel", report.bitsPerPel},
               {"header", HeaderJson(report)},
               {"corrections", report.corrections},
@@ -60,8 +57,7 @@ std::string FormatJson(const Report& report) {
             json["comparisons"].push_back(ComparisonJson(comparison));
         }
     }
-    // File names may be any bytes; what is not text in them is replaced rather than refused.
-    return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+    return JsonText(json);
 }
 
 }  // namespace cli

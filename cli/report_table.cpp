@@ -31,11 +31,7 @@ std::string FigureTable(const Report& report, const char* head, Quantity first, 
         std::vector<std::string> cells{measurement.region.name};
         for (const Quantity quantity : shown) {
             const auto& value = measurement.figures[quantity];
-            std::string& cell = cells.emplace_back(value ? "" : "-");
-            if (!value) continue;
-            char figure[64];
-            std::snprintf(figure, sizeof figure, FormOf(quantity).pattern, *value);
-            cell = figure;
+            cells.push_back(value ? FormatFigure(FormOf(quantity).pattern, *value) : "-");
         }
         table.AddLine(std::move(cells));
     }
@@ -43,8 +39,8 @@ std::string FigureTable(const Report& report, const char* head, Quantity first, 
 }
 
 std::string Head(const Report& report) {
-    std::string text = Format("%s: %d x %d pels, %d bits\n", report.file.c_str(), report.cols, report.rows,
-                              report.bitsPerPel);
+    std::string text = Format("%s: %d x %d pels, %d bits\n", report.file.c_str(), report.used.PelCols,
+                              report.used.PelRows, report.bitsPerPel);
     const auto& header = report.header;
     if (header.pelsPerMeter) {
         text += Format(

@@ -1,6 +1,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <memory>
 #include <numbers>
 
@@ -46,9 +47,7 @@ struct SimulateOptions {
 constexpr double kRadians = std::numbers::pi / 180.0;
 
 Target ParseTarget(const SimulateOptions& options, PhotometricHeader& header) {
-    const auto [cols, rows] = ParsePair("--size", options.size, 1);
-    if (cols > kLargestSide || rows > kLargestSide)
-        FailUsage("--size: an image has 8000 columns and rows at most");
+    const auto [cols, rows] = ParseSize("--size", options.size);
     HeaderOptions typed;
     typed.pelsPerMeter = options.pelsPerMeter;
     typed.center = options.center;
@@ -65,18 +64,22 @@ Target ParseTarget(const SimulateOptions& options, PhotometricHeader& header) {
             used.SourceDistance};
 }
 
-Lamp ParseLamp(const SimulateOptions& options) {
-    const auto tilt = ParseReals(options.tilt, 2, 2);
-    if (!tilt || std::fabs((*tilt)[0]) >= 90.0 || std::fabs((*tilt)[1]) >= 90.0) {
-        FailUsage("--tilt takes two angles below 90 degrees, not " + options.tilt);
-    }
-    if (!(options.candela > 0.0)) FailUsage("--candela is above 0");
-    if (!(options.exponent >= 0.0)) FailUsage("--exponent is not negative");
-    return {options.candela, options.exponent, (*tilt)[0] * kRadians, (*tilt)[1] * kRadians};
+std::array<double, 2> ParseTilt(const SimulateOptions& options) {
+    return ParseNumbers<2>("--tilt", options.tilt, {});
 }
 
-/// The scale that puts the brightest pel at three quarters of the range, in single precision as headers hold
-/// it.
+Lamp ParseLamp(const SimulateOptions& options) {
+    const auto tilt = ParseTilt(options);
+    if (std::fabs(tilt[0]) >= 90.0 || std::fabs(tilt[1]) >= 90.0) {
+        FailUsage("--tilt takes two angles below 90 degrees, not " + options.tilt);
+    }
+    if (!(options.candela > 0.0) || !std::isfinite(options.candela)) FailUsage("--candela is above 0");
+    if (!(options.exponent >= 0.0) || !std::isfinite(options.exponent))
+        FailUsage("--exponent is not negative");
+    return {options.candela, options.exponent, tilt[0] * kRadians, tilt[1] * kRadians};
+}
+
+/// The scale that puts the brightest pel at three quarters of the range.
 double ChooseLuxPerGrey(const Scene& scene) {
     constexpr double kBrightestGrey = 49152.0;
     double brightest = 0.0;
@@ -86,20 +89,25 @@ double ChooseLuxPerGrey(const Scene& scene) {
         }
     }
     if (!(brightest > 0.0)) FailUsage("the lamp does not light the target");
-    return static_cast<double>(static_cast<float>(brightest / kBrightestGrey));
+    return brightest / kBrightestGrey;
 }
 
 Sensor ParseSensor(const SimulateOptions& options, const Scene& scene) {
     if (!(options.darkLevel >= 0.0) || !(options.darkLevel <= 60000.0))
         FailUsage("--dark-level is 0 to 60000");
-    if (!(options.electronsPerGrey > 0.0)) FailUsage("--electrons-per-grey is above 0");
-    if (!(options.readNoise >= 0.0)) FailUsage("--read-noise is not negative");
+    // Beyond these bounds the noise of a pel is no number.
+    if (!(options.electronsPerGrey >= 1e-9)) FailUsage("--electrons-per-grey is above 0");
+    if (!(options.readNoise >= 0.0) || options.readNoise > 65535.0) FailUsage("--read-noise is 0 to 65535");
     if (options.darkFrames < 1) FailUsage("--dark-frames is 1 at least");
     if (options.hotPixels < 0 || options.deadColumns < 0) FailUsage("the number of defects is not negative");
-    if (!(options.luxPerGrey >= 0.0)) FailUsage("--lux-per-grey is above 0");
     Sensor sensor;
-    sensor.luxPerGrey = options.luxPerGrey > 0.0 ? static_cast<double>(static_cast<float>(options.luxPerGrey))
-                                                 : ChooseLuxPerGrey(scene);
+    const double lux = options.luxPerGrey == 0.0 ? ChooseLuxPerGrey(scene) : options.luxPerGrey;
+    constexpr auto kLeast = std::numeric_limits<float>::min(), kMost = std::numeric_limits<float>::max();
+    if (!(lux >= double{kLeast} && lux <= double{kMost})) {
+        FailUsage("no header holds the lux of a grey level (--lux-per-grey)");
+    }
+    // In single precision, as headers hold it.
+    sensor.luxPerGrey = static_cast<double>(static_cast<float>(lux));
     sensor.darkLevel = options.darkLevel;
     sensor.electronsPerGrey = options.electronsPerGrey;
     sensor.readNoise = options.readNoise;
@@ -124,9 +132,8 @@ std::string FormatTruth(const SimulateOptions& options, const Scene& scene, cons
     const auto spot =
         options.spot.empty() ? std::array<std::int32_t, 2>{1, 1} : ParsePair("--spot", options.spot, 1);
     Json truth;
-    truth["lamp"] = {{"candela", options.candela},
-                     {"exponent", options.exponent},
-                     {"tiltDeg", ParseReals(options.tilt, 2, 2).value_or(std::vector<double>{})}};
+    truth["lamp"] = {
+        {"candela", options.candela}, {"exponent", options.exponent}, {"tiltDeg", ParseTilt(options)}};
     truth["sensor"] = {{"luxPerGrey", sensor.luxPerGrey},
                        {"darkLevel", sensor.darkLevel},
                        {"electronsPerGrey", sensor.electronsPerGrey},
@@ -145,7 +152,7 @@ std::string FormatTruth(const SimulateOptions& options, const Scene& scene, cons
         }
         truth["regions"].push_back(RegionTruth(scene, sensor, region, spot));
     }
-    return truth.dump(2) + "\n";
+    return JsonText(truth);
 }
 
 /// The files beside the image are called after it: lamp.png gives lamp.dark.png, lamp.defects.csv …
@@ -198,49 +205,29 @@ void AddSimulate(CLI::App& app) {
         .add_option("-o,--output", options.output,
                     "Image to write: .png, .tif or .pgm; the others go beside it")
         ->required();
+    const auto add = [&](const char* group, const char* name, auto& value, const char* help) {
+        command.add_option(name, value, help)->capture_default_str()->group(group);
+    };
     const char* const scene = "Scene";
-    command.add_option("--size", options.size, "COLUMNS[,ROWS]")->capture_default_str()->group(scene);
-    command.add_option("--pels-per-meter", options.pelsPerMeter, "X[,Y] on the target")
-        ->capture_default_str()
-        ->group(scene);
-    command.add_option("--center", options.center, "C,R: where the axis meets the image (the middle)")
-        ->group(scene);
-    command.add_option("--distance", options.distance, "Lamp to target, metres")
-        ->capture_default_str()
-        ->group(scene);
-    command.add_option("--candela", options.candela, "Intensity along the lamp's axis")
-        ->capture_default_str()
-        ->group(scene);
-    command.add_option("--exponent", options.exponent, "n of cos^n, the lamp's distribution")
-        ->capture_default_str()
-        ->group(scene);
-    command.add_option("--tilt", options.tilt, "RIGHT,UP: the lamp's axis, degrees")
-        ->capture_default_str()
-        ->group(scene);
+    add(scene, "--size", options.size, "COLUMNS[,ROWS]");
+    add(scene, "--pels-per-meter", options.pelsPerMeter, "X[,Y] on the target");
+    add(scene, "--center", options.center, "C,R: where the axis meets the image (the middle)");
+    add(scene, "--distance", options.distance, "Lamp to target, metres");
+    add(scene, "--candela", options.candela, "Intensity along the lamp's axis");
+    add(scene, "--exponent", options.exponent, "n of cos^n, the lamp's distribution");
+    add(scene, "--tilt", options.tilt, "RIGHT,UP: the lamp's axis, degrees");
 
     const char* const camera = "Camera";
     command.add_option("--lux-per-grey", options.luxPerGrey, "(default: fills three quarters of the range)")
         ->group(camera);
-    command.add_option("--dark-level", options.darkLevel, "Grey without light")
-        ->capture_default_str()
-        ->group(camera);
-    command.add_option("--electrons-per-grey", options.electronsPerGrey, "Sets the shot noise")
-        ->capture_default_str()
-        ->group(camera);
-    command.add_option("--read-noise", options.readNoise, "Standard deviation, grey")
-        ->capture_default_str()
-        ->group(camera);
-    command.add_option("--dark-frames", options.darkFrames, "Exposures averaged in the dark image")
-        ->capture_default_str()
-        ->group(camera);
-    command.add_option("--hot-pixels", options.hotPixels, "Pels stuck at full scale")
-        ->capture_default_str()
-        ->group(camera);
-    command.add_option("--dead-columns", options.deadColumns, "Columns stuck at 0")
-        ->capture_default_str()
-        ->group(camera);
-    command.add_option("--lens-radial", options.lensRadial, kLensHelp)->group(camera);
-    command.add_option("--seed", options.seed, "Of noise and defects")->capture_default_str()->group(camera);
+    add(camera, "--dark-level", options.darkLevel, "Grey without light");
+    add(camera, "--electrons-per-grey", options.electronsPerGrey, "Sets the shot noise");
+    add(camera, "--read-noise", options.readNoise, "Standard deviation, grey");
+    add(camera, "--dark-frames", options.darkFrames, "Exposures averaged in the dark image");
+    add(camera, "--hot-pixels", options.hotPixels, "Pels stuck at full scale");
+    add(camera, "--dead-columns", options.deadColumns, "Columns stuck at 0");
+    add(camera, "--lens-radial", options.lensRadial, kLensHelp);
+    add(camera, "--seed", options.seed, "Of noise and defects");
 
     const char* const truth = "True figures";
     AddRegions(command, options.regions);
@@ -248,7 +235,7 @@ void AddSimulate(CLI::App& app) {
     command
         .add_option("--spot", options.spot, "W[,H]: spot the brightest direction will be measured with (1,1)")
         ->group(truth);
-    command.add_flag("--progress", options.progress, "Tell the progress even when stderr is no terminal");
+    AddProgress(command, options.progress, "Output");
     command.callback([typed] { Run(*typed); });
 }
 

@@ -46,6 +46,12 @@ std::string Format(const char* pattern, ...) {
     return {text, static_cast<std::size_t>(length)};
 }
 
+std::string FormatFigure(const char* pattern, double value) {
+    char text[64];
+    std::snprintf(text, sizeof text, pattern, value);
+    return text;
+}
+
 std::vector<std::string_view> Split(std::string_view text, char separator) {
     std::vector<std::string_view> parts;
     while (true) {

@@ -10,6 +10,8 @@ namespace cli {
 
 /// printf into a string.
 [[gnu::format(printf, 1, 2)]] std::string Format(const char* pattern, ...);
+/// The same for one number and a pattern of a table of figures.
+std::string FormatFigure(const char* pattern, double value);
 
 std::vector<std::string_view> Split(std::string_view text, char separator);
 std::string_view Trim(std::string_view text);

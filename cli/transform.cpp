@@ -5,8 +5,8 @@
 
 #include "commands.h"
 #include "image_output.h"
+#include "input.h"
 #include "options.h"
-#include "progress.h"
 #include "transform_step.h"
 
 namespace cli {
@@ -17,7 +17,6 @@ struct TransformOptions {
     std::string image;
     std::vector<std::string> steps;
     HeaderOptions header;
-    std::string headerFile;
     std::string output;
     bool progress = false;
 };
@@ -28,16 +27,13 @@ void Run(const TransformOptions& options) {
     for (const std::string& text : options.steps)
         steps.push_back(ParseTransformStep(text));
     const Progress progress(options.progress);
-    const PhotometricHeader header = FindHeader(options.image, options.headerFile, options.header);
-    progress.Stage("reading " + options.image);
-    const GreyImage pels = ReadImage(options.image);
-    HostImage image(pels, MakeHeader(header, pels.cols, pels.rows));
+    Input input = ReadInput(options.image, options.header, progress);
     for (std::size_t at = 0; at < steps.size(); ++at) {
         progress.Stage(options.steps[at]);
-        Require(steps[at](image), options.image, options.steps[at].c_str());
+        Require(steps[at](input.image), options.image, options.steps[at].c_str());
     }
     progress.Stage("writing " + options.output);
-    WriteWithHeader(options.output, image);
+    WriteWithHeader(options.output, input.image);
 }
 
 }  // namespace
@@ -49,7 +45,7 @@ void AddTransform(CLI::App& app) {
         *app.add_subcommand("transform", "Turn, mirror, crop, bin or scale an image, and its header with it");
     AddImage(command, options.image);
     command.add_option("STEPS", options.steps, "What to do, see below")->required();
-    AddHeader(command, options.header, options.headerFile);
+    AddHeader(command, options.header);
     command.footer(kTransformSteps + ("\n" + command.get_footer()));
     AddImageOutput(command, options.output, options.progress);
     command.callback([typed] { Run(*typed); });

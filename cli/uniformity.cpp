@@ -1,16 +1,15 @@
 #include "tqimage/uniformity.h"
-#include <CLI/CLI.hpp>
-#include <memory>
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cmath>
+#include <memory>
 
 #include "commands.h"
 #include "delivery.h"
 #include "failure.h"
-#include "library.h"
+#include "input.h"
 #include "options.h"
-#include "progress.h"
 #include "region_argument.h"
 #include "text.h"
 #include "tqimage/deviation.h"
@@ -24,7 +23,6 @@ namespace {
 struct UniformityOptions {
     std::string image;
     HeaderOptions header;
-    std::string headerFile;
     std::string spot;
     bool ellipses = false;
     std::string region = "rect:0,0,0,0";
@@ -168,27 +166,25 @@ void Run(const UniformityOptions& options) {
     UniformityReport report;
     if (!options.spot.empty()) report.spot = ParsePair("--spot", options.spot, 1);
     Region region = ParseArea(options.region);
-    report.header = FindHeader(options.image, options.headerFile, options.header);
-
-    progress.Stage("reading " + options.image);
-    const GreyImage pels = ReadImage(options.image);
+    Input input = ReadInput(options.image, options.header, progress);
+    TqImageHeader header = input.image.Header();
     report.file = options.image;
-    report.cols = pels.cols;
-    report.rows = pels.rows;
-    report.bitsPerPel = pels.bitsPerPel;
+    report.header = input.known;
+    report.cols = header.PelCols;
+    report.rows = header.PelRows;
+    report.bitsPerPel = input.bitsPerPel;
     report.ellipses = options.ellipses;
     report.thresholdPercent = options.threshold;
-    if (options.spot.empty()) report.spot = {std::max(pels.cols / 20, 1), std::max(pels.rows / 20, 1)};
-    FitRegion(region, pels.cols, pels.rows);
+    if (options.spot.empty()) report.spot = {std::max(report.cols / 20, 1), std::max(report.rows / 20, 1)};
+    FitRegion(region, report.cols, report.rows);
     const auto& box = region.box;
     report.region = Format("rect:%d,%d,%d,%d", box[0], box[1], box[2], box[3]);
 
-    TqImageHeader header = MakeHeader(report.header, pels.cols, pels.rows);
     // Deviations in percent do not depend on the scale, but the library asks for one.
     if (!report.header.HasScale()) header.PelsPerMeterX = header.PelsPerMeterY = 1.0f;
-    const HostImage image(pels, header);
+    input.image.SetHeader(header);
     progress.Stage("measuring");
-    Uniformity(image, region, report).Measure();
+    Uniformity(input.image, region, report).Measure();
 
     OutputFiles files;
     const std::string shown = PlaceReport(
@@ -206,7 +202,7 @@ void AddUniformity(CLI::App& app) {
     CLI::App& command = *app.add_subcommand(
         "uniformity", "Rate the uniformity of a display or projector that shows a white field");
     AddImage(command, options.image);
-    AddHeader(command, options.header, options.headerFile);
+    AddHeader(command, options.header);
     const char* const measuring = "Measuring";
     command
         .add_option("--spot", options.spot, "W[,H]: size of the thirteen spots (a twentieth of the image)")

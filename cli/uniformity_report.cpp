@@ -6,12 +6,6 @@
 namespace cli {
 namespace {
 
-std::string Shown(const FieldFigure& figure) {
-    char text[64];
-    std::snprintf(text, sizeof text, figure.pattern, figure.value);
-    return text;
-}
-
 TextTable PointTable(const UniformityReport& report) {
     const auto& luxPerGrey = report.header.luxPerGrey;
     TextTable table;
@@ -35,7 +29,7 @@ std::string FormatUniformityTable(const UniformityReport& report) {
                    report.region.c_str(), report.thresholdPercent);
     TextTable figures;
     for (const FieldFigure& figure : report.figures)
-        figures.AddLine({figure.title, Shown(figure), figure.unit});
+        figures.AddLine({figure.title, FormatFigure(figure.pattern, figure.value), figure.unit});
     return text + PointTable(report).Text() + "\n" + figures.Text();
 }
 
@@ -63,8 +57,7 @@ std::string FormatUniformityJson(const UniformityReport& report) {
     }
     for (const FieldFigure& figure : report.figures)
         json["figures"][figure.key] = figure.value;
-    // File names may be any bytes; what is not text in them is replaced rather than refused.
-    return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+    return JsonText(json);
 }
 
 std::string FormatUniformityCsv(const UniformityReport& report) {

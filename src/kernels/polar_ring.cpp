@@ -2,9 +2,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstring>
-
-#include "kernels/bilinear.h"
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "kernels/polar_ring.cpp"
@@ -12,6 +9,7 @@
 // Highway wants its own header after the loop over the targets.
 #include <hwy/highway.h>
 
+#include "kernels/bilinear-inl.h"
 #include "kernels/pel_loops-inl.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -31,10 +29,7 @@ HWY_INLINE double SampleAt(const SourcePels& source, const RingPlaces& ring, dou
     const double col = ring.colsPerLength * (ring.radius * cosine) + ring.centreCol;
     const double row = ring.centreRow - ring.radius * sine * ring.rowsPerLength;
     if (!(col >= 0.0 && row >= 0.0 && col <= source.cols - 1 && row <= source.rows - 1)) return 0.0;
-    const std::int32_t i = std::min(TruncToInt32(col), source.cols - 2);
-    const std::int32_t j = std::min(TruncToInt32(row), source.rows - 2);
-    const Pel* near = source.pels + static_cast<std::ptrdiff_t>(j) * source.cols + i;
-    return Blend(near, near + source.cols, 1, col - i, row - j);
+    return CellSampler(source).At(col, row);
 }
 
 #if HWY_TARGET != HWY_SCALAR
@@ -64,10 +59,10 @@ HWY_INLINE void FindCells(const SourcePels& source, const RingPlaces& ring, cons
     }
 }
 
-/// Two pels in a row as one number, and those below them.
+/// The pels of the cells, as pairs.
 struct Fetched {
-    std::uint32_t near[kRun];
-    std::uint32_t far[kRun];
+    PelPair near[kRun];
+    PelPair far[kRun];
 };
 
 HWY_INLINE void Fetch(const SourcePels& source, const Cells& cells, std::size_t count, Fetched& pairs) {
@@ -77,33 +72,17 @@ HWY_INLINE void Fetch(const SourcePels& source, const Cells& cells, std::size_t 
             continue;
         }
         const Pel* near = source.pels + cells.first[i];
-        std::memcpy(&pairs.near[i], near, sizeof pairs.near[i]);
-        std::memcpy(&pairs.far[i], near + source.cols, sizeof pairs.far[i]);
+        pairs.near[i] = MakePair(near, 1);
+        pairs.far[i] = MakePair(near + source.cols, 1);
     }
 }
 
-/// The steps of Blend.
-HWY_INLINE void BlendPairs(const Cells& cells, const Fetched& pairs, std::size_t count, double* greys) {
-    const hn::ScalableTag<double> d;
-    const hn::Rebind<std::uint32_t, decltype(d)> d32;
-    const hn::Rebind<std::int32_t, decltype(d)> s32;
-    const auto one = hn::Set(d, 1.0);
-    const auto left = [&](auto pair) HWY_ATTR {
-        return hn::PromoteTo(d, hn::BitCast(s32, hn::And(pair, hn::Set(d32, 0xFFFF))));
-    };
-    const auto right = [&](auto pair)
-                           HWY_ATTR { return hn::PromoteTo(d, hn::BitCast(s32, hn::ShiftRight<16>(pair))); };
+HWY_INLINE void BlendCells(const Cells& cells, const Fetched& pairs, std::size_t count, double* greys) {
+    const Numbers d;
+    const hn::Rebind<PelPair, Numbers> two;
     for (std::size_t i = 0; i < count; i += hn::Lanes(d)) {
-        const auto near = hn::LoadU(d32, pairs.near + i);
-        const auto far = hn::LoadU(d32, pairs.far + i);
-        const auto fx = hn::LoadU(d, cells.fx + i);
-        const auto fy = hn::LoadU(d, cells.fy + i);
-        const auto restX = hn::Sub(one, fx);
-        const auto restY = hn::Sub(one, fy);
-        auto value =
-            hn::Add(hn::Mul(hn::Mul(restY, fx), right(near)), hn::Mul(hn::Mul(restY, restX), left(near)));
-        value = hn::Add(value, hn::Mul(hn::Mul(fx, fy), right(far)));
-        value = hn::Add(value, hn::Mul(hn::Mul(fy, restX), left(far)));
+        const auto value = BlendPairs(hn::LoadU(two, pairs.near + i), hn::LoadU(two, pairs.far + i),
+                                      hn::LoadU(d, cells.fx + i), hn::LoadU(d, cells.fy + i));
         hn::StoreU(value, d, greys + i);
     }
 }
@@ -120,7 +99,7 @@ void SampleRing(const SourcePels& source, const RingPlaces& ring, const double* 
         const std::size_t run = std::min(kRun, (count - i) / lanes * lanes);
         FindCells(source, ring, cosines + i, sines + i, run, cells);
         Fetch(source, cells, run, pairs);
-        BlendPairs(cells, pairs, run, greys + i);
+        BlendCells(cells, pairs, run, greys + i);
         i += run;
     }
 #endif

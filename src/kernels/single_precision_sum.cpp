@@ -8,15 +8,12 @@
 #include <hwy/foreach_target.h>  // IWYU pragma: keep
 #include <hwy/highway.h>
 
+#include "kernels/pair_sums-inl.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace tq::kernels::HWY_NAMESPACE {
 
 #if HWY_TARGET != HWY_SCALAR
-namespace hn = hwy::HWY_NAMESPACE;
-
-using U16 = hn::ScalableTag<std::uint16_t>;
-using U32 = hn::Repartition<std::uint32_t, U16>;
-
 /// What a run of pels adds, in units of 2^shift, when each is rounded by itself.
 struct Steps {
     std::uint32_t sum;
@@ -39,8 +36,7 @@ HWY_INLINE Steps RoundedSteps(const std::uint16_t* pels, std::size_t count, int 
         ties = hn::Or(ties, hn::VecFromMask(d, hn::Eq(rest, half)));
         const auto whole = shift < 16 ? hn::ShiftRightSame(v, shift) : hn::Zero(d);
         const auto up = hn::VecFromMask(d, hn::Ne(hn::Max(rest, half), half));
-        const auto pairs = hn::BitCast(d32, hn::Sub(whole, up));
-        sums = hn::Add(sums, hn::Add(hn::And(pairs, hn::Set(d32, 0xFFFF)), hn::ShiftRight<16>(pairs)));
+        sums = hn::Add(sums, AddPairs(hn::Sub(whole, up)));
     }
     return {hn::GetLane(hn::SumOfLanes(d32, sums)), !hn::AllTrue(d, hn::Eq(ties, hn::Zero(d)))};
 }

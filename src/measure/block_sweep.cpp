@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "kernels/window_sums.h"
+#include "measure/column_sums.h"
 #include "measure/region_shapes.h"
 
 namespace tq {
@@ -20,57 +21,26 @@ std::size_t Size(std::int32_t count) {
     return static_cast<std::size_t>(count);
 }
 
-/// What a sweep adds up: the pels as they are …
-class PelRows {
-  public:
-    explicit PelRows(const ConstImageView& view) : view_(view) {}
-    const Pel* Entering(std::int32_t row) noexcept { return view_.Row(row); }
-    const Pel* Leaving(std::int32_t row) noexcept { return view_.Row(row); }
-
-  private:
-    ConstImageView view_;
-};
-
-/// … or a 1 for each pel that is not 0. Two rows at most are needed at a time, one that enters and one that
-/// leaves.
-class LitRows {
-  public:
-    explicit LitRows(const ConstImageView& view)
-        : view_(view), entering_(Size(view.cols)), leaving_(Size(view.cols)) {}
-    const Pel* Entering(std::int32_t row) { return Mark(row, entering_); }
-    const Pel* Leaving(std::int32_t row) { return Mark(row, leaving_); }
-
-  private:
-    const Pel* Mark(std::int32_t row, std::vector<Pel>& marks) {
-        kernels::MarkNonZero(view_.Row(row), marks.size(), marks.data());
-        return marks.data();
-    }
-
-    ConstImageView view_;
-    std::vector<Pel> entering_;
-    std::vector<Pel> leaving_;
-};
-
 /// Sums the columns of the band of rows that the blocks cover, then sums along the row: a block is then one
 /// difference.
-template <class Rows>
 class RectangleSweep final : public BlockSweep {
   public:
-    RectangleSweep(const ConstImageView& view, std::int32_t width, std::int32_t height,
+    RectangleSweep(const ConstImageView& view, Summand summand, std::int32_t width, std::int32_t height,
                    std::int32_t firstCenter, std::int32_t lastCenter)
         : BlockSweep(Size(lastCenter - firstCenter + 1)),
           view_(view),
-          source_(view),
           width_(width),
           height_(height),
           firstCenter_(firstCenter),
           firstCol_(PlaceBlock(firstCenter, width, view.cols).first),
-          cols_(PlaceBlock(lastCenter, width, view.cols).last - firstCol_ + 1),
-          columns_(Size(cols_)),
-          prefix_(Size(cols_) + 1) {}
+          columns_(Size(PlaceBlock(lastCenter, width, view.cols).last - firstCol_ + 1)),
+          prefix_(columns_.size() + 1),
+          band_(SummandRows(view, summand, firstCol_, columns_.size())) {}
 
     void MoveTo(std::int32_t row) override {
-        SlideBand(PlaceBlock(row, height_, view_.rows));
+        const Reach band = PlaceBlock(row, height_, view_.rows);
+        band_.MoveTo(band, columns_.data());
+        if (band.last - band.first + 1 != countedRows_) CountPels(band.last - band.first + 1);
         kernels::PrefixSums(columns_.data(), columns_.size(), prefix_.data());
 
         // Centres up to half the width share the block that starts at the first column.
@@ -96,31 +66,8 @@ class RectangleSweep final : public BlockSweep {
         return prefix_[Size(reach.last + 1 - firstCol_)] - prefix_[Size(reach.first - firstCol_)];
     }
 
-    const Pel* Entering(std::int32_t row) { return source_.Entering(row) + firstCol_; }
-    const Pel* Leaving(std::int32_t row) { return source_.Leaving(row) + firstCol_; }
-
-    void SlideBand(Reach band) {
-        if (band.first > last_ || band.last < first_) {  // nothing shared, as at the start
-            std::fill(columns_.begin(), columns_.end(), 0U);
-            first_ = band.first;
-            last_ = band.first - 1;
-        }
-        while (last_ < band.last && first_ < band.first) {
-            kernels::ReplaceRow(columns_.data(), Entering(++last_), Leaving(first_++), columns_.size());
-        }
-        while (last_ < band.last)
-            kernels::AddRow(columns_.data(), Entering(++last_), columns_.size());
-        while (first_ > band.first)
-            kernels::AddRow(columns_.data(), Entering(--first_), columns_.size());
-        while (first_ < band.first)
-            kernels::SubtractRow(columns_.data(), Leaving(first_++), columns_.size());
-        while (last_ > band.last)
-            kernels::SubtractRow(columns_.data(), Leaving(last_--), columns_.size());
-        if (last_ - first_ + 1 != countedRows_) CountPels();
-    }
-
-    void CountPels() {
-        countedRows_ = last_ - first_ + 1;
+    void CountPels(std::int32_t rows) {
+        countedRows_ = rows;
         ++countsVersion_;
         for (std::size_t i = 0; i < counts_.size(); ++i) {
             const Reach reach = PlaceBlock(firstCenter_ + static_cast<std::int32_t>(i), width_, view_.cols);
@@ -129,29 +76,25 @@ class RectangleSweep final : public BlockSweep {
     }
 
     ConstImageView view_;
-    Rows source_;
     std::int32_t width_;
     std::int32_t height_;
     std::int32_t firstCenter_;
     std::int32_t firstCol_;
-    std::int32_t cols_;
-    std::int32_t first_ = 0;  ///< rows summed in columns_
-    std::int32_t last_ = -1;
     std::int32_t countedRows_ = 0;
     std::vector<std::uint32_t> columns_;
     std::vector<double> prefix_;
+    ColumnSums band_;
 };
 
 /// Holds the prefix sums of the rows that the ellipse covers; each of its rows is then one difference. Rows
 /// are padded on both sides with what an image continued by zeros would give, so that no position is special.
-template <class Rows>
 class EllipseSweep final : public BlockSweep {
   public:
-    EllipseSweep(const ConstImageView& view, std::int32_t width, std::int32_t height,
+    EllipseSweep(const ConstImageView& view, Summand summand, std::int32_t width, std::int32_t height,
                  std::int32_t firstCenter, std::int32_t lastCenter)
         : BlockSweep(Size(lastCenter - firstCenter + 1)),
           view_(view),
-          source_(view),
+          source_(view, summand, 0, Size(view.cols)),
           firstCenter_(firstCenter) {
         halfRows_ = std::min(height / 2, view.rows - 1);
         pad_ = std::min(width / 2, view.cols - 1);
@@ -227,7 +170,7 @@ class EllipseSweep final : public BlockSweep {
     }
 
     ConstImageView view_;
-    Rows source_;
+    SummandRows source_;
     std::int32_t firstCenter_;
     std::int32_t halfRows_;
     std::int32_t pad_;
@@ -241,14 +184,13 @@ class EllipseSweep final : public BlockSweep {
     Reach counted_{1, 0};
 };
 
-template <class Rows>
-std::unique_ptr<BlockSweep> MakeSweepOver(const ConstImageView& view, BlockShape shape, std::int32_t width,
-                                          std::int32_t height, std::int32_t firstCenter,
+std::unique_ptr<BlockSweep> MakeSweepOver(Summand summand, const ConstImageView& view, BlockShape shape,
+                                          std::int32_t width, std::int32_t height, std::int32_t firstCenter,
                                           std::int32_t lastCenter) {
     if (shape == BlockShape::kEllipse) {
-        return std::make_unique<EllipseSweep<Rows>>(view, width, height, firstCenter, lastCenter);
+        return std::make_unique<EllipseSweep>(view, summand, width, height, firstCenter, lastCenter);
     }
-    return std::make_unique<RectangleSweep<Rows>>(view, width, height, firstCenter, lastCenter);
+    return std::make_unique<RectangleSweep>(view, summand, width, height, firstCenter, lastCenter);
 }
 
 }  // namespace
@@ -256,12 +198,12 @@ std::unique_ptr<BlockSweep> MakeSweepOver(const ConstImageView& view, BlockShape
 std::unique_ptr<BlockSweep> MakeBlockSweep(const ConstImageView& view, BlockShape shape, std::int32_t width,
                                            std::int32_t height, std::int32_t firstCenter,
                                            std::int32_t lastCenter) {
-    return MakeSweepOver<PelRows>(view, shape, width, height, firstCenter, lastCenter);
+    return MakeSweepOver(Summand::kPels, view, shape, width, height, firstCenter, lastCenter);
 }
 
 LitBlockSweep::LitBlockSweep(const ConstImageView& view, BlockShape shape, std::int32_t width,
                              std::int32_t height, std::int32_t firstCenter, std::int32_t lastCenter)
-    : pels_(MakeSweepOver<PelRows>(view, shape, width, height, firstCenter, lastCenter)),
-      lit_(MakeSweepOver<LitRows>(view, shape, width, height, firstCenter, lastCenter)) {}
+    : pels_(MakeSweepOver(Summand::kPels, view, shape, width, height, firstCenter, lastCenter)),
+      lit_(MakeSweepOver(Summand::kLit, view, shape, width, height, firstCenter, lastCenter)) {}
 
 }  // namespace tq

@@ -8,14 +8,12 @@
 
 #include "core/image_view.h"
 #include "core/window.h"
+#include "measure/column_sums.h"
 
 namespace tq {
 
 /// Where a window lies when it would reach over the border.
 enum class WindowPlacement { kShifted, kClipped };
-
-/// What is added up: the pels, or a 1 for each pel that is not 0.
-enum class Summand { kPels, kLit };
 
 /// Width and height of a window after the rule of odd sizes.
 struct WindowSize {
@@ -66,21 +64,17 @@ class WindowColumns {
         return placement_ == WindowPlacement::kShifted ? ShiftedReach(col, width_, view_.cols).first
                                                        : col - width_ / 2;
     }
-    const Pel* Row(std::int32_t row, std::vector<Pel>& marks);
+    /// The columns of the image that these pels' windows cover.
+    SummandRows CoveredRows(Summand summand, std::int32_t firstCol, std::int32_t lastCol) const;
 
     ConstImageView view_;
     WindowPlacement placement_;
-    Summand summand_;
     std::int32_t width_;
     std::int32_t height_;
     std::size_t lead_;
-    std::int32_t firstCol_;  ///< columns of the image that are summed
-    std::size_t cols_;
-    std::size_t margin_;  ///< entries of columns_ before them, beyond the border
-    Reach held_{0, -1};   ///< rows of the image that are summed
+    std::size_t margin_;  ///< entries of columns_ before those of the image, beyond the border
     std::vector<std::uint32_t> columns_;
-    std::vector<Pel> entering_;
-    std::vector<Pel> leaving_;
+    ColumnSums sums_;
 };
 
 /// Sums over the window of every pel of a row: integers, held exactly in doubles. The cost of a pel does not

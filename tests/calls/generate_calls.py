@@ -8,7 +8,7 @@ import re
 import sys
 
 sys.dont_write_bytecode = True
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "exports"))
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "tools"))
 import declarations  # noqa: E402
 
 WANT_OF_MEMORY = re.compile(

@@ -1,6 +1,5 @@
 """Colours whose chromaticities and temperatures are published, side by side in three images."""
 import json
-import struct
 import sys
 
 sys.dont_write_bytecode = True
@@ -64,10 +63,10 @@ class Colour(ProgramTest):
         away = [sum((a - b) ** 2 for a, b in zip(uv(x, y), (0.1978, 0.4683))) ** 0.5 for x, y, _ in PATCHES.values()]
         for name, low, high, values in (("u.pgm", 0.1, 0.6, [uv(x, y)[0] for x, y, _ in PATCHES.values()]),
                                         ("d.pgm", 0, report["maps"][2]["high"], away)):
-            pels = struct.unpack(">320H", (self.folder / name).read_bytes()[-640:])
+            pels = self.pels(name)
             for index, value in enumerate(values):
-                self.assertAlmostEqual(low + pels[10 * index + 5] * (high - low) / 65000, value, delta=5e-5)
-        bitmap = (self.folder / "v.bmp").read_bytes()
+                self.assertAlmostEqual(low + pels[0][10 * index + 5] * (high - low) / 65000, value, delta=5e-5)
+        bitmap = self.bytes_of("v.bmp")
         self.assertEqual((bitmap[:2], len(bitmap)), (b"BM", 54 + 1024 + 320))
         self.assertAlmostEqual(bitmap[-320], 1 + 254 * (0.4683 - 0.1) / 0.5, delta=1)
 
@@ -81,5 +80,4 @@ class Colour(ProgramTest):
         self.refuses(CANNOT_MEASURE, "another size", "colour", *files[:2], "other.pgm")
 
 
-if __name__ == "__main__":
-    main()
+main()

@@ -4,7 +4,7 @@ import math
 import sys
 
 sys.dont_write_bytecode = True
-from support.image_bytes import pgm, pgm_rows
+from support.image_bytes import pgm
 from support.program import CANNOT_MEASURE, FILE, USAGE, ProgramTest, main
 
 COLS, ROWS = 60, 40
@@ -21,7 +21,7 @@ class Correct(ProgramTest):
     def correct(self, *arguments):
         """The corrected pels and what was told."""
         told = self.passes("correct", *arguments, "-o", "out.pgm")
-        return pgm_rows((self.folder / "out.pgm").read_bytes()), told
+        return self.pels("out.pgm"), told
 
     def describe(self, name, **values):
         self.write(name, json.dumps(values))
@@ -41,8 +41,7 @@ class Correct(ProgramTest):
         pels, told = self.correct("a.pgm", "--stray-light", stray, "--lux-per-grey=0.5")
         self.assertEqual(pels, [[round(1500 - 0.1 * mean)] * 4 + [500] * 4] * 4)
         self.assertEqual(told, "stray light of sensor/stray.json subtracted\n")
-        with open(self.folder / "out.pgm.json") as file:
-            self.assertEqual(json.load(file), {"center": [3.5, 1.5], "luxPerGrey": 0.5, "bin": [1, 1]})
+        self.assertEqual(self.json("out.pgm.json"), {"center": [3.5, 1.5], "luxPerGrey": 0.5, "bin": [1, 1]})
         # A cut image's axis says which part of the sensor it is.
         self.write("part.pgm", pgm([[1000] * 2] * 2))
         pels, _ = self.correct("part.pgm", "--stray-light", stray, "--center=0.5,0.5")
@@ -156,5 +155,4 @@ class Correct(ProgramTest):
         self.assertEqual(self.region("a.pgm", "--keystone=screen.json", "--region=rect:20,20,20,20")["meanGrey"], 4000)
 
 
-if __name__ == "__main__":
-    main()
+main()

@@ -42,10 +42,14 @@ class Mtf(ProgramTest):
         lines = [line.split() for line in text.splitlines()]
         self.assertIn(["0.0000", "1.0000"], lines)
         self.assertIn(["edge", "angle", "5.000", "degrees"], lines)
-        with open(self.folder / "curve.json") as file:
-            region = json.load(file)["regions"][0]
+        region = self.json("curve.json")["regions"][0]
         self.assertEqual([[f"{f:.4f}", f"{m:.4f}"] for f, m in zip(region["frequency"], region["modulation"])],
                          lines[-6:])
+
+    def test_a_name_that_is_no_text(self):
+        name = b"\xff.pgm".decode(errors="surrogateescape")
+        self.write(name, pgm(edge(5)))
+        self.assertEqual(json.loads(self.passes("mtf", "--json", name))["file"], "\ufffd.pgm")
 
     def test_what_is_no_edge(self):
         self.write("flat.pgm", pgm([[500] * SIZE for _ in range(SIZE)]))
@@ -57,5 +61,5 @@ class Mtf(ProgramTest):
         self.refuses(USAGE, "--points", "mtf", "--points", "1", "edge.pgm")
         self.refuses(FILE, "missing.pgm", "mtf", "missing.pgm")
 
-if __name__ == "__main__":
-    main()
+
+main()

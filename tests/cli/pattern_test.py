@@ -9,14 +9,12 @@ from support.program import USAGE, ProgramTest, main
 class Pattern(ProgramTest):
     def draw(self, file, *arguments):
         self.passes("pattern", *arguments, "-o", file)
-        return (self.folder / file).read_bytes()
+        return self.bytes_of(file)
 
     def pgm(self, *arguments):
         """The upper bytes of a grey pattern, row by row."""
-        data = self.draw("p.pgm", *arguments)
-        head, size, largest, pels = data.split(b"\n", 3)
-        cols, rows = map(int, size.split())
-        return [list(pels[2 * cols * row:2 * cols * (row + 1):2]) for row in range(rows)]
+        self.draw("p.pgm", *arguments)
+        return [[pel >> 8 for pel in row] for row in self.pels("p.pgm")]
 
     def bmp(self, *arguments):
         """The pels of a bitmap, (red, green, blue), row by row."""
@@ -76,5 +74,4 @@ class Pattern(ProgramTest):
             self.refuses(USAGE, reason, "pattern", *arguments)
 
 
-if __name__ == "__main__":
-    main()
+main()

@@ -2,6 +2,7 @@
 import sys
 
 sys.dont_write_bytecode = True
+from support.image_bytes import pgm
 from support.program import CANNOT_MEASURE, USAGE, ProgramTest, main
 
 LAMP = ("--pels-per-meter", "100", "--distance", "1", "--lux-per-grey", "0.01")
@@ -10,24 +11,16 @@ LAMP = ("--pels-per-meter", "100", "--distance", "1", "--lux-per-grey", "0.01")
 class Plot(ProgramTest):
     def setUp(self):
         super().setUp()
-        columns, rows = 81, 61
         # E = I cos^3 / D^2 of an even source: 200 cd, so 20000 grey on the axis.
-        lamp, ramp = [], []
-        for row in range(rows):
-            for col in range(columns):
-                squared = 1 + ((col - 40) / 100) ** 2 + ((row - 30) / 100) ** 2
-                lamp.append(round(20000 / squared ** 1.5))
-                ramp.append(500 * col)
-        for name, pels in (("lamp.pgm", lamp), ("ramp.pgm", ramp)):
-            self.write(name, b"P5\n%d %d\n65535\n" % (columns, rows) + b"".join(pel.to_bytes(2, "big") for pel in pels))
+        def lamp(col, row):
+            return round(20000 / (1 + ((col - 40) / 100) ** 2 + ((row - 30) / 100) ** 2) ** 1.5)
+        self.write("lamp.pgm", pgm([[lamp(col, row) for col in range(81)] for row in range(61)]))
+        self.write("ramp.pgm", pgm([[500 * col for col in range(81)]] * 61))
 
     def plot(self, kind, image, *arguments):
         """What is said, and the grey levels row by row."""
         said = self.passes("plot", kind, image, *arguments, "-o", "p.pgm")
-        _, size, _, pels = (self.folder / "p.pgm").read_bytes().split(b"\n", 3)
-        cols, rows = map(int, size.split())
-        levels = [int.from_bytes(pels[i:i + 2], "big") for i in range(0, len(pels), 2)]
-        return said, [levels[cols * row:cols * (row + 1)] for row in range(rows)]
+        return said, self.pels("p.pgm")
 
     def test_an_even_source_is_even_over_all_angles(self):
         for kind in ("polar", "radar"):
@@ -52,5 +45,4 @@ class Plot(ProgramTest):
         self.refuses(CANNOT_MEASURE, "--distance", "plot", "radar", "lamp.pgm", "-o", "p.png")
 
 
-if __name__ == "__main__":
-    main()
+main()

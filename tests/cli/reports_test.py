@@ -115,5 +115,4 @@ class Reports(ProgramTest):
         self.assertRegex(self.passes("--version"), r"\A\d+\.\d+\.\d+\n\Z")
 
 
-
 main()

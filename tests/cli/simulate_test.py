@@ -1,11 +1,10 @@
 """Simulated captures: the truth is true, the noise is what it says, the whole chain gets back to the lamp."""
-import json
 import math
 import os
-import struct
 import sys
 
 sys.dont_write_bytecode = True
+from support.image_bytes import flat
 from support.program import FILE, USAGE, ProgramTest, main
 
 SCENE = {"size": "400,300", "pels-per-meter": 200, "distance": 2.5, "candela": 900, "exponent": 3}
@@ -18,7 +17,7 @@ class Simulate(ProgramTest):
         scene = [f"--{option.replace('_', '-')}={value}" for option, value in {**SCENE, **scene}.items()]
         self.passes("simulate", "-o", name, *scene, *REGIONS, *arguments)
         stem = name.rsplit(".", 1)[0]
-        return json.loads((self.folder / (stem + ".truth.json")).read_text())
+        return self.json(stem + ".truth.json")
 
     def corrected(self, name="lamp.png", lens=True):
         stem, extension = name.rsplit(".", 1)
@@ -68,7 +67,7 @@ class Simulate(ProgramTest):
         self.simulate("--dark-level=500", "--read-noise=12", "--electrons-per-grey=0.5", "--dark-frames=4",
                       name="lamp.pgm", **{"pels-per-meter": 100000})
         for name, mean, deviation in (("lamp.dark.pgm", 500, 6), ("lamp.pgm", 49652, math.sqrt(49152 / 0.5 + 144))):
-            pels = struct.unpack(">120000H", (self.folder / name).read_bytes()[-240000:])
+            pels = flat(self.pels(name))
             average = sum(pels) / len(pels)
             spread = math.sqrt(sum((pel - average)**2 for pel in pels) / len(pels))
             self.assertAlmostEqual(average, mean, delta=5 * deviation / math.sqrt(len(pels)) + 0.6)
@@ -78,7 +77,7 @@ class Simulate(ProgramTest):
         images = []
         for seed in (1, 1, 2):
             self.simulate(f"--seed={seed}", "--hot-pixels=5", "--dead-columns=2", name="lamp.pgm")
-            images.append({name: (self.folder / name).read_bytes() for name in ("lamp.pgm", "lamp.dark.pgm", "lamp.defects.csv")})
+            images.append({name: self.bytes_of(name) for name in ("lamp.pgm", "lamp.dark.pgm", "lamp.defects.csv")})
         self.assertEqual(images[0], images[1])
         for name in images[0]:
             self.assertNotEqual(images[0][name], images[2][name])
@@ -86,6 +85,9 @@ class Simulate(ProgramTest):
     def test_refusals_leave_nothing(self):
         for arguments, reason in ((["--size=0"], "--size"), (["--size=8001,5"], "--size"), (["--distance=0"], "--distance"),
                                   (["--pels-per-meter=x"], "--pels-per-meter"), (["--tilt=90,0"], "--tilt"), (["--candela=-1"], "--candela"),
+                                  # What leaves no number of a pel.
+                                  (["--candela=inf"], "--candela"), (["--lux-per-grey=1e-60"], "--lux-per-grey"), (["--candela=1e-60"], "--lux-per-grey"),
+                                  (["--read-noise=inf"], "--read-noise"), (["--electrons-per-grey=1e-320"], "--electrons-per-grey"),
                                   (["--exponent=-1"], "--exponent"), (["--dark-level=70000"], "--dark-level"), (["--dark-frames=0"], "--dark-frames"),
                                   (["--electrons-per-grey=0"], "--electrons-per-grey"), (["--read-noise=nan"], "--read-noise"),
                                   (["--lens-radial=-1,0"], "folds"), (["--hot-pixels=-1"], "defects"), (["--size=20", "--dead-columns=50"], "no room"),

@@ -4,7 +4,7 @@ import math
 import sys
 
 sys.dont_write_bytecode = True
-from support.image_bytes import pgm, pgm_rows
+from support.image_bytes import pgm
 from support.program import CANNOT_MEASURE, USAGE, ProgramTest, main
 
 COLS, ROWS = 12, 8
@@ -20,8 +20,7 @@ class Transform(ProgramTest):
     def transform(self, *steps):
         """The pels and the header."""
         self.passes("transform", "a.pgm", *steps, "-o", "out.pgm")
-        with open(self.folder / "out.pgm.json") as file:
-            return pgm_rows((self.folder / "out.pgm").read_bytes()), json.load(file)
+        return self.pels("out.pgm"), self.json("out.pgm.json")
 
     def test_turns_and_mirrors(self):
         columns = [list(column) for column in zip(*PELS)]
@@ -78,5 +77,4 @@ class Transform(ProgramTest):
         self.refuses(USAGE, "STEPS", "transform", "a.pgm", "-o", "bad.pgm")
 
 
-if __name__ == "__main__":
-    main()
+main()

@@ -68,7 +68,7 @@ class Uniformity(ProgramTest):
         command = ["uniformity", "field.pgm", *HEADER, "--spot=1"]
         table = self.passes(*command, "--json=r.json", "--csv=r.csv")
         self.assertEqual(table, self.passes(*command))
-        self.assertEqual(json.loads((self.folder / "r.json").read_text()), report)
+        self.assertEqual(self.json("r.json"), report)
         rows = list(csv.DictReader(io.StringIO((self.folder / "r.csv").read_text())))
         self.assertEqual([float(row["value"]) for row in rows[:13]], [point["meanGrey"] for point in report["points"]])
         self.assertEqual([row["figure"] for row in rows[13:]], list(figures))

@@ -8,7 +8,8 @@ import shlex
 import subprocess
 import sys
 
-from declarations import declared_functions, public_headers
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "tools"))
+from declarations import declared_functions, public_headers  # noqa: E402
 
 
 def comment_faults(function):

@@ -7,7 +7,8 @@ import re
 import subprocess
 import sys
 
-from declarations import declared_functions
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "tools"))
+from declarations import declared_functions  # noqa: E402
 
 # Present on every Windows since XP; anything else would have to be installed with the DLL.
 SYSTEM_DLLS = {"advapi32.dll", "gdi32.dll", "kernel32.dll", "msvcrt.dll", "ole32.dll", "oleaut32.dll",

@@ -25,24 +25,24 @@ TEST(Binning, SumsAndCountsAreTheSameOnEveryTarget) {
             }
             tqtest::ForEachTarget([&] {
                 for (std::size_t count = 0; count <= kMost; ++count) {
-                    const auto expect = [&](const Numbers& expected, const Numbers& got) {
-                        ASSERT_TRUE(std::equal(got.begin(), got.end() - 1, expected.begin())) << count;
-                        ASSERT_EQ(got[count], 77U);
-                    };
-                    Numbers plain(count + 1, 77), lit(count + 1, 77), number(count + 1, 77);
-                    (width == 2 ? kernels::SumPairsOfColumns : kernels::SumColumns)(source, count,
-                                                                                    plain.data());
-                    (width == 2 ? kernels::SumLitPairsOfColumns : kernels::SumLitColumns)(
-                        source, count, lit.data(), number.data());
-                    expect(sums, plain);
-                    expect(sums, lit);
-                    expect(counts, number);
+                    const auto sum = width == 2 ? kernels::SumPairsOfColumns : kernels::SumColumns;
+                    const auto sumLit = width == 2 ? kernels::SumLitPairsOfColumns : kernels::SumLitColumns;
+                    const auto sumAt = [&](std::size_t i) { return sums[i]; };
+                    Numbers other(count + 1);
+                    tqtest::ExpectRun<std::uint32_t>(
+                        count, [&](auto* out) { sum(source, count, out); }, sumAt);
+                    tqtest::ExpectRun<std::uint32_t>(
+                        count, [&](auto* out) { sumLit(source, count, out, other.data()); }, sumAt);
+                    tqtest::ExpectRun<std::uint32_t>(
+                        count, [&](auto* out) { sumLit(source, count, other.data(), out); },
+                        [&](std::size_t i) { return counts[i]; });
                     if (rows != 2 || width != 2) continue;
-                    Pels means(count + 1, 77);
-                    kernels::MeansOfFour(pels.data(), pels.data() + kStride, count, means.data());
-                    for (std::size_t i = 0; i < count; ++i)
-                        ASSERT_EQ(means[i], sums[i] / 4) << i << " of " << count;
-                    ASSERT_EQ(means[count], 77);
+                    tqtest::ExpectRun<std::uint16_t>(
+                        count,
+                        [&](auto* out) {
+                            kernels::MeansOfFour(pels.data(), pels.data() + kStride, count, out);
+                        },
+                        [&](std::size_t i) { return sums[i] / 4; });
                 }
             });
         }
@@ -62,26 +62,24 @@ TEST(Binning, MeansTruncateLikeTheDivisionOnEveryTarget) {
                 std::min(largest, sum + (i % 5 == 0 ? 1U : 0U) - (i % 7 == 0 && mean > 0 ? 1U : 0U))));
             counts.push_back(i % 11 == 0 ? 0U : 1 + i * 7919 % static_cast<std::uint32_t>(pels));
         }
-        tqtest::ForEachTarget([&] {
-            for (std::size_t count = 0; count <= sums.size(); ++count) {
-                Pels means(count + 1, 77), lit(count + 1, 77);
-                kernels::TruncatedMeans(sums.data(), count, pels, means.data());
-                Numbers positive(sums.begin(), sums.begin() + static_cast<std::ptrdiff_t>(count));
-                for (std::size_t i = 0; i < count; ++i) {
-                    ASSERT_EQ(means[i], static_cast<std::uint16_t>(static_cast<std::int32_t>(sums[i]) / pels))
-                        << sums[i] << " / " << pels;
-                    positive[i] = std::min({sums[i], 0x7FFFFFFFU, counts[i] * 65535U});
-                }
-                kernels::LitMeans(positive.data(), counts.data(), count, lit.data());
-                for (std::size_t i = 0; i < count; ++i) {
-                    volatile const float mean =
-                        static_cast<float>(positive[i]) / static_cast<float>(std::max(counts[i], 1U));
-                    ASSERT_EQ(lit[i], static_cast<std::uint16_t>(mean)) << positive[i] << " / " << counts[i];
-                }
-                ASSERT_EQ(means[count], 77);
-                ASSERT_EQ(lit[count], 77);
-            }
-        });
+        SCOPED_TRACE(pels);
+        tqtest::ExpectRuns<std::uint16_t>(
+            sums.size(),
+            [&](auto* out, std::size_t count) { kernels::TruncatedMeans(sums.data(), count, pels, out); },
+            [&](std::size_t i) { return static_cast<std::int32_t>(sums[i]) / pels; });
+        Numbers positive(sums.size());
+        for (std::size_t i = 0; i < sums.size(); ++i)
+            positive[i] = std::min({sums[i], 0x7FFFFFFFU, counts[i] * 65535U});
+        tqtest::ExpectRuns<std::uint16_t>(
+            sums.size(),
+            [&](auto* out, std::size_t count) {
+                kernels::LitMeans(positive.data(), counts.data(), count, out);
+            },
+            [&](std::size_t i) {
+                volatile const float mean =
+                    static_cast<float>(positive[i]) / static_cast<float>(std::max(counts[i], 1U));
+                return mean;
+            });
     }
 }
 

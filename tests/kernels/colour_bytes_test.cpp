@@ -30,32 +30,25 @@ TEST(LookUp, BytesOfEveryLengthFromTheOnlyEntriesThereAre) {
     Bytes table(40'000);
     for (std::size_t i = 0; i < table.size(); ++i)
         table[i] = static_cast<std::uint8_t>(i * 31 >> 3);
-    tqtest::ForEachTarget([&] {
-        for (std::size_t count = 0; count <= 40; ++count) {
-            Pels pels = tqtest::HostilePels(count, 7);
-            for (auto& pel : pels)
-                pel = std::min<std::uint16_t>(pel, 39'999);
-            Bytes out(count + 1, kGuard);
-            kernels::LookUp(pels.data(), table.data(), out.data(), count);
-            for (std::size_t i = 0; i < count; ++i)
-                ASSERT_EQ(out[i], table[pels[i]]) << count << " pels, at " << i;
-            ASSERT_EQ(out[count], kGuard);
-        }
-    });
+    Pels pels = tqtest::HostilePels(40, 7);
+    for (auto& pel : pels)
+        pel = std::min<std::uint16_t>(pel, 39'999);
+    tqtest::ExpectRuns<std::uint8_t>(
+        pels.size(),
+        [&](auto* out, std::size_t count) { kernels::LookUp(pels.data(), table.data(), out, count); },
+        [&](std::size_t i) { return table[pels[i]]; });
 }
 
 TEST(InterleaveBytes, KeepsTheOrderAndStaysInside) {
-    tqtest::ForEachTarget([] {
+    Bytes channels[3];
+    for (std::size_t i = 0; i < 3 * 140; ++i)
+        channels[i % 3].push_back(static_cast<std::uint8_t>(i * 7));
+    const std::uint8_t* const data[] = {channels[0].data(), channels[1].data(), channels[2].data()};
+    tqtest::ForEachTarget([&] {
         for (std::size_t count = 0; count <= 140; ++count) {
-            Bytes channels[3];
-            for (std::size_t i = 0; i < 3 * count; ++i)
-                channels[i % 3].push_back(static_cast<std::uint8_t>(i * 7));
-            const std::uint8_t* const data[] = {channels[0].data(), channels[1].data(), channels[2].data()};
-            Bytes out(3 * count + 1, kGuard);
-            kernels::InterleaveBytes(data, out.data(), count);
-            for (std::size_t i = 0; i < 3 * count; ++i)
-                ASSERT_EQ(out[i], static_cast<std::uint8_t>(i * 7)) << count << " pixels, at " << i;
-            ASSERT_EQ(out[3 * count], kGuard);
+            tqtest::ExpectRun<std::uint8_t>(
+                3 * count, [&](auto* out) { kernels::InterleaveBytes(data, out, count); },
+                [](std::size_t i) { return i * 7; });
         }
     });
 }

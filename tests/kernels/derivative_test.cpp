@@ -34,10 +34,9 @@ TEST(Derivatives, EveryKindLengthAndStep) {
                 const std::uint16_t* const first = pels.data() + 2 * step;
                 for (const Derivative kind : {Derivative::kNone, Derivative::kBackward, Derivative::kForward,
                                               Derivative::kCentral, Derivative::kFivePoint}) {
-                    std::vector<std::int32_t> out(count, 7);
-                    tq::kernels::Derive(kind, first, step, count, out.data());
-                    for (std::size_t i = 0; i < count; ++i)
-                        ASSERT_EQ(out[i], Plain(kind, first + i, step)) << i << " of " << count;
+                    tqtest::ExpectRun<std::int32_t>(
+                        count, [&](auto* out) { tq::kernels::Derive(kind, first, step, count, out); },
+                        [&](std::size_t i) { return Plain(kind, first + i, step); });
                 }
             }
         }
@@ -45,26 +44,25 @@ TEST(Derivatives, EveryKindLengthAndStep) {
 }
 
 TEST(Derivatives, MagnitudesAreCappedAndTheLargestIsNot) {
-    tqtest::ForEachTarget([&] {
-        for (std::size_t count = 0; count <= 70; ++count) {
-            const auto a = tqtest::HostilePels(count, 1), b = tqtest::HostilePels(count, 2);
-            std::vector<std::int32_t> x(count), y(count);
-            std::int32_t largest = 0;
-            for (std::size_t i = 0; i < count; ++i) {
-                x[i] = (i % 2 == 0 ? 3 : -1) * a[i] / 2;
-                y[i] = (i % 3 == 0 ? -3 : 1) * b[i] / 2;
-            }
-            std::vector<std::uint16_t> out(count);
-            const std::int32_t found = tq::kernels::Magnitudes(x.data(), y.data(), count, out.data());
-            for (std::size_t i = 0; i < count; ++i) {
-                const auto fx = static_cast<float>(x[i]), fy = static_cast<float>(y[i]);
-                const auto magnitude = static_cast<std::int32_t>(std::sqrt(fx * fx + fy * fy));
-                ASSERT_EQ(out[i], std::min(magnitude, 65535)) << i << " of " << count;
-                largest = std::max(largest, magnitude);
-            }
-            ASSERT_EQ(found, largest);
-        }
-    });
+    constexpr std::size_t kMost = 70;
+    const auto a = tqtest::HostilePels(kMost, 1), b = tqtest::HostilePels(kMost, 2);
+    std::vector<std::int32_t> x, y, magnitudes;
+    for (std::size_t i = 0; i < kMost; ++i) {
+        x.push_back((i % 2 == 0 ? 3 : -1) * a[i] / 2);
+        y.push_back((i % 3 == 0 ? -3 : 1) * b[i] / 2);
+        const auto fx = static_cast<float>(x[i]), fy = static_cast<float>(y[i]);
+        magnitudes.push_back(static_cast<std::int32_t>(std::sqrt(fx * fx + fy * fy)));
+    }
+    tqtest::ExpectRuns<std::uint16_t>(
+        kMost,
+        [&](auto* out, std::size_t count) {
+            const std::int32_t found = tq::kernels::Magnitudes(x.data(), y.data(), count, out);
+            ASSERT_EQ(found, count == 0 ? 0
+                                        : *std::max_element(
+                                              magnitudes.begin(),
+                                              magnitudes.begin() + static_cast<std::ptrdiff_t>(count)));
+        },
+        [&](std::size_t i) { return std::min(magnitudes[i], 65535); });
 }
 
 }  // namespace

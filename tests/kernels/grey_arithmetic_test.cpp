@@ -7,7 +7,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
-#include <tuple>
 #include <vector>
 
 #include "core/numerics.h"
@@ -30,14 +29,18 @@ class GreyArithmetic : public testing::Test {
     /// Expects the kernel's pels to be plain(a, b) on every target.
     template <class Kernel, class Plain>
     void Check(Kernel&& kernel, Plain&& plain) {
-        std::vector<Pel> expected(a_.size());
-        for (std::size_t i = 0; i < expected.size(); ++i)
-            expected[i] = plain(a_[i], b_[i]);
-        tqtest::ForEachTarget([&] {
-            std::vector<Pel> out(a_.size());
-            kernel(a_.data(), b_.data(), out.data(), out.size());
-            ASSERT_EQ(out, expected);
-        });
+        CheckRun([&](Pel* out) { kernel(a_.data(), b_.data(), out, a_.size()); },
+                 [&](std::size_t i) { return plain(a_[i], b_[i]); });
+    }
+
+    /// kernel(out), plain(i).
+    template <class Kernel, class Plain>
+    void CheckRun(Kernel&& kernel, Plain&& plain) {
+        std::vector<Pel> expected;
+        for (std::size_t i = 0; i < a_.size(); ++i)
+            expected.push_back(plain(i));
+        tqtest::ForEachTarget(
+            [&] { tqtest::ExpectRun<Pel>(a_.size(), kernel, [&](std::size_t i) { return expected[i]; }); });
     }
 
     std::vector<Pel> a_ = tqtest::HostilePels(611, 5);
@@ -155,16 +158,16 @@ TEST_F(GreyArithmetic, SumsOfChannels) {
                 sums[i] = static_cast<double>(static_cast<float>(a_[i] * sa + b_[i] * sb + c_[i] * sc));
                 if (sums[i] > largest) largest = sums[i];
             }
-            tqtest::ForEachTarget([&] {
-                ASSERT_EQ(kernels::LargestLuminance(channels, sums.size()), largest);
-                for (const auto& [full, over, rounding] :
-                     {std::tuple{255.0, largest, 0.0}, {1.0, 0.5, 0.5}, {1.0, largest / 65000.0, 0.5}}) {
-                    std::vector<Pel> out(sums.size());
-                    kernels::WriteLuminances(channels, {full, over, rounding}, out.data(), out.size());
-                    for (std::size_t i = 0; i < sums.size(); ++i)
-                        ASSERT_EQ(out[i], WrapToPel(TruncToInt32(sums[i] * full / over + rounding))) << i;
-                }
-            });
+            tqtest::ForEachTarget(
+                [&] { ASSERT_EQ(kernels::LargestLuminance(channels, sums.size()), largest); });
+            for (const kernels::LuminanceScale& s : {kernels::LuminanceScale{255.0, largest, 0.0},
+                                                     {1.0, 0.5, 0.5},
+                                                     {1.0, largest / 65000.0, 0.5}}) {
+                CheckRun([&](Pel* out) { kernels::WriteLuminances(channels, s, out, sums.size()); },
+                         [&](std::size_t i) {
+                             return WrapToPel(TruncToInt32(sums[i] * s.fullScale / s.largest + s.rounding));
+                         });
+            }
         }
     }
 }
@@ -180,17 +183,13 @@ TEST_F(GreyArithmetic, GradientsStepByStep) {
             roots[i] = std::sqrt(a * a * 0.7f + (b * b + c * c) * 0.2f);
             if (roots[i] > largest) largest = roots[i];
         }
-        tqtest::ForEachTarget([&] {
-            ASSERT_EQ(kernels::LargestGradient(g, roots.size()), largest);
-            for (const float factor : {65000.0f / largest, 1.0f, kNan}) {
-                std::vector<Pel> out(roots.size());
-                kernels::WriteGradients(g, factor, out.data(), out.size());
-                for (std::size_t i = 0; i < roots.size(); ++i) {
-                    const auto value = static_cast<double>(roots[i] * factor);
-                    ASSERT_EQ(out[i], tq::ClampToPel(TruncToInt32(value))) << i;
-                }
-            }
-        });
+        tqtest::ForEachTarget([&] { ASSERT_EQ(kernels::LargestGradient(g, roots.size()), largest); });
+        for (const float factor : {65000.0f / largest, 1.0f, kNan}) {
+            CheckRun([&](Pel* out) { kernels::WriteGradients(g, factor, out, roots.size()); },
+                     [&](std::size_t i) {
+                         return tq::ClampToPel(TruncToInt32(static_cast<double>(roots[i] * factor)));
+                     });
+        }
     }
 }
 

@@ -1,5 +1,6 @@
 #include "kernels/local_contrast.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -12,11 +13,6 @@ namespace {
 namespace kernels = tq::kernels;
 
 constexpr double kNothing = std::numeric_limits<double>::quiet_NaN();
-
-/// Equal, or neither a number.
-bool Same(double a, double b) {
-    return a == b || (std::isnan(a) && std::isnan(b));
-}
 
 /// Values with everything that a mean can be, nothing included.
 std::vector<double> Means(std::size_t count, std::uint32_t seed) {
@@ -43,22 +39,19 @@ TEST(LocalContrast, WindowsAgainstTheirSurroundings) {
         innerSums[i] = innerCounts[i] * pels[kCount + i];
         outerSums[i] = innerSums[i] + pels[2 * kCount + i];
     }
-    tqtest::ForEachTarget([&] {
-        for (std::size_t count = 0; count <= kCount; ++count) {
-            std::vector<double> out(count);
+    tqtest::ExpectRuns<double>(
+        kCount,
+        [&](double* out, std::size_t count) {
             kernels::SurroundDifferences({innerSums.data(), innerCounts.data(), outerSums.data(),
                                           outerCounts.data(), innerCols.data(), outerCols.data(), 3.0, 5.0},
-                                         count, out.data());
-            for (std::size_t i = 0; i < count; ++i) {
-                const double around = outerCounts[i] - innerCounts[i];
-                const double area = outerCols[i] * 5.0 - innerCols[i] * 3.0;
-                const double difference =
-                    innerSums[i] / innerCounts[i] - (outerSums[i] - innerSums[i]) / around;
-                const double expected = around > 0.0 && 2.0 * around >= area ? difference : kNothing;
-                ASSERT_TRUE(Same(out[i], expected)) << i << " of " << count;
-            }
-        }
-    });
+                                         count, out);
+        },
+        [&](std::size_t i) {
+            const double around = outerCounts[i] - innerCounts[i];
+            const double area = outerCols[i] * 5.0 - innerCols[i] * 3.0;
+            const double difference = innerSums[i] / innerCounts[i] - (outerSums[i] - innerSums[i]) / around;
+            return around > 0.0 && 2.0 * around >= area ? difference : kNothing;
+        });
 }
 
 TEST(LocalContrast, TheLargerDifferenceStaysAndTheFirstOfEqualOnes) {
@@ -68,13 +61,17 @@ TEST(LocalContrast, TheLargerDifferenceStaysAndTheFirstOfEqualOnes) {
     for (std::size_t i = 0; i < count; i += 3)
         before[i] = -(here[i] - 0.5 * (ahead[i] + behind[i]));
     tqtest::ForEachTarget([&] {
-        auto out = before;
-        kernels::KeepLargerDifferences(here.data(), ahead.data(), behind.data(), count, out.data());
-        for (std::size_t i = 0; i < count; ++i) {
-            const double found = here[i] - 0.5 * (ahead[i] + behind[i]);
-            const bool larger = std::isnan(before[i]) || std::abs(found) > std::abs(before[i]);
-            ASSERT_TRUE(Same(out[i], !std::isnan(found) && larger ? found : before[i])) << i;
-        }
+        tqtest::ExpectRun<double>(
+            count,
+            [&](double* out) {
+                std::copy(before.begin(), before.end(), out);
+                kernels::KeepLargerDifferences(here.data(), ahead.data(), behind.data(), count, out);
+            },
+            [&](std::size_t i) {
+                const double found = here[i] - 0.5 * (ahead[i] + behind[i]);
+                const bool larger = std::isnan(before[i]) || std::abs(found) > std::abs(before[i]);
+                return !std::isnan(found) && larger ? found : before[i];
+            });
     });
 }
 
@@ -150,20 +147,22 @@ TEST(LocalContrast, ValuesBecomeGreyLevels) {
                 if (pels[i] != 0 && std::abs(values[i]) > largest) largest = std::abs(values[i]);
             }
             ASSERT_EQ(kernels::LargestMagnitude(pels.data(), values.data(), count, 3.0), largest);
-            std::vector<std::uint16_t> out(count);
-            const kernels::ValueScale scale{32000.0, 32000.0};
-            kernels::WriteSigned(pels.data(), values.data(), count, scale, out.data());
             std::vector<double> magnitudes(count);
-            for (std::size_t i = 0; i < count; ++i) {
-                const bool told = pels[i] != 0 && !std::isnan(values[i]);
-                ASSERT_EQ(out[i], told ? 32000.0 + std::nearbyint(values[i]) : 0.0) << i << " of " << count;
-                magnitudes[i] = std::abs(values[i]);
-            }
-            kernels::WriteMagnitudes(pels.data(), magnitudes.data(), count, {65000.0, 32000.0}, out.data());
-            for (std::size_t i = 0; i < count; ++i) {
-                const bool told = pels[i] != 0 && !std::isnan(values[i]);
-                ASSERT_EQ(out[i], told ? std::floor(magnitudes[i] * 65000.0 / 32000.0) : 0.0) << i;
-            }
+            std::transform(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(count),
+                           magnitudes.begin(), [](double value) { return std::abs(value); });
+            const auto told = [&](std::size_t i) { return pels[i] != 0 && !std::isnan(values[i]); };
+            tqtest::ExpectRun<std::uint16_t>(
+                count,
+                [&](auto* out) {
+                    kernels::WriteSigned(pels.data(), values.data(), count, {32000.0, 32000.0}, out);
+                },
+                [&](std::size_t i) { return told(i) ? 32000.0 + std::nearbyint(values[i]) : 0.0; });
+            tqtest::ExpectRun<std::uint16_t>(
+                count,
+                [&](auto* out) {
+                    kernels::WriteMagnitudes(pels.data(), magnitudes.data(), count, {65000.0, 32000.0}, out);
+                },
+                [&](std::size_t i) { return told(i) ? std::floor(magnitudes[i] * 65000.0 / 32000.0) : 0.0; });
         }
     });
 }

@@ -40,12 +40,14 @@ TEST(LowPass, EveryTargetAndLengthWeighsTheNeighbourhood) {
             ASSERT_EQ(range.low, low) << cols;
             ASSERT_EQ(range.high, high) << cols;
             for (const double scale : {32000.0 / (high - low + 1), 1.0, -1.0, 1e300}) {
-                std::vector<std::uint16_t> out(results.size());
-                tq::kernels::ScaleResults(results.data(), low, scale, out.data(), out.size());
-                for (std::size_t i = 0; i < out.size(); ++i) {
-                    ASSERT_EQ(out[i], tq::ClampToPel(tq::TruncToInt32(scale * (plain[i] - low))))
-                        << cols << ' ' << i << ' ' << scale;
-                }
+                tqtest::ExpectRun<std::uint16_t>(
+                    plain.size(),
+                    [&](auto* out) {
+                        tq::kernels::ScaleResults(results.data(), low, scale, out, plain.size());
+                    },
+                    [&](std::size_t i) {
+                        return tq::ClampToPel(tq::TruncToInt32(scale * (plain[i] - low)));
+                    });
             }
         });
     }

@@ -27,13 +27,14 @@ std::uint16_t Sharpened(const Pels& above, const Pels& row, const Pels& below, s
 void ExpectSharpened(const Pels& above, const Pels& row, const Pels& below, const Pels& deciding,
                      float weight) {
     const std::size_t count = row.size() - 2;
-    Pels out(count);
-    tq::kernels::SharpenRow({above.data() + 1, row.data() + 1, below.data() + 1}, deciding.data(), weight,
-                            count, out.data());
-    for (std::size_t i = 0; i < count; ++i) {
-        ASSERT_EQ(out[i], Sharpened(above, row, below, deciding[i], weight, i + 1))
-            << i << " of " << count << ", weight " << weight;
-    }
+    SCOPED_TRACE(weight);
+    tqtest::ExpectRun<std::uint16_t>(
+        count,
+        [&](auto* out) {
+            tq::kernels::SharpenRow({above.data() + 1, row.data() + 1, below.data() + 1}, deciding.data(),
+                                    weight, count, out);
+        },
+        [&](std::size_t i) { return Sharpened(above, row, below, deciding[i], weight, i + 1); });
 }
 
 TEST(Sharpen, EveryTargetLengthAndWeight) {

@@ -24,33 +24,32 @@ TEST(SurfaceValues, EveryTargetNarrowsAndEncodesAsThePlainLoopsDo) {
     std::vector<double> values;
     for (int i = 0; i < 203; ++i)
         values.push_back(i % 3 == 0 ? corners[i / 3 % std::size(corners)] : (i - 100) * 0.37);
-    for (std::size_t count : {std::size_t{0}, std::size_t{1}, std::size_t{13}, values.size()}) {
-        for (const double least : {0.0, -kMost}) {
-            std::vector<float> expected(count);
-            float largest = 0.0f;
-            for (std::size_t i = 0; i < count; ++i) {
-                const double value = std::isnan(values[i]) ? 0.0 : values[i];
-                expected[i] = static_cast<float>(std::clamp(value, least, kMost));
-                if (expected[i] > -9998.0f) largest = std::max(largest, std::abs(expected[i]));
-            }
-            for (const double scale : {1.0, 1e4, static_cast<double>(largest), 1e-30}) {
-                std::vector<tq::Pel> pels(count);
-                for (std::size_t i = 0; i < count; ++i) {
-                    const double scaled = expected[i] * 32000.0 / scale;
-                    const bool fits = std::abs(scaled) < 2147483648.0;
-                    const auto whole = fits ? static_cast<std::int32_t>(scaled) : 0;
-                    pels[i] = expected[i] < -9998.0f ? tq::Pel{9} : static_cast<tq::Pel>(whole & 0xFFFF);
-                }
-                tqtest::ForEachTarget([&] {
-                    std::vector<float> narrow(count);
-                    NarrowValues(values.data(), least, count, narrow.data());
-                    ASSERT_EQ(narrow, expected);
-                    ASSERT_EQ(LargestAbove(narrow.data(), -9998.0f, count), largest);
-                    std::vector<tq::Pel> out(count);
-                    EncodeValues(narrow.data(), {32000.0, scale, -9998.0f, 9}, count, out.data());
-                    ASSERT_EQ(out, pels) << scale;
+    for (const double least : {0.0, -kMost}) {
+        std::vector<float> narrow(values.size());
+        const auto narrowed = [&](std::size_t i) {
+            return static_cast<float>(std::clamp(std::isnan(values[i]) ? 0.0 : values[i], least, kMost));
+        };
+        tqtest::ExpectRuns<float>(
+            values.size(),
+            [&](float* out, std::size_t count) { NarrowValues(values.data(), least, count, out); }, narrowed);
+        float largest = 0.0f;
+        for (std::size_t i = 0; i < values.size(); ++i) {
+            narrow[i] = narrowed(i);
+            if (narrow[i] > -9998.0f) largest = std::max(largest, std::abs(narrow[i]));
+        }
+        tqtest::ForEachTarget(
+            [&] { EXPECT_EQ(LargestAbove(narrow.data(), -9998.0f, narrow.size()), largest); });
+        for (const double scale : {1.0, 1e4, static_cast<double>(largest), 1e-30}) {
+            tqtest::ExpectRuns<tq::Pel>(
+                values.size(),
+                [&](tq::Pel* out, std::size_t count) {
+                    EncodeValues(narrow.data(), {32000.0, scale, -9998.0f, 9}, count, out);
+                },
+                [&](std::size_t i) {
+                    if (narrow[i] < -9998.0f) return 9;
+                    const double scaled = narrow[i] * 32000.0 / scale;
+                    return std::abs(scaled) < 2147483648.0 ? static_cast<std::int32_t>(scaled) & 0xFFFF : 0;
                 });
-            }
         }
     }
 }

@@ -3,7 +3,6 @@
 #include <cmath>
 #include <utility>
 
-#include "kernels/intensity.h"
 #include "simd_targets.h"
 
 namespace {
@@ -97,30 +96,6 @@ TEST(WindowSums, ComparisonsQuotientsAndRangesAgreeWithThePlainLoop) {
             ASSERT_EQ(range.max, *std::max_element(values.begin(), values.end()));
         }
     });
-}
-
-// The same bits on every target: the scalar one is the plain formula.
-TEST(BlockIntensities, EveryTargetGivesTheSameBits) {
-    const kernels::SinglePrecisionAxis axis{17.3f, -4.75f, 3937.0f, 3936.5f, 1.7};
-    std::vector<double> sums(53);
-    const auto pels = tqtest::HostilePels(sums.size(), 9);
-    for (std::size_t i = 0; i < sums.size(); ++i)
-        sums[i] = 225.0 * pels[i] + 7.0;
-    // One block a lane, and then several with a rest.
-    for (const std::size_t count : {std::size_t{8}, sums.size()}) {
-        std::vector<std::vector<double>> results;
-        tqtest::ForEachTarget([&] {
-            kernels::IntensitySums total;
-            kernels::AddBlockIntensities(sums.data(), count, axis, 12, 3, 225.0, 0.0123f, total);
-            results.emplace_back(std::begin(total.lanes), std::end(total.lanes));
-            EXPECT_EQ(results.back(), results.front());
-        });
-        // On this axis R^2 / cos(theta) is close to D^2, 2.89: tells whether the formula is the one meant.
-        double greys = 0.0;
-        for (std::size_t i = 0; i < count; i += 8)
-            greys += sums[i] / 225.0;
-        EXPECT_NEAR(results.at(0)[0], 2.89 * 0.0123 * greys, 1e-3 * results[0][0]);
-    }
 }
 
 }  // namespace

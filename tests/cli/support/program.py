@@ -7,6 +7,8 @@ import sys
 import tempfile
 import unittest
 
+from support.image_bytes import pgm_rows
+
 OK, CANNOT_MEASURE, USAGE, FILE, OUTSIDE = range(5)
 PROGRAM = None
 
@@ -21,6 +23,16 @@ class ProgramTest(unittest.TestCase):
         path = self.folder / name
         path.write_bytes(content.encode() if isinstance(content, str) else content)
         return path
+
+    def bytes_of(self, name):
+        return (self.folder / name).read_bytes()
+
+    def pels(self, name):
+        """The rows of a 16-bit PGM file that the program wrote."""
+        return pgm_rows(self.bytes_of(name))
+
+    def json(self, name):
+        return json.loads(self.bytes_of(name))
 
     def start(self, *arguments, **options):
         options = {"stdout": subprocess.PIPE, "stderr": subprocess.PIPE, **options}
