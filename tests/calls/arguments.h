@@ -79,7 +79,10 @@ template <class T>
 requires std::is_same_v<std::remove_const_t<T>, TqImage>
 class Argument<T*> {
   public:
-    Argument(Scene& scene, std::string_view, Checking checking) : image_(scene.AnyImage(checking)) {}
+    Argument(Scene& scene, std::string_view name, Checking checking) : image_(scene.AnyImage(checking)) {
+        TqImage** const at = scene.ImageOf(name, &image_);
+        image_ = at == nullptr ? nullptr : *at;
+    }
     T* Pass() { return image_; }
     void Add(Fingerprint&) {}  // the scene adds all of its images
 
@@ -90,8 +93,9 @@ class Argument<T*> {
 template <>
 class Argument<TqImage**> {
   public:
-    Argument(Scene& scene, std::string_view, Checking checking) : slot_(scene.AnySlot()) {
+    Argument(Scene& scene, std::string_view name, Checking checking) : slot_(scene.AnySlot()) {
         if (checking == Checking::kChecked && scene.Choice().OneIn(60)) slot_ = nullptr;
+        slot_ = scene.ImageOf(name, slot_);
     }
     TqImage** Pass() { return slot_; }
     void Add(Fingerprint&) {}

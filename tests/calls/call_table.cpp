@@ -45,10 +45,14 @@ std::vector<CallEntry> MakeTable() {
     std::vector<CallEntry> table = {
 #define CODES(...) \
     { __VA_ARGS__ }
-#define CALL(function, how, codes, ...)                                                                     \
+#define CALL(function, how, memoryCodes, imageCodes, ...)                                                   \
     {#function,                                                                                             \
      [](Scene& scene, Fingerprint& print) { Call(&function, Checking::how, scene, print, {__VA_ARGS__}); }, \
-     ReadsOnly(&function), codes},
+     ReadsOnly(&function),                                                                                  \
+     Checking::how == Checking::kChecked,                                                                   \
+     memoryCodes,                                                                                           \
+     imageCodes,                                                                                            \
+     {__VA_ARGS__}},
 #include "calls.inc"
 #undef CALL
 #undef CODES

@@ -13,7 +13,10 @@ struct CallEntry {
     std::string_view name;
     void (*call)(Scene& scene, Fingerprint& print);
     bool readsOnly;                     ///< takes images, and those only to read
+    bool isChecked;                     ///< may be given anything
     std::vector<double> withoutMemory;  ///< the codes that stand for a want of memory
+    std::vector<double> withoutImage;   ///< those that stand for an image that is missing or none
+    std::vector<std::string_view> arguments;
 };
 
 /// The functions of the public headers whose arguments can be drawn, in alphabetical order.

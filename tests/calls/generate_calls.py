@@ -1,6 +1,6 @@
-"""Writes calls.inc: CALL(name, how, CODES(code, ...), "argument", ...) for the functions of the public headers that
-a host without OLE Automation does not bring itself. `how` is kUnchecked where the comment says that an argument is
-not checked; the codes are those that stand for a want of memory."""
+"""Writes calls.inc: CALL(name, how, CODES(code, ...), CODES(code, ...), "argument", ...) for the functions of the public
+headers that a host without OLE Automation does not bring itself. `how` is kUnchecked where the comment says that an argument is
+not checked; the codes are those that stand for a want of memory, then those for an image that is none."""
 
 import argparse
 import pathlib
@@ -13,6 +13,7 @@ import declarations  # noqa: E402
 
 WANT_OF_MEMORY = re.compile(
     r"\bmemory\b|no block|no bitmap|cannot be (allocated|created|computed)|array (cannot be made|could not be created)")
+NO_IMAGE = re.compile(r"\b(null|invalid|no image|outside 1\.\.8000)\b")
 
 
 def plain_comment(function):
@@ -20,10 +21,10 @@ def plain_comment(function):
     return " ".join(re.sub(r"^\s*\*", "", function.comment, flags=re.MULTILINE).split())
 
 
-def codes_without_memory(comment):
-    """The numbers in those parts of the list of results that speak of memory."""
+def codes_that_say(meaning, comment):
+    """The numbers in those parts of the list of results that speak of something."""
     results = re.search(r"@return\s(.*?)(@par|@note|\*/|$)", comment)
-    parts = [part for part in results[1].split(";") if WANT_OF_MEMORY.search(part)] if results else []
+    parts = [part for part in results[1].split(";") if meaning.search(part)] if results else []
     return [code for part in parts for code in re.findall(r"-\d+", part)]
 
 
@@ -38,9 +39,10 @@ def main():
             continue
         comment = plain_comment(function)
         how = "kUnchecked" if "not checked" in comment else "kChecked"
-        codes = ", ".join(codes_without_memory(comment))
+        codes = ", ".join(f"CODES({', '.join(codes_that_say(meaning, comment))})"
+                          for meaning in (WANT_OF_MEMORY, NO_IMAGE))
         names = "".join(f', "{name}"' for name in function.arguments)
-        lines.append(f"CALL({function.name}, {how}, CODES({codes}){names})\n")
+        lines.append(f"CALL({function.name}, {how}, {codes}{names})\n")
     text = "".join(sorted(lines))
     output = pathlib.Path(arguments.output)
     if not output.exists() or output.read_text() != text:

@@ -46,6 +46,16 @@ class Scene {
     /// The place of one of its own images.
     TqImage** AnySlot();
 
+    /// The argument of this name is that image from now on, if it is an image or the address of one.
+    void Substitute(std::string_view argument, TqImage** image) { argument_ = argument, substitute_ = image; }
+    /// Where the image of an argument lies: as drawn, or the substitute.
+    TqImage** ImageOf(std::string_view argument, TqImage** drawn) {
+        if (argument != argument_) return drawn;
+        wasSubstituted_ = true;
+        return substitute_;
+    }
+    bool WasSubstituted() const { return wasSubstituted_; }
+
     TqImageHeader DrawHeader(std::int32_t cols, std::int32_t rows);
     TqImage* MakeImage(std::int32_t cols, std::int32_t rows);
     TqDistortionMap* MakeMap();
@@ -80,6 +90,9 @@ class Scene {
     std::int32_t cols_, rows_;
     std::array<TqImage*, kImages> images_{};
     std::size_t lent_ = 0;  ///< that many of the images belong to another scene
+    std::string_view argument_;
+    TqImage** substitute_ = nullptr;
+    bool wasSubstituted_ = false;
 };
 
 /// Adds header and pels, without the bits that no contract fixes.

@@ -72,11 +72,8 @@ TEST(PlainArrays, FailuresKeepTheHostsImage) {
         EXPECT_EQ(tqShortSafeArrayToHandleNew(image.Address(), &header, signedValues.data()), -2);
     }
     const TqImageHeader header = tqtest::DefaultHeader(4, 4);
-    EXPECT_EQ(tqShortSafeArrayToHandle2(image.Address(), nullptr, values.data()), -2);
     EXPECT_EQ(tqShortSafeArrayToHandle2(image.Address(), &header, nullptr), -2);
-    EXPECT_EQ(tqShortSafeArrayToHandle2(nullptr, &header, values.data()), -2);
     EXPECT_EQ(tqShortSafeArrayToHandleNew(image.Address(), nullptr, signedValues.data()), -2);
-    EXPECT_EQ(tqShortSafeArrayToHandleNew(image.Address(), &header, nullptr), -2);
     EXPECT_TRUE(SamePels(before, image));
 
     // Sides that validation refuses later are not refused here.
@@ -84,11 +81,7 @@ TEST(PlainArrays, FailuresKeepTheHostsImage) {
     EXPECT_EQ(tqShortSafeArrayToHandle2(image.Address(), &empty, values.data()), 0);
     EXPECT_EQ(image.Rows(), 9000);
 
-    std::vector<std::uint16_t> out(1, 5);
-    EXPECT_EQ(tqHandleToShortSafeArray(nullptr, out.data()), -1);
-    EXPECT_EQ(tqHandleToShortSafeArrayNew(image, out.data()), -1);
     EXPECT_EQ(tqHandleToShortSafeArray(before, nullptr), -1);
-    EXPECT_EQ(out[0], 5);
 }
 
 }  // namespace

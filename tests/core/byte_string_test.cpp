@@ -98,9 +98,7 @@ TEST(ByteString, CompressionThatDoesNotFitIsRefused) {
     EXPECT_EQ(tqHandleToString(image, small.data(), &length, Length(text), 1), 0);
     EXPECT_EQ(length, text.size());
 
-    const Image impossible(tqtest::DefaultHeader(8001, 1));
-    EXPECT_EQ(tqHandleToString(nullptr, small.data(), &length, 100, 0), -1);
-    EXPECT_EQ(tqHandleToString(impossible, small.data(), &length, 100, 0), -1);
+    EXPECT_EQ(tqHandleToString(Image(8001, 1), small.data(), &length, 100, 0), -1);
     EXPECT_EQ(tqHandleToString(image, nullptr, &length, 100, 1), -1);
     EXPECT_EQ(tqHandleToString(image, small.data(), nullptr, 100, 1), -1);
 }

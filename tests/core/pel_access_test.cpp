@@ -69,20 +69,6 @@ TEST(PelAccess, StoresTheLow16BitsAndAnswersAsHostsExpect) {
     }
 }
 
-TEST(PelAccess, RefusesInvalidImages) {
-    Image impossible(tqtest::DefaultHeader(0, 4));
-    for (TqImage* image : {static_cast<TqImage*>(nullptr), impossible.Get()}) {
-        EXPECT_EQ(tqGetImgPel(image, 1, 1), -1);
-        EXPECT_EQ(tqGetImgPel0(image, 1, 1), -1);
-        EXPECT_EQ(tqPutImgPel(image, 1, 1, 5), -1);
-        EXPECT_EQ(tqPutImgPel0(image, 1, 1, 5), -1);
-        EXPECT_EQ(tqPutShortImgPel(image, 1, 1, 5), -1);
-        EXPECT_EQ(tqReplacePelValue(image, 1, 1), -1);
-        EXPECT_EQ(tqSubstituteValue(&image, 1, 1), -2);
-    }
-    EXPECT_EQ(tqSubstituteValue(nullptr, 1, 1), -2);
-}
-
 TEST(ReplaceValue, ReplacesThatValueAlone) {
     // More pels than any vector takes at once, with a rest.
     const Image before = tqtest::RandomImage(101, 7, 3, 0, 3);

@@ -10,6 +10,7 @@
 
 #include "call_table.h"
 #include "failing_allocator.h"
+#include "images.h"
 
 namespace tqtest {
 namespace {
@@ -138,6 +139,83 @@ TEST(AllocationFailures, EveryFunctionReportsThemAndKeepsTheImages) {
         }
         EXPECT_EQ(reports == 0, entry.withoutMemory.empty()) << entry.name;
     }
+}
+
+/// Functions for which an image that is missing is one that is left out.
+constexpr std::string_view kMayBeLeftOut[] = {
+    "tqCalcLocalColorLumDiff", "tqCalcLocalColorLumDiff0", "tqCombineImages",
+    "tqCombineImagesRGB",      "tqCombineImagesRGBtoDIB",  "tqRunningAverage",
+    "tqSetColorGraysInRegion", "tqTransformXYZtoRGB",      "tqTransformXYZtoRGB2"};
+
+/// Functions that may be done, or have refused something else, before they come to the image.
+constexpr std::string_view kMayNotLook[] = {"tqCalcColorLumDiff", "tqCalcColorLumDiff0", "tqRemoveBadPixels",
+                                            "tqSmoothImage",      "tqSmoothImage0",      "tqTransposeImage"};
+
+enum class Flaw { kNone, kNoColumns, kNoRows, kTooWide, kTooHigh, kMissing, kNoAddress };
+
+Image MakeFlawed(Flaw flaw, std::int32_t cols, std::int32_t rows) {
+    if (flaw >= Flaw::kMissing) return {};
+    if (flaw == Flaw::kNone) return {cols, rows};
+    return {flaw == Flaw::kNoColumns ? 0
+            : flaw == Flaw::kTooWide ? 8001
+                                     : 1,
+            flaw == Flaw::kNoRows    ? 0
+            : flaw == Flaw::kTooHigh ? 8001
+                                     : 1};
+}
+
+/// What a call makes of an image that it is given, and whether it has such an argument.
+struct Reception {
+    double result = 0;
+    std::vector<std::uint8_t> bytes;
+    bool substituted = false, kept = false;
+};
+
+Reception CallWithImage(const CallEntry& entry, int number, std::string_view argument, Flaw flaw) {
+    Draw draw(FingerprintOf(entry.name) + static_cast<std::uint64_t>(number));
+    Scene scene(draw, 24);
+    Image image = MakeFlawed(flaw, scene.Cols(), scene.Rows());
+    scene.Substitute(argument, flaw == Flaw::kNoAddress ? nullptr : image.Address());
+    FailingCall watch(scene, 0, Afterwards::kSucceed);
+    Fingerprint print;
+    entry.call(scene, print);
+    return {scene.Result(), BytesOf(image), scene.WasSubstituted(),
+            watch.KeptImages(IsOneOf(kMayReleaseImages, entry.name))};
+}
+
+/// Wherever a function reads an image, one that is missing, empty or too large gives a code that its
+/// documentation has for that, and all other images stay; unless it only writes to that place, which must be
+/// one.
+TEST(Refusals, EveryFunctionRefusesWhatIsNoImage) {
+    constexpr int kCalls = 12;
+    int tried = 0;
+    for (const CallEntry& entry : AllCalls()) {
+        for (const std::string_view argument : entry.arguments) {
+            const bool isResult = argument.starts_with("out") || argument == "result";
+            for (int number = 0; number < kCalls && entry.isChecked; ++number) {
+                const Reception sound = CallWithImage(entry, number, argument, Flaw::kNone);
+                if (!sound.substituted) break;
+                if (sound.result < 0) continue;
+                for (int i = static_cast<int>(Flaw::kNoColumns); i <= static_cast<int>(Flaw::kNoAddress);
+                     ++i) {
+                    const Flaw flaw{i};
+                    if (isResult && flaw != Flaw::kNoAddress) continue;
+                    if (flaw >= Flaw::kMissing && IsOneOf(kMayBeLeftOut, entry.name)) continue;
+                    const Reception refused = CallWithImage(entry, number, argument, flaw);
+                    const bool hasCode = std::find(entry.withoutImage.begin(), entry.withoutImage.end(),
+                                                   refused.result) != entry.withoutImage.end();
+                    const bool written = refused.result == sound.result &&
+                                         (refused.bytes == sound.bytes || IsOneOf(kMayNotLook, entry.name));
+                    EXPECT_TRUE((hasCode && refused.kept) || written)
+                        << entry.name << ", " << argument << ", flaw " << i << ", call " << number << ": "
+                        << refused.result << " for " << sound.result
+                        << (refused.kept ? "" : ", images changed");
+                    ++tried;
+                }
+            }
+        }
+    }
+    EXPECT_GT(tried, 10'000);
 }
 
 }  // namespace
