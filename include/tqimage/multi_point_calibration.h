@@ -50,6 +50,8 @@ typedef struct TqMultiPointSettings {
  * @param[in]     points  Address of an array {point, field} with the fields column, row and value; elements
  *                        int16, int32, float or double. Without points the surface is 0. Points at the same
  *                        place count as one with their mean value; points that are not finite are left out.
+ *                        Places are rounded to 1/1024 pel, or, where one lies 16384 pels or more away, all
+ *                        to about 1/16777216 of the largest co-ordinate.
  * @return 0; 1 points is null or not two-dimensional; 2 elements of another type; 3 not 3 fields; 4 an
  *         element could not be read; 5 the array could not be locked; 6 not unlocked: the image is complete;
  *         -2 image or settings is null, a size outside 1..8000, or no memory.

@@ -1,6 +1,8 @@
 #include "calibration/polynomial.h"
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -13,19 +15,37 @@
 namespace tq {
 namespace {
 
+/// What brings the places of a strip to -1 .. 1 along both axes. Otherwise the powers of its short side would
+/// be small enough to pass for dependent ones.
+struct Stretching {
+    double x = 1.0;
+    double y = 1.0;
+};
+
+Stretching StretchingOf(const SurfacePoints& points) noexcept {
+    const auto factor = [](const std::vector<double>& places) {
+        double largest = 0.0;
+        for (const double place : places)
+            largest = std::max(largest, std::abs(place));
+        return largest > 0.0 ? 1.0 / largest : 1.0;
+    };
+    return {factor(points.x), factor(points.y)};
+}
+
+double Power(double base, int exponent) noexcept {
+    double power = 1.0;
+    for (int k = 0; k < exponent; ++k)
+        power *= base;
+    return power;
+}
+
 /// The powers x^i y^j up to a total degree, one column of values after the other.
-std::vector<double> Powers(const SurfacePoints& points, int degree) {
+std::vector<double> Powers(const SurfacePoints& points, const Stretching& stretch, int degree) {
     std::vector<double> columns;
     for (int j = 0; j <= degree; ++j) {
         for (int i = 0; i <= degree - j; ++i) {
-            for (std::size_t p = 0; p < points.Count(); ++p) {
-                double power = 1.0;
-                for (int k = 0; k < i; ++k)
-                    power *= points.x[p];
-                for (int k = 0; k < j; ++k)
-                    power *= points.y[p];
-                columns.push_back(power);
-            }
+            for (std::size_t p = 0; p < points.Count(); ++p)
+                columns.push_back(Power(stretch.x * points.x[p], i) * Power(stretch.y * points.y[p], j));
         }
     }
     return columns;
@@ -61,15 +81,18 @@ Polynomial FitPolynomial(const SurfacePoints& points, std::span<const double> va
                          Deficient deficient) {
     Polynomial polynomial;
     if (points.Count() == 0) return polynomial;
-    LeastSquares fit = SolveLeastSquares(Powers(points, degree), values);
-    while (deficient == Deficient::kLowerDegree && !fit.determined && degree > 0)
-        fit = SolveLeastSquares(Powers(points, --degree), values);
+    // What is least depends on the scale, and there it is that of the surface.
+    const bool isLeast = deficient == Deficient::kLeastNorm;
+    const Stretching stretch = isLeast ? Stretching{} : StretchingOf(points);
+    LeastSquares fit = SolveLeastSquares(Powers(points, stretch, degree), values);
+    while (!isLeast && !fit.determined && degree > 0)
+        fit = SolveLeastSquares(Powers(points, stretch, --degree), values);
     polynomial.degree = degree;
     std::size_t next = 0;
     for (int j = 0; j <= degree; ++j) {
         for (int i = 0; i <= degree - j; ++i) {
             polynomial.coefficients[static_cast<std::size_t>(j)][static_cast<std::size_t>(i)] =
-                fit.unknowns[next++];
+                fit.unknowns[next++] * Power(stretch.x, i) * Power(stretch.y, j);
         }
     }
     return polynomial;

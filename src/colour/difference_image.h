@@ -64,7 +64,7 @@ class ComparedChannels {
 /// |L - reference| / reference * rootWeight, each step in single precision; 0 without a reference.
 inline float LuminanceDifference(float luxPerGrey, double grey, float reference, float rootWeight) noexcept {
     if (!(reference >= kernels::kNoLuminance)) return 0.0f;
-    const float luminance = luxPerGrey * static_cast<float>(grey);
+    const auto luminance = static_cast<float>(luxPerGrey * grey);
     return std::abs(luminance - reference) / reference * rootWeight;
 }
 
