@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <limits>
+#include <utility>
 #include <vector>
 
 #include "images.h"
@@ -68,7 +69,8 @@ TEST(AppendImage, TheOverlapIsSmoothedByBlocksOfTheJoinedImage) {
     ASSERT_EQ(plain.Cols(), 37);
     ASSERT_EQ(plain.Rows(), 21);
     constexpr std::int32_t kHuge = std::numeric_limits<std::int32_t>::max();
-    for (const auto& [width, height] : {std::pair{3, 5}, {1, 4}, {8, -1}, {100, 100}, {kHuge, kHuge}}) {
+    for (const auto& block : {std::pair{3, 5}, {1, 4}, {8, -1}, {100, 100}, {kHuge, kHuge}}) {
+        const std::int32_t width = block.first, height = block.second;
         const Image expected = MakeImage(37, 21, [&](std::int32_t col, std::int32_t row) {
             const bool overlap = col >= 17 && col < 23 && row >= 2 && row < 19;
             if (!overlap) return int{plain(col, row)};

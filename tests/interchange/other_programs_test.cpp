@@ -77,21 +77,21 @@ TEST_F(OtherPrograms, WriteWhatIsReadHere) {
         int greys, channels;
     } cases[] = {{"-bpp=1 -windows", 2, 1},   {"-bpp=4 -windows", 16, 1},   {"-bpp=8 -os2", 256, 1},
                  {"-bpp=8 -windows", 256, 1}, {"-bpp=24 -windows", 256, 3}, {"-bpp=24 -os2", 256, 3}};
-    for (const auto& [options, greys, channels] : cases) {
+    for (const auto& it : cases) {
         for (const std::int32_t cols : {1, 5, 8, 33}) {
-            SCOPED_TRACE(testing::Message() << options << ", " << cols << " columns");
+            SCOPED_TRACE(testing::Message() << it.options << ", " << cols << " columns");
             const Image drawn = MakeImage(cols, kRows, [&](std::int32_t col, std::int32_t row) {
-                return 37 * (row * cols + col) % greys * (255 / (greys - 1));
+                return 37 * (row * cols + col) % it.greys * (255 / (it.greys - 1));
             });
             std::ofstream(pnm.c_str(), std::ios::binary)
-                << Picture(cols, channels, [&](auto col, auto row, int) { return drawn(col, row); });
-            Run(std::string("ppmtobmp ") + options, pnm, bmp);
+                << Picture(cols, it.channels, [&](auto col, auto row, int) { return drawn(col, row); });
+            Run(std::string("ppmtobmp ") + it.options, pnm, bmp);
             const TqImageHeader info = DefaultHeader(1, 1);
             Image x, y, z, image;
             ASSERT_EQ(tq24bitColorBitmapToImage(bmp.c_str(), &info, x.Address(), y.Address(), z.Address()),
                       0);
             ASSERT_EQ(tqDiskBmpToImage(bmp.c_str(), &info, image.Address()), 0);
-            if (channels == 3) {
+            if (it.channels == 3) {
                 EXPECT_TRUE(SamePels(drawn, image));
             }
             for (std::size_t i = 0; i < drawn.Count(); ++i) {

