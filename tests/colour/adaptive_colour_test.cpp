@@ -8,10 +8,6 @@
 namespace tqtest {
 namespace {
 
-double Distance(Uv a, Uv b) {
-    return std::hypot(a.u - b.u, a.v - b.v);
-}
-
 /// Matrices of nine coefficients and chromaticities one after another, as hosts pass them.
 struct Tables {
     std::vector<float> matrices;

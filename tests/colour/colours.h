@@ -66,6 +66,10 @@ inline Uv UvOf(const Triple& xyz) {
     return d == 0 ? Uv{0, 0} : Uv{4 * xyz[0] / d, 9 * xyz[1] / d};
 }
 
+inline double Distance(Uv a, Uv b) {
+    return std::hypot(a.u - b.u, a.v - b.v);
+}
+
 /// What a value becomes in a pel: truncated, not a number and beyond int32 indefinite, then clamped.
 inline std::uint16_t PelOf(double value) {
     if (!(std::abs(value) < 2147483648.0)) return 0;
