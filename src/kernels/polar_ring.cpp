@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "kernels/polar_ring.cpp"
@@ -72,8 +73,9 @@ HWY_INLINE void Fetch(const SourcePels& source, const Cells& cells, std::size_t 
             continue;
         }
         const Pel* near = source.pels + cells.first[i];
-        pairs.near[i] = MakePair(near, 1);
-        pairs.far[i] = MakePair(near + source.cols, 1);
+        // MakePair with one load for both pels, where memory holds the low half first.
+        std::memcpy(&pairs.near[i], near, sizeof pairs.near[i]);
+        std::memcpy(&pairs.far[i], near + source.cols, sizeof pairs.far[i]);
     }
 }
 
