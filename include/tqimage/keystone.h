@@ -144,8 +144,8 @@ TQ_API int32_t TQ_CALL tqCalcKeyStone(TqDistortionMap** map, const TqImage* imag
  * @param[out] rms             Root mean square of the distances left, pels; may be null; untouched when the
  *                             function fails.
  * @return 0; -1 image is invalid, or map or points is null; -2 halfAngle outside (0, pi / 2) or
- *         heightOverRadius not positive; -3 the marks do not determine a camera that has them before it; -4
- *         no memory.
+ *         heightOverRadius not positive; -3 the marks do not determine a camera that has them before it, or
+ *         halfAngle is so small that its cosine rounds to 1; -4 no memory.
  * @par Ownership
  * The map that was held is freed; the new one belongs to the host.
  * @par Memory

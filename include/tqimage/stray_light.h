@@ -23,8 +23,7 @@ extern "C" {
  * position without data. Image pel (c, r) lies at the sensor position (BinCols x (c0 + c), BinRows x (r0 +
  * r)) with c0 = correction CenterCol / BinCols - image CenterCol, r0 likewise, truncated, -1 counting as 0.
  * The mean level M is taken over the pels that have data. The new pel is pel - pel of correction x LuxPerGrey
- * x M
- * + 0.5, truncated and clamped to 0..65535; pels outside the correction image stay as they are.
+ * x M + 0.5, truncated and clamped to 0..65535; pels outside the correction image stay as they are.
  *
  * @param[in,out] image  Address of the pointer to the measurement; the corrected image, with the
  *                       measurement's whole header, replaces it. Untouched when the function fails.

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdint>
 #include <limits>
 #include <utility>
@@ -11,10 +10,7 @@
 
 namespace {
 
-using tqtest::Image;
-using tqtest::MakeImage;
-using tqtest::RandomImage;
-using tqtest::SamePels;
+using namespace tqtest;
 
 constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
@@ -42,7 +38,7 @@ TEST(StrayLight, SubtractsItsShareOfTheMeanOfTheKnownPels) {
               0);
     // Shares 15.15, 30.3 and, of 40000 that is -25536, -38687: light is added there.
     EXPECT_TRUE(SamePels(MakeImage(5, 1, {85, 170, 60000, 38987, 0}), image));
-    EXPECT_TRUE(tqtest::SameHeader(header, image.Header()));
+    EXPECT_TRUE(SameHeader(header, image.Header()));
 
     Image bright = Measurement(MakeImage(2, 1, {60000, 60000}));
     ASSERT_EQ(tqApplyStrayLightCorrection(bright.Address(), Correction(MakeImage(2, 1, {40000, 1}), 1e9f)),
@@ -57,7 +53,7 @@ TEST(MultiPointApplication, MultipliesByTheFactorOfItsPlace) {
     const Image correction = Correction(MakeImage(6, 1, {2000, 500, 65535, 40000, 2000, 32000}), 1e-3f);
     ASSERT_EQ(tqApplyMultiPointCalibration(image.Address(), correction), 0);
     EXPECT_TRUE(SamePels(MakeImage(7, 1, {200, 51, 60000, 0, 65535, 0, 7}), image));
-    EXPECT_TRUE(tqtest::SameHeader(header, image.Header()));
+    EXPECT_TRUE(SameHeader(header, image.Header()));
 
     // Beyond 32 bits it is bright, without a number dark.
     for (const auto& [lux, pel] : {std::pair{1e30f, 65535}, std::pair{-1e30f, 0}, std::pair{kNan, 0}}) {
@@ -67,70 +63,24 @@ TEST(MultiPointApplication, MultipliesByTheFactorOfItsPlace) {
     }
 }
 
-/// What a correction image says about an image that is binned and cut out of the sensor.
-struct Sensor {
-    const Image& correction;
-    int bin, offset;
-
-    /// The correction pel at sensor pel (i, j) of an image pel; 65535 without one.
-    int At(int col, int row, int i = 0, int j = 0) const {
-        const int c = bin * (offset + col) + i, r = bin * (offset + row) + j;
-        return c < 0 || r < 0 || c >= correction.Cols() || r >= correction.Rows() ? 65535 : correction(c, r);
-    }
-};
-
-/// The arithmetic written out plainly, every step in single precision.
-Image WithoutStrayLight(const Image& image, const Sensor& sensor) {
-    double sum = 0.0;
-    int count = 0;
-    for (int i = 0; i < image.Cols() * image.Rows(); ++i) {
-        const bool known = sensor.At(i % image.Cols(), i / image.Cols()) != 65535;
-        sum += known ? image.Pels()[i] : 0;
-        count += known;
-    }
-    const double mean = count == 0 ? 0.0 : sum / count;
-    return MakeImage(image.Cols(), image.Rows(), [&](int col, int row) {
-        const int pel = image(col, row), stored = sensor.At(col, row);
-        if (stored == 65535) return pel;
-        const volatile float t =
-            static_cast<float>(static_cast<std::int16_t>(stored)) * sensor.correction.Header().LuxPerGrey;
-        const volatile float u = static_cast<float>(static_cast<double>(t) * mean);
-        const volatile float v = static_cast<float>(pel - static_cast<double>(u) + 0.5);
-        return static_cast<int>(std::clamp<double>(v, 0.0, 65535.0));
-    });
-}
-
-Image Scaled(const Image& image, const Sensor& sensor) {
-    return MakeImage(image.Cols(), image.Rows(), [&](int col, int row) {
-        double sum = 0.0;
-        int count = 0;
-        for (int i = 0; i < sensor.bin * sensor.bin && sensor.bin > 0; ++i) {
-            const int stored = sensor.At(col, row, i % sensor.bin, i / sensor.bin);
-            sum += stored == 65535 ? 0 : static_cast<std::int16_t>(stored);
-            count += stored != 65535;
-        }
-        const double factor = count == 0 ? 1.0 : sum / count * sensor.correction.Header().LuxPerGrey;
-        return static_cast<int>(std::clamp(image(col, row) * factor + 0.5, 0.0, 65535.0));
-    });
-}
-
-TEST(Corrections, EveryBitOnNoiseBinnedAndCut) {
-    const Image pels = RandomImage(67, 45, 11);
-    // Powers of 2, so that a product of the plain code has no rounding that the order could change.
-    Image correction = Correction(RandomImage(64, 50, 12), 0x1p-13f);
-    std::fill_n(correction.Pels() + 100, 50, std::uint16_t{65535});
-    for (const auto& [bin, offset] : {std::pair{1, 0}, {1, 3}, {2, 0}, {3, 5}, {2, 40}, {-2, 0}}) {
-        SCOPED_TRACE(testing::Message() << bin << ", " << offset);
-        correction.Header().CenterCol = correction.Header().CenterRow = static_cast<float>(offset * bin);
-        Image image = Measurement(pels, static_cast<std::int16_t>(bin));
-        ASSERT_EQ(tqApplyMultiPointCalibration(image.Address(), correction), 0);
-        EXPECT_TRUE(SamePels(Scaled(pels, {correction, bin, offset}), image));
-        correction.Header().LuxPerGrey = 1.7e-5f;
-        image = Measurement(pels, static_cast<std::int16_t>(bin));
-        ASSERT_EQ(tqApplyStrayLightCorrection(image.Address(), correction), 0);
-        EXPECT_TRUE(SamePels(WithoutStrayLight(pels, {correction, bin, offset}), image));
-        correction.Header().LuxPerGrey = 0x1p-13f;
-    }
+TEST(Corrections, FollowBinningAndTheCutOfTheSensor) {
+    // Image pel (c, r) is sensor pels 2 (1 + c) and on, 2 r and on: the third column and the second row are
+    // half outside, the fourth column is wholly.
+    const Image pels = MakeImage(4, 2, {10, 20, 30, 70, 40, 50, 60, 80});
+    Image correction = MakeImage(7, 3, {9, 9, 2, 4, 6,     65535, 8,  //
+                                        9, 9, 2, 4, 65535, 65535, 8,  //
+                                        9, 9, 1, 3, 65535, 65535, -2});
+    correction = Correction(correction, 0.5f);
+    correction.Header().CenterCol = 2.0f;
+    Image image = Measurement(pels, 2);
+    ASSERT_EQ(tqApplyMultiPointCalibration(image.Address(), correction), 0);
+    // By the means of the known sensor pels, 3, 6, 8, 2, none and -2.
+    EXPECT_TRUE(SamePels(MakeImage(4, 2, {15, 60, 120, 70, 40, 50, 0, 80}), image));
+    // By the first sensor pel alone, and the mean of the known image pels, 160 / 5 = 32.
+    correction.Header().LuxPerGrey = 1.0f / 64;
+    image = Measurement(pels, 2);
+    ASSERT_EQ(tqApplyStrayLightCorrection(image.Address(), correction), 0);
+    EXPECT_TRUE(SamePels(MakeImage(4, 2, {9, 17, 26, 70, 40, 50, 61, 80}), image));
 }
 
 TEST(Corrections, AnOffsetOfMinusOneCountsAsZeroAndLessIsRefused) {

@@ -14,10 +14,7 @@
 
 namespace {
 
-using tqtest::HostArray;
-using tqtest::Image;
-using tqtest::MakeImage;
-using tqtest::SamePels;
+using namespace tqtest;
 
 struct Point {
     double col, row, value;
@@ -29,7 +26,7 @@ double Draw(std::mt19937& random, std::uint32_t below) {
 using Formula = std::function<double(double, double)>;
 
 HostArray List(const std::vector<Point>& points) {
-    return tqtest::MakeDoubleArray(static_cast<std::uint32_t>(points.size()), 3, [&](int point, int field) {
+    return MakeDoubleArray(static_cast<std::uint32_t>(points.size()), 3, [&](int point, int field) {
         const Point& p = points[static_cast<std::size_t>(point)];
         return field == 0 ? p.col : field == 1 ? p.row : p.value;
     });
@@ -245,7 +242,7 @@ TEST(MultiPointImage, HeaderAndEncoding) {
     Image image = Build(Settings(5, 31, 20), {{0, 0, 1.0}, {30, 0, -4.0}, {0, 19, 2.0}, {30, 19, 3.0}});
     const TqImageHeader h = image.Header();
     TqImageHeader expected{31, 20, 1.0f, 1.0f, 15.0f, 9.5f, 0.0, 4.0f / 32000, 0.0f, 32000.0f, 0.0f, 1, 1, 0};
-    EXPECT_TRUE(tqtest::SameHeader(h, expected));
+    EXPECT_TRUE(SameHeader(h, expected));
     EXPECT_EQ(image(30, 0), 65536 - 32000);
     EXPECT_EQ(image(0, 0), 8000);
     EXPECT_EQ(image(30, 19), 24000);
@@ -343,13 +340,13 @@ TEST(MultiPointImage, EveryTypeOfElementAndTheirRefusals) {
     const auto build = [&](HostArray& list) {
         return tqBuildMultiPointImage(image.Address(), &settings, list.Address());
     };
-    HostArray doubles = tqtest::MakeDoubleArray(4, 3, field);
+    HostArray doubles = MakeDoubleArray(4, 3, field);
     ASSERT_EQ(build(doubles), 0);
     const Image expected = image;
-    HostArray plain = tqtest::MakeInt32Array(4, 3, field);
+    HostArray plain = MakeInt32Array(4, 3, field);
     plain->fFeatures = static_cast<USHORT>(plain->fFeatures & ~FADF_HAVEVARTYPE);
-    HostArray same[] = {tqtest::MakeInt32Array(4, 3, field), tqtest::MakeInt16Array(4, 3, field),
-                        tqtest::MakeArray<float>(VT_R4, 4, 3, field), std::move(plain)};
+    HostArray same[] = {MakeInt32Array(4, 3, field), MakeInt16Array(4, 3, field),
+                        MakeArray<float>(VT_R4, 4, 3, field), std::move(plain)};
     for (HostArray& list : same) {
         ASSERT_EQ(build(list), 0);
         EXPECT_TRUE(SamePels(expected, image));

@@ -12,8 +12,7 @@
 
 namespace {
 
-using tqtest::DefaultHeader;
-using tqtest::Map;
+using namespace tqtest;
 
 using Corners = std::tuple<std::int32_t, std::int32_t, std::int32_t, std::int32_t>;
 

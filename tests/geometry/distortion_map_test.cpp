@@ -10,8 +10,7 @@
 
 namespace {
 
-using tqtest::DefaultHeader;
-using tqtest::Map;
+using namespace tqtest;
 
 constexpr std::int32_t kMin = std::numeric_limits<std::int32_t>::min();
 constexpr std::int32_t kMax = std::numeric_limits<std::int32_t>::max();

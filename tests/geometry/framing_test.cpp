@@ -12,11 +12,7 @@
 
 namespace {
 
-using tqtest::Image;
-using tqtest::MakeImage;
-using tqtest::Noise;
-using tqtest::SameHeader;
-using tqtest::SamePels;
+using namespace tqtest;
 
 constexpr std::int32_t kMin = std::numeric_limits<std::int32_t>::min();
 constexpr std::int32_t kMax = std::numeric_limits<std::int32_t>::max();

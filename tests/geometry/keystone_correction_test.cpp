@@ -11,12 +11,7 @@
 
 namespace {
 
-using tqtest::Image;
-using tqtest::MakeImage;
-using tqtest::Map;
-using tqtest::OwnPlace;
-using tqtest::Ramp;
-using tqtest::SamePels;
+using namespace tqtest;
 
 constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
 
@@ -30,7 +25,7 @@ TEST(RemoveKeystone, TakesEveryPelFromItsSource) {
     map.Fill(OwnPlace);
     ASSERT_EQ(tqRemoveKeystone(image.Address(), map), 0);
     EXPECT_TRUE(SamePels(before, image)) << "a dark pel stays 0";
-    EXPECT_TRUE(tqtest::SameHeader(before.Header(), image.Header()));
+    EXPECT_TRUE(SameHeader(before.Header(), image.Header()));
 
     struct Case {
         float col, row;

@@ -13,9 +13,7 @@
 
 namespace {
 
-using tqtest::Image;
-using tqtest::MakeImage;
-using tqtest::Map;
+using namespace tqtest;
 
 using Corners = std::array<double, 8>;
 

@@ -14,13 +14,7 @@
 
 namespace {
 
-using tqtest::Image;
-using tqtest::MakeImage;
-using tqtest::Map;
-using tqtest::OwnPlace;
-using tqtest::Ramp;
-using tqtest::SameHeader;
-using tqtest::SamePels;
+using namespace tqtest;
 
 constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
@@ -69,7 +63,7 @@ TEST(CorrectLensDistortion, EveryBitOnNoiseBinnedAndCut) {
     for (const auto& [binCols, binRows] : {std::pair{1, 1}, {3, 3}, {2, 4}}) {
         SCOPED_TRACE(binRows);
         // Dark when binned: a black that has a source is marked as seen.
-        Image image = tqtest::RandomImage(67, 45, 11, 0, binCols == 1 ? 65535 : 3);
+        Image image = RandomImage(67, 45, 11, 0, binCols == 1 ? 65535 : 3);
         image.Header() = {67,
                           45,
                           11,
@@ -101,9 +95,8 @@ TEST(CorrectLensDistortion, EveryBitOnNoiseBinnedAndCut) {
                                            const float* entry = map.Entry(3 + col * w, 2 + row * h);
                                            const float x = (entry[0] - 3.0f) / static_cast<float>(w);
                                            const float y = (entry[1] - 2.0f) / static_cast<float>(h);
-                                           const double grey =
-                                               tqtest::Sample(before, std::clamp(x, 0.0f, 66.0f),
-                                                              std::clamp(y, 0.0f, 44.0f));
+                                           const double grey = Sample(before, std::clamp(x, 0.0f, 66.0f),
+                                                                      std::clamp(y, 0.0f, 44.0f));
                                            return std::max(static_cast<int>(grey), 1);
                                        }),
                              image));

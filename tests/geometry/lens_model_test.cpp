@@ -12,9 +12,7 @@
 
 namespace {
 
-using tqtest::HostArray;
-using tqtest::MakeDoubleArray;
-using tqtest::Map;
+using namespace tqtest;
 
 /// cx, cy, Rn, k1, k2, k3, p1, p2, s
 using Model = std::array<double, 9>;

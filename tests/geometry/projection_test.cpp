@@ -12,10 +12,7 @@
 
 namespace {
 
-using tqtest::Image;
-using tqtest::MakeImage;
-using tqtest::Map;
-using tqtest::SamePels;
+using namespace tqtest;
 
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 
@@ -34,12 +31,12 @@ TqProjection Straight(double cols, double rows) {
 }
 
 TEST(ProjectImage, StraightAheadIsTheImage) {
-    const Image source = tqtest::RandomImage(41, 31, 5, 1);
+    const Image source = RandomImage(41, 31, 5, 1);
     Image image = source;
     image.Header().BinCols = 3;
     const TqProjection p = Straight(41, 31);
     Map map(41, 31);
-    map.Fill(tqtest::OwnPlace);
+    map.Fill(OwnPlace);
     ASSERT_EQ(tqProjectImage(image.Address(), &p, nullptr), 0);
     EXPECT_TRUE(SamePels(source, image));
     EXPECT_EQ(image.Header().BinCols, 1);
@@ -125,7 +122,7 @@ TEST(ProjectImage, WhatTurnsAwayIsNotSeen) {
 }
 
 TEST(ProjectImage, RefusesWhatNoCameraSees) {
-    const Image source = tqtest::RandomImage(41, 31, 5, 1);
+    const Image source = RandomImage(41, 31, 5, 1);
     Image image = source;
     const auto status = [&](double TqProjection::*field, double value) {
         TqProjection p = Straight(41, 31);

@@ -14,12 +14,7 @@
 
 namespace {
 
-using tqtest::Image;
-using tqtest::MakeImage;
-using tqtest::Noise;
-using tqtest::SameHeader;
-using tqtest::SamePels;
-using tqtest::Sample;
+using namespace tqtest;
 
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInfinity = std::numeric_limits<double>::infinity();

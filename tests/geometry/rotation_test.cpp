@@ -12,16 +12,14 @@
 
 namespace {
 
-using tqtest::Image;
-using tqtest::Noise;
-using tqtest::SamePels;
+using namespace tqtest;
 
 /// A degree as the function takes it.
 constexpr double kDegree = 0.017453293;
 
 TEST(Rotate, EveryPelComesFromWhereTheTurnTakesItFrom) {
     for (const auto& [cols, rows] : {std::pair{60, 41}, {2, 30}, {1, 40}, {97, 3}}) {
-        const Image before = tqtest::Ramp(cols, rows);
+        const Image before = Ramp(cols, rows);
         for (const double angle : {7.0, -33.3, 45.5, 135.5, 200.0, 260.0, 725.25}) {
             for (const auto& [x, y] : {std::pair{20.5, 10.25}, {0.0, 0.0}, {-300.5, 70.0}}) {
                 SCOPED_TRACE(testing::Message() << cols << " x " << rows << " by " << angle << ", " << x);
@@ -47,7 +45,7 @@ TEST(Rotate, EveryPelComesFromWhereTheTurnTakesItFrom) {
                             near(sourceRow, rows))
                             continue;
                         const bool inside = sourceCol > 0 && sourceRow > 0;
-                        const double grey = inside ? tqtest::Sample(before, sourceCol, sourceRow) : 0.0;
+                        const double grey = inside ? Sample(before, sourceCol, sourceRow) : 0.0;
                         ASSERT_NEAR(image(col, row), grey, 1.1) << col << ", " << row;
                     }
                 }
@@ -60,10 +58,10 @@ TEST(Rotate, TheHeaderAndTheSizeAreThoseOfTheBox) {
     // By 0 degrees a column and a row are lost, and the centre is moved by whole pels.
     Image image = Noise(100, 50);
     ASSERT_EQ(tqRotateImage(image.Address(), 0.0f, 3.0f, 4.0f), 0);
-    TqImageHeader header = tqtest::DistinctHeader(99, 49);
+    TqImageHeader header = DistinctHeader(99, 49);
     header.CenterCol = 10.0f;
     header.CenterRow = 4.0f;
-    EXPECT_TRUE(tqtest::SameHeader(header, image.Header()));
+    EXPECT_TRUE(SameHeader(header, image.Header()));
     // The box is looked for between -100000 and 100000: what lies beyond leaves a wider one.
     image = Noise(60, 41);
     ASSERT_EQ(tqRotateImage(image.Address(), 180.0f, 51000.25f, 0.0f), 0);

@@ -10,12 +10,7 @@
 
 namespace {
 
-using tqtest::Image;
-using tqtest::MakeImage;
-using tqtest::RandomImage;
-using tqtest::RandomImageWithHoles;
-using tqtest::SameHeader;
-using tqtest::SamePels;
+using namespace tqtest;
 
 struct Window {
     int cols, rows;

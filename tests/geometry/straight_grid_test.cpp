@@ -14,7 +14,7 @@
 
 namespace {
 
-using tqtest::Image;
+using namespace tqtest;
 using Point = std::pair<double, double>;
 
 constexpr std::int32_t kCols = 300, kRows = 220;
@@ -48,9 +48,9 @@ Point OnScreen(std::int32_t col, std::int32_t row) {
 
 TEST(Corrections, AScreenSeenObliquelyThroughALensComesOutStraight) {
     const TqLensSetting setting{kCols, kRows, 0, 0, -1.0f, -1.0f};
-    tqtest::HostArray table =
-        tqtest::MakeDoubleArray(1, 9, [](int, int field) { return kLens[static_cast<std::size_t>(field)]; });
-    tqtest::Map lens, keystone;
+    HostArray table =
+        MakeDoubleArray(1, 9, [](int, int field) { return kLens[static_cast<std::size_t>(field)]; });
+    Map lens, keystone;
     ASSERT_EQ(tqBuildLensDistortionImage(lens.Address(), &setting, table.Address()), 0);
     // The corners of the unit square in the picture without distortion.
     std::array<double, 8> q{60 / 1.3,   50 / 1.3,   390 / 1.65, 90 / 1.65,
@@ -62,7 +62,7 @@ TEST(Corrections, AScreenSeenObliquelyThroughALensComesOutStraight) {
 
     // Two pictures whose grey tells the place on the screen.
     for (const bool across : {true, false}) {
-        Image image = tqtest::MakeImage(kCols, kRows, [&](std::int32_t col, std::int32_t row) {
+        Image image = MakeImage(kCols, kRows, [&](std::int32_t col, std::int32_t row) {
             const auto [x, y] = OnScreen(col, row);
             return std::clamp(10000 + 40000 * (across ? x : y), 0.0, 65535.0);
         });

@@ -10,10 +10,7 @@
 
 namespace {
 
-using tqtest::Image;
-using tqtest::MakeImage;
-using tqtest::RandomImage;
-using tqtest::SamePels;
+using namespace tqtest;
 
 using Matrix = std::array<double, 9>;
 
@@ -33,7 +30,7 @@ TEST(TransformImage, IdentityAndWholePelsAreExactWithEveryKernel) {
         const TqImageHeader header = image.Header();
         ASSERT_EQ(tqTransformImage(image.Address(), kIdentity.data(), 0, 0, kernel, 7), 0);
         EXPECT_TRUE(SamePels(source, image));
-        EXPECT_TRUE(tqtest::SameHeader(header, image.Header()));
+        EXPECT_TRUE(SameHeader(header, image.Header()));
         // Pel (c, r) of the result is (c + 2, r - 3); what comes from outside is filled.
         ASSERT_EQ(tqTransformImage(image.Address(), Shift(2, -3).data(), 30, 20, kernel, 70000), 0);
         EXPECT_TRUE(SamePels(MakeImage(30, 20,
