@@ -34,8 +34,8 @@ TEST(CompareImages, LevelsAreSharesOfTheLargestRelativeDifference) {
          Line({400, 100, 200, 300, 0}, 0.5f),
          1 / 64000.0f,
          {64000, 32000, 0, 16000, 0}},
-        // The first sets the scale; the second is 31233.5 of its levels, and 0.4999 is added, not a half.
-        {Line({64000, 64000}), Line({0, 65533}, 0.5f), 1 / 64000.0f, {64000, 31233}},
+        // The first sets the scale; the second is 2.5 of its levels, and 0.4999 is added, not a half.
+        {Line({1000, 64000}), Line({11000, 64025}), 10 / 64000.0f, {64000, 2}},
         {Line({100, 200}), Line({100, 200}), 1, {0, 0}},
         // Light is infinitely far from a dark reference.
         {Line({0, 200}), Line({100, 300}), kInfinity, {0, 0}},

@@ -5,13 +5,11 @@
 #include <limits>
 #include <utility>
 
-#include "reference.h"
+#include "statistics.h"
 
 namespace tqtest {
 namespace {
 
-constexpr std::int32_t kLowest = std::numeric_limits<std::int32_t>::min();
-constexpr std::int32_t kHighest = std::numeric_limits<std::int32_t>::max();
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 struct Strips {
@@ -51,7 +49,7 @@ Light MeasureReference(const Image& image, const Strips& s) {
     Light light{0, 0, 0, 0, 0, 0, 0, -1, -1};
     const std::int64_t gap = std::max(s.gap, 0), depth = std::max(s.depth, 1);
     const auto within = [&](std::int64_t distance) { return distance > gap && distance <= gap + depth; };
-    double sums[4] = {}, counts[4] = {};
+    double sums[5] = {}, counts[5] = {};
     for (std::int32_t row = 0; row < image.Rows(); ++row) {
         for (std::int32_t col = 0; col < image.Cols(); ++col) {
             const int pel = image(col, row);
@@ -61,19 +59,16 @@ Light MeasureReference(const Image& image, const Strips& s) {
                              : over && within(s.top - row)     ? 1
                              : beside && within(col - s.right) ? 2
                              : over && within(row - s.bottom)  ? 3
-                                                               : 4;
-            if (side == 4) continue;
-            sums[side] += pel;
-            counts[side] += 1;
+                                                               : -1;
+            if (side < 0) continue;
+            for (const int of : {side, 4})
+                sums[of] += pel, counts[of] += 1;
             if (pel > light.maximum) light.maximum = pel, light.column = col, light.row = row;
         }
     }
-    const auto mean = [](double sum, double count) { return count > 0 ? sum / count : 0.0; };
-    light.left = mean(sums[0], counts[0]);
-    light.top = mean(sums[1], counts[1]);
-    light.right = mean(sums[2], counts[2]);
-    light.bottom = mean(sums[3], counts[3]);
-    light.mean = mean(sums[0] + sums[1] + sums[2] + sums[3], counts[0] + counts[1] + counts[2] + counts[3]);
+    double* const means[] = {&light.left, &light.top, &light.right, &light.bottom, &light.mean};
+    for (int i = 0; i < 5; ++i)
+        *means[i] = counts[i] > 0 ? sums[i] / counts[i] : 0.0;
     if (light.column < 0) light.status = -99;
     return light;
 }
@@ -106,7 +101,6 @@ TEST(BorderLight, FailuresOfTheMeasurement) {
     const Image image = RandomImage(20, 10, 74, 1);
     const auto failed = [](std::int32_t status) { return Light{status, 0, 0, 0, 0, 0, 0, -1, -1}; };
     EXPECT_EQ(Measure(nullptr, {}), failed(-2));
-    EXPECT_EQ(Measure(Image(8001, 1), {}), failed(-2));
     EXPECT_EQ(Measure(image, {9, 2, 8, 5, 0, 1, 0}), failed(-3));
     EXPECT_EQ(Measure(image, {0, 0, 0, 0, 0, 1, 0}), failed(-99)) << "nothing around the whole image";
     EXPECT_EQ(Measure(Image(20, 10), {5, 3, 8, 5, 0, 1, 0}), failed(-99));
@@ -240,11 +234,6 @@ TEST(BorderLight, WithoutABackgroundTheImageStays) {
     Image image = full;
     EXPECT_EQ(Remove(image, {6, 3, 5, 6, 0, 1, 0}, 0, 1.0).status, -3);
     EXPECT_EQ(Remove(image, {0, 0, 0, 0, 0, 1, 0}, 0, 1.0).status, -99);
-    Image none;
-    EXPECT_EQ(Remove(none, strips, 0, 1.0).status, -2);
-    EXPECT_EQ(tqRemoveBorderLight(nullptr, 3, 3, 6, 6, 0, 1, 0, nullptr, nullptr, nullptr, nullptr, nullptr,
-                                  nullptr, nullptr, nullptr, 0, 1.0),
-              -2);
 }
 
 }  // namespace

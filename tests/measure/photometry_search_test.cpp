@@ -1,4 +1,5 @@
 #include <array>
+#include <utility>
 
 #include "photometry_reference.h"
 
@@ -89,11 +90,10 @@ TEST(CandelaSearch, TheFirstOfEqualsWins) {
 TEST(CandelaSearch, InsideARectangle) {
     const Image image = SearchImage(41, 33, 53);
     const std::array<std::int32_t, 4> rectangles[] = {
-        {0, 0, 40, 32}, {5, 4, 30, 20}, {-9, kLowest, 12, 14}, {30, 25, kHighest, 99}, {7, 7, 7, 7},
-        {9, 0, 8, 9},   {0, 9, 9, 8},   {41, 0, 60, 9},        {0, 0, -1, 9},
-    };
-    const std::pair<std::int32_t, std::int32_t> blocks[] = {
-        {0, 0}, {1, 1}, {1, 0}, {3, 3}, {4, 2}, {0, 3}, {2, 1}, {10, 1}, {1, 12}, {-1, 3}, {3, kLowest}};
+        {5, 4, 30, 20}, {-9, kLowest, 12, 14}, {30, 25, kHighest, 99}, {7, 7, 7, 7},
+        {9, 0, 8, 9},   {0, 9, 9, 8},          {41, 0, 60, 9}};
+    const std::pair<std::int32_t, std::int32_t> blocks[] = {{0, 0},  {1, 0},  {3, 3},  {4, 2},      {0, 3},
+                                                            {10, 1}, {1, 12}, {-1, 3}, {3, kLowest}};
     for (const auto& [left, top, right, bottom] : rectangles) {
         for (const auto& [width, height] : blocks) {
             for (const std::int32_t kind : {0, 1, -1}) {
@@ -124,48 +124,32 @@ TEST(CandelaSearch, InsideARectangle) {
     }
 }
 
-/// The codes of one image for every function of the family; outputs must stay at -9 where nothing is said.
-struct Codes {
-    std::int32_t direction, polygon, search, angle;
-    double find, flux;
-};
-
-void ExpectCodes(TqImage* image, const Codes& codes) {
+TEST(PhotometryCodes, FramesWithoutScale) {
     HostArray vertices = VerticesOf({{1, 1}, {5, 1}, {3, 6}});
-    Reading it;
-    const Reading untouched;
-    std::int32_t col = -9, row = -9;
-    EXPECT_EQ(Read(it, image, 3, 3, 1, 1, 0), codes.direction);
-    EXPECT_EQ(ReadPolygon(tqCalcPolyCandela, it, image, vertices.Address(), 0), codes.polygon);
-    EXPECT_EQ(ReadPolygon(tqCalcMaxPolyCandela, it, image, vertices.Address(), 0), codes.polygon);
-    EXPECT_EQ(ReadPolygon(tqCalcMinPolyCandela, it, image, vertices.Address(), 0), codes.polygon);
-    EXPECT_EQ(tqCalcMaxCandela(image, &col, &row, 1, 1), codes.search);
-    EXPECT_EQ(tqCalcAvgCandela(image, &it.candela, 1, 1), codes.search);
-    EXPECT_EQ(tqPelToAngle(image, 3, 3, &it.first, &it.second, 0), codes.angle);
-    EXPECT_EQ(tqAngleToPel(image, &col, &row, 0, 0, 0), codes.angle);
-    EXPECT_EQ(tqCalcFluxInRegion(image, 1, 1, 3, 3, &it.candela), codes.flux);
-    EXPECT_EQ(tqCalcTotalImageFlux(image), codes.flux);
-    EXPECT_EQ(it, untouched);
-    EXPECT_EQ(std::pair(col, row), std::pair(-9, -9));
-    EXPECT_EQ(ReadEllipse(tqCalcMaxCandelaInEllipse, it, image, 3, 3, 3, 3, 0), codes.direction);
-    EXPECT_EQ(it.candela, 0) << "the one output that is written before the checks";
-    it.candela = -9;
-    EXPECT_EQ(ReadEllipse(tqCalcMinCandelaInEllipse, it, image, 3, 3, 0, 3, 0), codes.direction);
-    EXPECT_EQ(it.candela, 0);
-    EXPECT_EQ(tqFindMaxCandelaInRegion(image, &col, &row, 1, 1, 3, 3, 0, 0, 0), codes.find);
-    EXPECT_EQ(std::pair(col, row), std::pair(-1, -1));
-}
-
-/// Not provoked anywhere: -3 to -6 of the polygons, which a single reading of the vertices rules out.
-TEST(PhotometryCodes, InvalidImagesAndFramesWithoutScale) {
-    ExpectCodes(nullptr, {-1, -7, -1, -1, -2.0, -2.0});
-    Image invalid(8001, 1);
-    ExpectCodes(invalid, {-1, -7, -1, -1, -2.0, -2.0});
     for (float TqImageHeader::*scale : {&TqImageHeader::PelsPerMeterX, &TqImageHeader::PelsPerMeterY}) {
         for (const float value : {0.0f, -1000.0f}) {
             Image image = RandomImage(9, 9, 55, 1);
             image.Header().*scale = value;
-            ExpectCodes(image, {-2, -2, -2, -2, -3.0, -3.0});
+            Reading it;
+            std::int32_t col = -9, row = -9;
+            EXPECT_EQ(Read(it, image, 3, 3, 1, 1, 0), -2);
+            for (const auto function : {tqCalcPolyCandela, tqCalcMaxPolyCandela, tqCalcMinPolyCandela})
+                EXPECT_EQ(ReadPolygon(function, it, image, vertices.Address(), 0), -2);
+            EXPECT_EQ(tqCalcMaxCandela(image, &col, &row, 1, 1), -2);
+            EXPECT_EQ(tqCalcAvgCandela(image, &it.candela, 1, 1), -2);
+            EXPECT_EQ(tqPelToAngle(image, 3, 3, &it.first, &it.second, 0), -2);
+            EXPECT_EQ(tqAngleToPel(image, &col, &row, 0, 0, 0), -2);
+            EXPECT_EQ(tqCalcFluxInRegion(image, 1, 1, 3, 3, &it.candela), -3.0);
+            EXPECT_EQ(tqCalcTotalImageFlux(image), -3.0);
+            EXPECT_EQ(it, Reading{});
+            EXPECT_EQ(std::pair(col, row), std::pair(-9, -9));
+            EXPECT_EQ(ReadEllipse(tqCalcMaxCandelaInEllipse, it, image, 3, 3, 3, 3, 0), -2);
+            EXPECT_EQ(std::exchange(it.candela, -9), 0) << "the one output that is written before the checks";
+            EXPECT_EQ(ReadEllipse(tqCalcMinCandelaInEllipse, it, image, 3, 3, 0, 3, 0), -2);
+            EXPECT_EQ(it.candela, 0);
+            EXPECT_EQ(tqFindMaxCandelaInRegion(image, &col, &row, 1, 1, 3, 3, 0, 0, 0), -3.0);
+            EXPECT_EQ(std::pair(col, row), std::pair(-1, -1));
+            EXPECT_EQ(tqFindMaxCandelaInRegion(nullptr, &col, &row, 1, 1, 3, 3, 0, 0, 0), -2.0);
         }
     }
 }

@@ -161,7 +161,7 @@ TEST(Candela, APolygonIsSeenFromTheMeanOfItsVertices) {
             cols += at.col, rows += at.row;
         const auto col = static_cast<std::int32_t>(cols / static_cast<std::int64_t>(polygon.size()));
         const auto row = static_cast<std::int32_t>(rows / static_cast<std::int64_t>(polygon.size()));
-        const Visited visited = PolygonReference(image, polygon);
+        const Visited visited = PolygonPels(image, polygon);
         Reading it;
         double first = -9, second = -9;
         ASSERT_EQ(ReadPolygon(tqCalcPolyCandela, it, image, vertices.Address(), 1), 0);
@@ -172,59 +172,72 @@ TEST(Candela, APolygonIsSeenFromTheMeanOfItsVertices) {
     }
 }
 
-/// The extreme of single pels as the rule has it: strict, so the first of equals stays.
-Reading ExtremeReference(const Image& image, const Visited& visited, bool largest, std::uint32_t mode) {
-    Reading best;
-    best.candela = 0;
-    bool seeded = largest;
-    for (const Position& at : visited) {
-        Reading here;
-        EXPECT_EQ(Read(here, image, at.col, at.row, 1, 1, mode), 0);
-        if (seeded && (largest ? here.candela <= best.candela : here.candela >= best.candela)) continue;
-        best = here;
-        seeded = true;
-    }
-    return best;
+/// What the functions of the extremes must report: the reading of one pel, or of none.
+Reading At(const Image& image, std::int32_t col, std::int32_t row, std::uint32_t mode) {
+    Reading it;
+    EXPECT_EQ(Read(it, image, col, row, 1, 1, mode), 0);
+    return it;
 }
 
-TEST(CandelaExtremes, EllipsesAndPolygons) {
-    Image flat =
-        MakeImage(31, 23, [](auto, auto) { return 700; });  // every intensity occurs up to four times
-    Image dark(31, 23);
-    Image noise = RandomImage(31, 23, 44);
-    for (Image* image : {&flat, &dark, &noise}) {
-        for (const std::uint32_t mode : {0u, 1u, 2u, 3u, 4u}) {
-            struct Case {
-                std::int32_t col, row, width, height;
-            };
-            for (const Case& it : {Case{15, 11, 20, 14}, Case{0, 22, 9, 9}, Case{-3, 11, 12, 8},
-                                   Case{60, 11, 8, 8}, Case{15, 11, 4, -6}, Case{7, 9, 0, 5},
-                                   Case{15, 11, kHighest, kHighest}, Case{3, 4, 1, 1}}) {
-                const Visited visited =
-                    it.width == 0 ? Visited{{it.col, it.row}}
-                                  : EllipseReference(*image, it.col, it.row, it.width, it.height, false);
-                Reading max, min;
-                ASSERT_EQ(ReadEllipse(tqCalcMaxCandelaInEllipse, max, *image, it.col, it.row, it.width,
-                                      it.height, mode),
-                          0);
-                ASSERT_EQ(ReadEllipse(tqCalcMinCandelaInEllipse, min, *image, it.col, it.row, it.width,
-                                      it.height, mode),
-                          0);
-                EXPECT_EQ(max, ExtremeReference(*image, visited, true, mode)) << it.col << ", " << it.row;
-                EXPECT_EQ(min, ExtremeReference(*image, visited, false, mode)) << it.col << ", " << it.row;
-            }
-            for (const Polygon& polygon :
-                 {Polygon{{2, 2}, {28, 2}, {28, 20}, {2, 20}}, Polygon{{5, 1}, {29, 12}, {3, 19}},
-                  Polygon{{40, 1}, {50, 12}, {45, 19}}}) {
-                HostArray vertices = VerticesOf(polygon);
-                const Visited visited = PolygonReference(*image, polygon);
-                Reading max, min;
-                ASSERT_EQ(ReadPolygon(tqCalcMaxPolyCandela, max, *image, vertices.Address(), mode), 0);
-                ASSERT_EQ(ReadPolygon(tqCalcMinPolyCandela, min, *image, vertices.Address(), mode), 0);
-                EXPECT_EQ(max, ExtremeReference(*image, visited, true, mode));
-                EXPECT_EQ(min, ExtremeReference(*image, visited, false, mode));
-            }
+TEST(CandelaExtremes, OfEllipses) {
+    const Image flat = MakeImage(31, 23, [](auto, auto) { return 700; }), dark(31, 23);
+    Image spots = flat;
+    spots(12, 9) = 60000;
+    spots(18, 13) = 1;
+    struct Case {
+        const Image& image;
+        std::int32_t col, row, width, height;
+        Position largest, smallest;
+    };
+    // Of equal intensities the first in row order stays: on flat ground the farthest pels and the nearest.
+    for (const Case& c :
+         {Case{spots, 15, 11, 20, 14, {12, 9}, {18, 13}}, Case{flat, 15, 11, 20, 14, {5, 11}, {15, 11}},
+          Case{flat, 15, 11, kHighest, kHighest, {0, 0}, {15, 11}},
+          Case{flat, -3, 11, 12, 8, {0, 8}, {3, 11}}, Case{spots, 12, 9, 0, 5, {12, 9}, {12, 9}},
+          Case{spots, 18, 13, 1, 1, {18, 13}, {18, 13}}}) {
+        for (const std::uint32_t mode : {0u, 3u, 4u}) {
+            SCOPED_TRACE(testing::Message() << c.col << ", " << c.row << ": " << c.width << " x " << c.height
+                                            << ", mode " << mode);
+            Reading max, min;
+            ASSERT_EQ(
+                ReadEllipse(tqCalcMaxCandelaInEllipse, max, c.image, c.col, c.row, c.width, c.height, mode),
+                0);
+            ASSERT_EQ(
+                ReadEllipse(tqCalcMinCandelaInEllipse, min, c.image, c.col, c.row, c.width, c.height, mode),
+                0);
+            EXPECT_EQ(max, At(c.image, c.largest.col, c.largest.row, mode));
+            EXPECT_EQ(min, At(c.image, c.smallest.col, c.smallest.row, mode));
         }
+    }
+    for (const Position& nothing : {Position{60, 11}, {15, -40}}) {
+        Reading max, min;
+        ASSERT_EQ(ReadEllipse(tqCalcMaxCandelaInEllipse, max, flat, nothing.col, nothing.row, 8, 8, 0), 0);
+        ASSERT_EQ(ReadEllipse(tqCalcMinCandelaInEllipse, min, flat, nothing.col, nothing.row, 8, -6, 0), 0);
+        EXPECT_EQ(max, Reading{0});
+        EXPECT_EQ(min, Reading{0});
+    }
+    Reading max, min;
+    ASSERT_EQ(ReadEllipse(tqCalcMaxCandelaInEllipse, max, dark, 15, 11, 8, 8, 0), 0);
+    ASSERT_EQ(ReadEllipse(tqCalcMinCandelaInEllipse, min, dark, 15, 11, 8, 8, 0), 0);
+    EXPECT_EQ(max, Reading{0}) << "nothing is above 0";
+    EXPECT_EQ(min, At(dark, 15, 7, 0));
+}
+
+TEST(CandelaExtremes, OfPolygons) {
+    Image spots = MakeImage(31, 23, [](auto, auto) { return 700; });
+    spots(12, 9) = 60000;
+    spots(18, 13) = 1;
+    HostArray around = VerticesOf({{5, 1}, {29, 12}, {3, 19}}),
+              beside = VerticesOf({{40, 1}, {50, 12}, {45, 19}});
+    Reading max, min;
+    ASSERT_EQ(ReadPolygon(tqCalcMaxPolyCandela, max, spots, around.Address(), 1), 0);
+    ASSERT_EQ(ReadPolygon(tqCalcMinPolyCandela, min, spots, around.Address(), 2), 0);
+    EXPECT_EQ(max, At(spots, 12, 9, 1));
+    EXPECT_EQ(min, At(spots, 18, 13, 2));
+    for (const auto function : {tqCalcMaxPolyCandela, tqCalcMinPolyCandela}) {
+        Reading none;
+        ASSERT_EQ(ReadPolygon(function, none, spots, beside.Address(), 0), 0);
+        EXPECT_EQ(none, Reading{0});
     }
 }
 
@@ -241,14 +254,10 @@ TEST(Flux, OfARectangleAndOfTheWholeTarget) {
     EXPECT_EQ(tqCalcTotalImageFlux(image), all);
     EXPECT_EQ(image.Header().TotalPelValue, std::round(RectangleMean(image, 0, 0, 60, 46) * 61 * 47));
     lux = 7;
-    for (const auto& [left, top, right, bottom] : {std::array{61, 0, 99, 9},
-                                                   {0, 47, 9, 99},
-                                                   {9, 0, 8, 9},
-                                                   {0, 9, 9, 8},
-                                                   {0, 0, -1, 9},
-                                                   {0, 0, 9, -1}}) {
+    using Sides = std::array<std::int32_t, 4>;
+    for (const auto& [left, top, right, bottom] :
+         {Sides{61, 0, 99, 9}, {0, 47, 9, 99}, {9, 0, 8, 9}, {0, 9, 9, 8}, {0, 0, -1, 9}, {0, 0, 9, -1}})
         EXPECT_EQ(tqCalcFluxInRegion(image, left, top, right, bottom, &lux), -4.0);
-    }
     EXPECT_EQ(lux, 7);
 }
 

@@ -38,11 +38,10 @@ inline Visited RectangleReference(const Image& image, std::int32_t left, std::in
     return visited;
 }
 
-/// `clampBox` is false for the intensity extremes, which form the box around the centre as passed.
 inline Visited EllipseReference(const Image& image, std::int32_t centerCol, std::int32_t centerRow,
-                                std::int32_t width, std::int32_t height, bool clampBox = true) {
-    const std::int64_t boxCol = clampBox ? std::clamp(centerCol, 0, image.Cols() - 1) : centerCol;
-    const std::int64_t boxRow = clampBox ? std::clamp(centerRow, 0, image.Rows() - 1) : centerRow;
+                                std::int32_t width, std::int32_t height) {
+    const std::int64_t boxCol = std::clamp(centerCol, 0, image.Cols() - 1);
+    const std::int64_t boxRow = std::clamp(centerRow, 0, image.Rows() - 1);
     const double a = 0.5 * width;
     const double b = 0.5 * height;
     Visited visited;

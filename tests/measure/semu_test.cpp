@@ -1,21 +1,14 @@
 #include <cmath>
-#include <functional>
-#include <limits>
-#include <utility>
+#include <random>
 
-#include "reference.h"
+#include "statistics.h"
 #include "tqimage/uniformity.h"
 
 namespace tqtest {
 namespace {
 
-constexpr std::int32_t kLowest = std::numeric_limits<std::int32_t>::min();
-constexpr std::int32_t kHighest = std::numeric_limits<std::int32_t>::max();
-
 struct Semu {
-    double value = -9;
-    double contrast = -9;
-    double area = -9;
+    double value = -9, contrast = -9, area = -9;
 };
 
 Semu SemuOf(const Image& image, std::int32_t threshold) {
@@ -70,22 +63,17 @@ TEST(Semu, NothingToRate) {
     Image image = Level(8, 8);
     for (const std::int32_t threshold : {kLowest, 0, 1, 40000, kHighest}) {
         const Semu none = SemuOf(image, threshold);
-        EXPECT_EQ(none.value, 0.0);
-        EXPECT_EQ(none.contrast, 0.0);
-        EXPECT_EQ(none.area, 0.0);
+        EXPECT_TRUE(none.value == 0.0 && none.contrast == 0.0 && none.area == 0.0) << threshold;
     }
     EXPECT_EQ(SemuOf(Image(8, 8), 1).value, 0.0) << "pels of 0 hold no data";
     Fill(image, 2, 2, 3, 3, 33535);
     image.Header().LuxPerGrey = 0.0f;
     EXPECT_EQ(SemuOf(image, 1).area, 0.0) << "no difference a grey, no blemish";
 
-    double contrast = 7, area = 7;
-    EXPECT_EQ(tqCalcSemu(nullptr, 1, &contrast, &area), -2.0);
-    EXPECT_EQ(contrast + area, 0.0);
     for (const auto& [x, y] : {std::pair{0.0f, 1000.0f}, {1000.0f, -1.0f}}) {
         image.Header().PelsPerMeterX = x;
         image.Header().PelsPerMeterY = y;
-        contrast = area = 7;
+        double contrast = 7, area = 7;
         EXPECT_EQ(tqCalcSemu(image, 1, &contrast, &area), -3.0);
         EXPECT_EQ(contrast + area, 0.0);
     }
@@ -94,6 +82,7 @@ TEST(Semu, NothingToRate) {
 /// Flood fill from every pel that is not yet part of a blemish.
 Semu SemuReference(const Image& image, std::int32_t threshold) {
     const auto sign = [&](std::int32_t col, std::int32_t row) {
+        if (col < 0 || row < 0 || col >= image.Cols() || row >= image.Rows()) return 0;
         const int pel = image(col, row), signal = pel - 32000;
         return pel == 0 || std::abs(signal) < std::max(threshold, 1) ? 0 : signal < 0 ? -1 : 1;
     };
@@ -114,14 +103,11 @@ Semu SemuReference(const Image& image, std::int32_t threshold) {
                 open.pop_back();
                 sum += image(at.col, at.row) - 32000;
                 ++count;
-                for (std::int32_t r = std::max(at.row - 1, 0); r <= std::min(at.row + 1, image.Rows() - 1);
-                     ++r) {
-                    for (std::int32_t c = std::max(at.col - 1, 0);
-                         c <= std::min(at.col + 1, image.Cols() - 1); ++c) {
-                        if (seen[index({c, r})] || sign(c, r) != kind) continue;
-                        seen[index({c, r})] = 1;
-                        open.push_back({c, r});
-                    }
+                for (int i = 0; i < 9; ++i) {
+                    const Position next{at.col + i % 3 - 1, at.row + i / 3 - 1};
+                    if (sign(next.col, next.row) != kind || seen[index(next)]) continue;
+                    seen[index(next)] = 1;
+                    open.push_back(next);
                 }
             }
             const double contrast = 100.0 * image.Header().LuxPerGrey * sum / count;

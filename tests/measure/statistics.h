@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "automation_host.h"
-#include "polygon_reference.h"
+#include "reference.h"
 #include "tqimage/region_ellipse.h"
 #include "tqimage/region_polygon.h"
 #include "tqimage/region_rectangle.h"
@@ -21,6 +21,8 @@ namespace tqtest {
 
 inline constexpr std::int32_t kLowest = std::numeric_limits<std::int32_t>::min();
 inline constexpr std::int32_t kHighest = std::numeric_limits<std::int32_t>::max();
+
+using Polygon = std::vector<Position>;
 
 inline HostArray VerticesOf(const Polygon& polygon) {
     return MakeInt32Array(2, static_cast<std::uint32_t>(polygon.size()), [&](int part, int vertex) {
@@ -67,6 +69,21 @@ inline Statistics OfEllipse(const TqImage* image, std::int32_t col, std::int32_t
 inline Statistics OfPolygon(const TqImage* image, SAFEARRAY** vertices) {
     return Bind(tqGetMaxPelValueInPoly, tqGetMinPelValueInPoly, tqGetTotalPelValueInPoly,
                 tqGetWeightedPelValueInPoly, tqCalcCharAreaInPoly, tqCalcAreaInPoly, image, vertices);
+}
+
+/// The pels that a polygon visits, asked one by one: the drawings show that they are the right ones.
+inline Visited PolygonPels(const Image& like, const Polygon& polygon) {
+    HostArray vertices = VerticesOf(polygon);
+    Image image(like.Header());
+    Visited visited;
+    for (std::int32_t row = 0; row < image.Rows(); ++row) {
+        for (std::int32_t col = 0; col < image.Cols(); ++col) {
+            image(col, row) = 1;
+            if (tqGetMaxPelValueInPoly(image, vertices.Address()) == 1) visited.push_back({col, row});
+            image(col, row) = 0;
+        }
+    }
+    return visited;
 }
 
 /// Two limits for the weighted means and areas: ordered, touching, reversed, negative, beyond every pel.

@@ -111,31 +111,27 @@ TEST(RemoveBadPixels, AFailedRepairStopsAndLeavesTheListLocked) {
 }
 
 TEST(RemoveBadPixels, ChecksTheListBeforeTheImage) {
-    const auto status = [](SAFEARRAY** list) { return tqRemoveBadPixels(nullptr, 0, 0, 3, 3, list); };
-    const auto zero = [](int, int) { return 0; };
+    struct Case {
+        VARTYPE type;
+        std::vector<tqtest::Dimension> dimensions;
+        std::uint32_t locks;
+        std::int32_t status;
+    };
+    for (const Case& c : {Case{VT_I4, {{5}}, 0, 1},
+                          {VT_R4, {{2}, {5}}, 0, 2},  // four bytes that are no integers
+                          {VT_I4, {{5}, {2}}, 0, 3},
+                          {VT_I4, {{2}, {5}}, 65535, 5},  // no lock is left
+                          {VT_I4, {{2}, {5}}, 0, -1}}) {
+        HostArray list(c.type, c.dimensions);
+        list->cLocks = c.locks;
+        EXPECT_EQ(tqRemoveBadPixels(nullptr, 0, 0, 3, 3, list.Address()), c.status);
+        EXPECT_EQ(list.Locks(), c.locks);
+    }
     SAFEARRAY* nothing = nullptr;
-    EXPECT_EQ(status(nullptr), 1);
-    EXPECT_EQ(status(&nothing), 1);
-    HostArray line(VT_I4, {{5}});
-    EXPECT_EQ(status(line.Address()), 1);
-    HostArray floats = MakeArray<float>(VT_R4, 2, 5, zero);
-    EXPECT_EQ(status(floats.Address()), 2) << "four bytes that are no integers";
-
-    HostArray turned = MakeArray<std::int32_t>(VT_I4, 5, 2, zero);
-    EXPECT_EQ(status(turned.Address()), 3);
-
-    HostArray list = MakeArray<std::int32_t>(VT_I4, 2, 5, zero);
-    list.Get()->cLocks = 65535;
-    EXPECT_EQ(status(list.Address()), 5) << "no lock is left";
-    list.Get()->cLocks = 0;
-    EXPECT_EQ(status(list.Address()), -1);
-    EXPECT_EQ(list.Locks(), 0u);
-}
-
-TEST(RemoveBadPixels, AnElementThatCannotBeReadEndsTheWork) {
+    EXPECT_EQ(tqRemoveBadPixels(nullptr, 0, 0, 3, 3, nullptr), 1);
+    EXPECT_EQ(tqRemoveBadPixels(nullptr, 0, 0, 3, 3, &nothing), 1);
     // Records and fields are counted from 0; these arrays begin at 1.
-    for (const auto& bounds :
-         {std::vector<tqtest::Dimension>{{2, 1}, {5, 0}}, std::vector<tqtest::Dimension>{{2, 0}, {5, 1}}}) {
+    for (const auto& bounds : {std::vector<tqtest::Dimension>{{2, 1}, {5, 0}}, {{2, 0}, {5, 1}}}) {
         HostArray list(VT_I4, bounds);
         const Image noise = RandomImage(4, 4, 6);
         Image image = noise;

