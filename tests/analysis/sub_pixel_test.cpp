@@ -84,6 +84,16 @@ TEST(SubPixel, WholePelsWhereThereIsNoSummit) {
             EXPECT_EQ(found.peak, it.peak);
         }
     }
+    // Neither a flat neighbourhood nor a ridge has one, whatever the logarithms of its levels are rounded to.
+    for (std::int32_t level = 3; level < 65536; level += 113) {
+        const Image notched =
+            MakeImage(8, 8, [&](auto col, auto row) { return col == 6 && row == 5 ? level / 2 : level; });
+        const Image ridge = MakeImage(8, 8, [&](auto, auto row) { return row == 3 ? level : level / 3; });
+        for (const std::int32_t mode : {0, 1}) {
+            EXPECT_EQ(Find(notched, 0, mode, 2, 2, 6, 6).status, 1) << level;
+            EXPECT_EQ(Find(ridge, 0, mode, 2, 2, 6, 6).status, 1) << level;
+        }
+    }
     // The fit's summit lies 1.5 pels to the right of the brightest pel.
     const Image leaning =
         MakeImage(5, 5, {0, 0, 0, 0, 0, 0, 0, 0, 50, 0, 0, 0, 100, 50, 0, 0, 0, 0, 50, 0, 0, 0, 0, 0, 0});

@@ -119,8 +119,8 @@ float DifferenceAt(const ChannelSet& set, Form form, Block block, Block around, 
         reference = static_cast<float>(means[1] * double(lux));
     }
     const bool dark = !(reference >= 1e-7);
-    if (!colour)
-        return dark ? 0 : std::abs(lux * static_cast<float>(at[1]) - reference) / reference * std::sqrt(0.7f);
+    const auto light = static_cast<float>(double(lux) * at[1]);
+    if (!colour) return dark ? 0 : std::abs(light - reference) / reference * std::sqrt(0.7f);
     Triple xyz = Multiply(m, at);
     xyz[2] = float(xyz[2]);
     const double du = UvOf(xyz).u - target.u, dv = UvOf(xyz).v - target.v;

@@ -33,7 +33,8 @@ TEST(SetColour, FillsTheRectangleOfEachChannelWithItsValue) {
         float lux;
         double value;
         int expected;
-    } cases[] = {{1, 7.5, 8}, {2, -3, 0}, {1, 1e6, 65535}, {1, 3e9, 65535}, {0, 5, 0}, {1, 65534.4375, 65534}};
+    } cases[] = {{1, 7.5, 8},     {2, -3, 0}, {1, 1e6, 65535},
+                 {1, 3e9, 65535}, {0, 5, 0},  {1, 65534.4375, 65534}};
     for (const auto& it : cases) {
         in[2].Header().LuxPerGrey = it.lux;
         ASSERT_EQ(Set(nullptr, nullptr, in[2], {0, 0, 0, 0}, {0, 0, it.value}, kIdentity), 0);

@@ -55,7 +55,7 @@ TEST_F(GreyArithmetic, OneImageTimesANumber) {
         SCOPED_TRACE(f);
         Check([=](auto a, auto, auto out, auto n) { kernels::ScaleGreys(a, f, out, n); },
               [=](double a, double) {
-                  return WrapToPel(std::min(TruncToInt32(a * static_cast<double>(f) + 0.5), 65535));
+                  return WrapToPel(TruncToInt32(std::min(a * static_cast<double>(f) + 0.5, 65535.0)));
               });
     }
     for (const double f : kScales) {
@@ -64,7 +64,7 @@ TEST_F(GreyArithmetic, OneImageTimesANumber) {
               [=](double a, double) { return WrapToPel(TruncToInt32((a - 1234.25) * f + 1234.25)); });
         for (const double w : {1.0, 255.0, 65535.0}) {
             Check([=](auto a, auto, auto out, auto n) { kernels::ScaleToMaximum(a, w, f, out, n); },
-                  [=](double a, double) { return WrapToPel(std::min(TruncToInt32(a * w / f), 65535)); });
+                  [=](double a, double) { return WrapToPel(TruncToInt32(std::min(a * w / f, 65535.0))); });
         }
     }
 }

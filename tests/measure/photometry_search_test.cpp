@@ -1,4 +1,5 @@
 #include <array>
+#include <limits>
 #include <utility>
 
 #include "photometry_reference.h"
@@ -150,6 +151,8 @@ TEST(PhotometryCodes, FramesWithoutScale) {
             EXPECT_EQ(tqFindMaxCandelaInRegion(image, &col, &row, 1, 1, 3, 3, 0, 0, 0), -3.0);
             EXPECT_EQ(std::pair(col, row), std::pair(-1, -1));
             EXPECT_EQ(tqFindMaxCandelaInRegion(nullptr, &col, &row, 1, 1, 3, 3, 0, 0, 0), -2.0);
+            image.Header().*scale = std::numeric_limits<float>::quiet_NaN();
+            EXPECT_EQ(tqFindMaxCandelaInRegion(image, &col, &row, 1, 1, 3, 3, 0, 0, 0), -3.0);
         }
     }
 }

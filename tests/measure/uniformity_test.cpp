@@ -1,6 +1,7 @@
 #include "tqimage/uniformity.h"
 
 #include <cmath>
+#include <limits>
 #include <random>
 
 #include "statistics.h"
@@ -164,7 +165,9 @@ TEST(AbsContrast, EveryPelAgainstTheMean) {
 TEST(AbsContrast, WithoutAScaleIsAnImageOfZeros) {
     Image source = RandomImage(6, 5, 51);
     Image map;
-    for (const auto& [x, y] : kNoScales) {
+    std::vector<std::pair<float, float>> noScales = kNoScales;
+    noScales.push_back({1000.0f, std::numeric_limits<float>::quiet_NaN()});
+    for (const auto& [x, y] : noScales) {
         source.Header().PelsPerMeterX = x;
         source.Header().PelsPerMeterY = y;
         EXPECT_EQ(tqCalcAbsContrast(map.Address(), source), -3);

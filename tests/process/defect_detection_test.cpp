@@ -118,8 +118,8 @@ TEST(PixelDefects, AFloorLeavesNeighboursOut) {
                 SCOPED_TRACE(testing::Message()
                              << "floor " << floor << " reference " << reference << " size " << size);
                 const Search search{3, reference, size, 3.0, 0, floor};
-                // What no integer holds is the smallest one: no floor.
-                const Search meant{3, reference, size, 3.0, 0, floor < 1e6 ? floor : 0.0};
+                const Search meant{3,   reference, size,
+                                   3.0, 0,         std::isnan(floor) ? 0.0 : std::min(floor, 1e6)};
                 ExpectFound(Expected(image, meant), image, search);
             }
         }

@@ -97,10 +97,10 @@ TEST(ReplaceHotPixels, HostileNumbers) {
         EXPECT_EQ(tqReplaceHotPixels(same, threshold, 1.0f, 3, 3), 0);
         EXPECT_TRUE(SamePels(image, same)) << "nothing is healthy, or nothing hot";
     }
-    for (const float factor : {kNan, 3e38f}) {
+    for (const auto& [factor, pel] : {std::pair{kNan, 0}, {3e38f, 65535}, {kInfinity, 65535}}) {
         Image row = MakeImage(3, 1, {10, 90, 10});
         EXPECT_EQ(tqReplaceHotPixels(row, 50, factor, 3, 1), 0);
-        EXPECT_EQ(row(1, 0), 0);
+        EXPECT_EQ(row(1, 0), pel);
     }
 }
 

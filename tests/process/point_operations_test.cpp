@@ -24,7 +24,7 @@ struct Operation {
 
 #define CALL(call) #call, [](TqImage * *i) { return call; }
 
-const Row kDark(7), kBright(7, 65535);
+const Row kDark(7), kBright(7, 65535), kLit = {0, 65535, 65535, 65535, 65535, 65535, 65535};
 
 const Operation kKeepHeaders[] = {
     {CALL(tqAddConstant(*i, 300)), {300, 301, 399, 400, 401, 40300, 65535}},
@@ -38,11 +38,11 @@ const Operation kKeepHeaders[] = {
     {CALL(tqReplaceDarkPels0(*i, 100, 70000)), {0, 65535, 65535, 65535, 101, 40000, 65535}},
     {CALL(tqReplaceDarkPels0(*i, kMax, -3)), kDark},
     {CALL(tqReplaceDarkPels0(*i, -1, 7)), kRow},
-    // Rounded, stopped above 65535, wrapped below 0; what no integer holds is the smallest one.
+    // Rounded, stopped above 65535 whatever the size, wrapped below 0; 0 times infinity is no number.
     {CALL(tqScaleImage2(*i, 0.3f)), {0, 0, 30, 30, 30, 12000, 19661}},
     {CALL(tqScaleImage2(*i, -1.0f)), {0, 0, 65438, 65437, 65436, 25537, 2}},
-    {CALL(tqScaleImage2(*i, 1e9f)), {0, 65535, 0, 0, 0, 0, 0}},
-    {CALL(tqScaleImage2(*i, kInfinity)), kDark},
+    {CALL(tqScaleImage2(*i, 1e9f)), kLit},
+    {CALL(tqScaleImage2(*i, kInfinity)), kLit},
     {CALL(tqCorrectLinearity(*i, Reversed().data())), {65535, 65534, 65436, 65435, 65434, 25535, 0}},
 };
 
@@ -134,6 +134,9 @@ TEST(PointOperations, TheBrightestNeighbourhoodGetsTheNewMaximum) {
         EXPECT_TRUE(SamePels(MakeImage(2, 2, {20, 40, 60, 80}), small));
         EXPECT_EQ(small.Header().MaxPelValue, static_cast<float>(wanted));
     }
+    small.Header().MaxPelValue = 1e-6f;
+    ASSERT_EQ(tqSetMaxGrayValue(small, 65535), 0);
+    EXPECT_TRUE(SamePels(MakeImage(2, 2, Row(4, 65535)), small));
 }
 
 TEST(ThresholdEdge, ClearsInTheBorderBandOnly) {
@@ -143,8 +146,8 @@ TEST(ThresholdEdge, ClearsInTheBorderBandOnly) {
     };
     // 29 % of 100 pels are 29 multiplied first and 28 divided first: the two axes differ.
     for (const Case& c :
-         {Case{0.0f, 0, 0}, Case{-10.0f, 0, 0}, Case{kNan, 0, 0}, Case{kInfinity, 0, 0}, Case{29.0f, 29, 28},
-          Case{0.999f, 0, 0}, Case{49.9f, 49, 49}, Case{1e6f, 100, 100}}) {
+         {Case{0.0f, 0, 0}, Case{-10.0f, 0, 0}, Case{kNan, 0, 0}, Case{kInfinity, 100, 100},
+          Case{29.0f, 29, 28}, Case{0.999f, 0, 0}, Case{49.9f, 49, 49}, Case{1e6f, 100, 100}}) {
         SCOPED_TRACE(c.percent);
         const Image before = RandomImageWithHoles(100, 100, 9);
         Image image = before;
