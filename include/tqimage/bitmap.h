@@ -130,7 +130,7 @@ TQ_API int32_t TQ_CALL tqImageToLeadBmpScale(TqLeadBitmap* bitmap, double* scale
  *
  * The image's first row is the bitmap's top one, which is the last stored row when viewPerspective is 2. The
  * header tells 1 pel a metre, 1 lux a grey level, 1 metre from the source, the largest pel (at least 1), and
- * 0 for the rest.
+ * 0 for the rest. More than 8000 columns or rows are kept, but most functions refuse such an image.
  *
  * @param[in] bitmap The bitmap, by value. Of a row of colours the first `width` bytes become pels.
  * @param[in,out] image Receives the image; the block it held is freed. Untouched when the function fails.

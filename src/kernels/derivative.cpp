@@ -1,9 +1,6 @@
 #include "kernels/derivative.h"
 
 #include <algorithm>
-#include <cmath>
-
-#include "core/numerics.h"
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "kernels/derivative.cpp"
@@ -89,9 +86,7 @@ std::int32_t Magnitudes(const std::int32_t* x, const std::int32_t* y, std::size_
     largest = hn::GetLane(hn::MaxOfLanes(d, best));
 #endif
     for (; i < count; ++i) {
-        const auto fx = static_cast<float>(x[i]);
-        const auto fy = static_cast<float>(y[i]);
-        const std::int32_t magnitude = TruncToInt32(static_cast<double>(std::sqrt(fx * fx + fy * fy)));
+        const std::int32_t magnitude = Magnitude(x[i], y[i]);
         largest = std::max(largest, magnitude);
         out[i] = ClampToPel(magnitude);
     }

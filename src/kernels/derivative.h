@@ -1,7 +1,10 @@
 #pragma once
 
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
+
+#include "core/numerics.h"
 
 namespace tq::kernels {
 
@@ -30,8 +33,15 @@ constexpr std::int32_t DerivativeOf(Derivative kind, At&& at) {
 void Derive(Derivative kind, const std::uint16_t* pels, std::ptrdiff_t step, std::size_t count,
             std::int32_t* out);
 
-/// out[i] = the single precision root of x[i]^2 + y[i]^2, truncated, at most 65535. Returns the largest
-/// before that cap, 0 of none. Derivatives are those of pels.
+/// The length of a gradient, in single precision and truncated.
+inline std::int32_t Magnitude(std::int32_t x, std::int32_t y) noexcept {
+    const auto fx = static_cast<float>(x);
+    const auto fy = static_cast<float>(y);
+    return TruncToInt32(static_cast<double>(std::sqrt(fx * fx + fy * fy)));
+}
+
+/// out[i] = Magnitude(x[i], y[i]), at most 65535. Returns the largest before that cap, 0 of none. Derivatives
+/// are those of pels.
 std::int32_t Magnitudes(const std::int32_t* x, const std::int32_t* y, std::size_t count, std::uint16_t* out);
 
 }  // namespace tq::kernels

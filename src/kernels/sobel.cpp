@@ -1,9 +1,8 @@
 #include "kernels/sobel.h"
 
 #include <algorithm>
-#include <cmath>
 
-#include "core/numerics.h"
+#include "kernels/derivative.h"
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "kernels/sobel.cpp"
@@ -46,9 +45,7 @@ std::int32_t SobelRow(const std::uint16_t* above, const std::uint16_t* row, cons
             (above[i + 1] - above[i - 1]) + 2 * (row[i + 1] - row[i - 1]) + (below[i + 1] - below[i - 1]);
         const std::int32_t y =
             (below[i - 1] - above[i - 1]) + 2 * (below[i] - above[i]) + (below[i + 1] - above[i + 1]);
-        const auto fx = static_cast<float>(x);
-        const auto fy = static_cast<float>(y);
-        const std::int32_t magnitude = TruncToInt32(std::sqrt(fx * fx + fy * fy));
+        const std::int32_t magnitude = Magnitude(x, y);
         largest = std::max(largest, magnitude);
         out[i] = ClampToPel(magnitude);
     }

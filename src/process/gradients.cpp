@@ -1,7 +1,6 @@
 #include "tqimage/gradients.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstdlib>
 #include <vector>
 
@@ -40,12 +39,6 @@ std::int32_t SobelAt(const ConstImageView& view, std::int32_t col, std::int32_t 
     return differenceIn(line - 1) + 2 * differenceIn(line) + differenceIn(line + 1);
 }
 
-std::int32_t Magnitude(std::int32_t x, std::int32_t y) noexcept {
-    const auto gx = static_cast<float>(x);
-    const auto gy = static_cast<float>(y);
-    return TruncToInt32(std::sqrt(gx * gx + gy * gy));
-}
-
 /// The magnitudes of Sobel's gradient for `count` pels of a row that have all their neighbours.
 void SobelRun(const ConstImageView& view, std::int32_t row, std::int32_t first, std::int32_t count,
               GradientImage& result) {
@@ -61,7 +54,8 @@ OwnedImage MakeSobel(const ConstImageView& view) {
         if (inner) SobelRun(view, row, 1, view.cols - 2, result);
         const std::int32_t step = inner ? view.cols - 1 : 1;
         for (std::int32_t col = 0; col < view.cols; col += step)
-            result.Set(col, row, Magnitude(SobelAt<true>(view, col, row), SobelAt<false>(view, col, row)));
+            result.Set(col, row,
+                       kernels::Magnitude(SobelAt<true>(view, col, row), SobelAt<false>(view, col, row)));
     }
     return std::move(result).Finish();
 }
