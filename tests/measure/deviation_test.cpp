@@ -104,13 +104,13 @@ TEST(Deviation, OfThePelsOfARectangleThatAreNotZero) {
         EXPECT_TRUE(std::isnan(tqCalcStdDevInRegion(dark, &mean, left, 0, right, 0)) && std::isnan(mean));
     }
     // A pel far above or below the mean stays within what a pel can hold, and has data.
-    Image far = MakeImage(64, 64, [](auto col, auto row) { return col == 5 && row == 6 ? 65535 : 1; });
-    ASSERT_EQ(tqCalcImageDevInRegion(far.Address(), far, 0, 0, 0, 0), 0) << "out may hold the image";
-    EXPECT_EQ(far(5, 6), 65535);
-    EXPECT_EQ(far(0, 0), 1882);
-    far = MakeImage(2, 1, {1, 65535});
-    ASSERT_EQ(tqCalcImageDevInRegion(far.Address(), far, 0, 0, 0, 0), 0);
-    EXPECT_EQ(far(0, 0), 1);
+    Image spread = MakeImage(64, 64, [](auto col, auto row) { return col == 5 && row == 6 ? 65535 : 1; });
+    ASSERT_EQ(tqCalcImageDevInRegion(spread.Address(), spread, 0, 0, 0, 0), 0) << "out may hold the image";
+    EXPECT_EQ(spread(5, 6), 65535);
+    EXPECT_EQ(spread(0, 0), 1882);
+    spread = MakeImage(2, 1, {1, 65535});
+    ASSERT_EQ(tqCalcImageDevInRegion(spread.Address(), spread, 0, 0, 0, 0), 0);
+    EXPECT_EQ(spread(0, 0), 1);
 }
 
 }  // namespace

@@ -127,16 +127,16 @@ TEST(PointOperations, TheBrightestNeighbourhoodGetsTheNewMaximum) {
                        image.Header()));
     }
     // Without a neighbourhood the stored maximum counts, and a maximum of 0 leaves the pels.
-    Image small = MakeImage(2, 2, {10, 20, 30, 40});
+    Image tiny = MakeImage(2, 2, {10, 20, 30, 40});
     for (const auto& [stored, wanted] : {std::pair{40.0f, 80}, {0.0f, 9}}) {
-        small.Header().MaxPelValue = stored;
-        ASSERT_EQ(tqSetMaxGrayValue(small, wanted), 0);
-        EXPECT_TRUE(SamePels(MakeImage(2, 2, {20, 40, 60, 80}), small));
-        EXPECT_EQ(small.Header().MaxPelValue, static_cast<float>(wanted));
+        tiny.Header().MaxPelValue = stored;
+        ASSERT_EQ(tqSetMaxGrayValue(tiny, wanted), 0);
+        EXPECT_TRUE(SamePels(MakeImage(2, 2, {20, 40, 60, 80}), tiny));
+        EXPECT_EQ(tiny.Header().MaxPelValue, static_cast<float>(wanted));
     }
-    small.Header().MaxPelValue = 1e-6f;
-    ASSERT_EQ(tqSetMaxGrayValue(small, 65535), 0);
-    EXPECT_TRUE(SamePels(MakeImage(2, 2, Row(4, 65535)), small));
+    tiny.Header().MaxPelValue = 1e-6f;
+    ASSERT_EQ(tqSetMaxGrayValue(tiny, 65535), 0);
+    EXPECT_TRUE(SamePels(MakeImage(2, 2, Row(4, 65535)), tiny));
 }
 
 TEST(ThresholdEdge, ClearsInTheBorderBandOnly) {
