@@ -84,9 +84,10 @@ std::vector<Defect> ListDefects(const HostImage& image, const HostImage& found, 
         return count * 100.0 > lineShare * static_cast<double>(length);
     };
     std::vector<Defect> list;
-    for (std::size_t col = 0; col < cols; ++col)
+    for (std::size_t col = 0; col < cols; ++col) {
         if (isWhole(inCol[col], rows))
             list.push_back({kDefectColumn, static_cast<std::int32_t>(col), 0, 0, 0});
+    }
     for (std::size_t row = 0; row < rows; ++row)
         if (isWhole(inRow[row], cols)) list.push_back({kDefectRow, 0, static_cast<std::int32_t>(row), 0, 0});
     visit([&](std::size_t col, std::size_t row) {

@@ -63,10 +63,11 @@ void Derive(Derivative kind, const std::uint16_t* pels, std::ptrdiff_t step, std
         hn::StoreU(DerivativesOf(kind, load), d, out + i);
     }
 #endif
-    for (; i < count; ++i)
+    for (; i < count; ++i) {
         out[i] = DerivativeOf(kind, [&](std::ptrdiff_t k) -> std::int32_t {
             return pels[k * step + static_cast<std::ptrdiff_t>(i)];
         });
+    }
 }
 
 std::int32_t Magnitudes(const std::int32_t* x, const std::int32_t* y, std::size_t count, std::uint16_t* out) {
