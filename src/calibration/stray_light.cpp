@@ -3,7 +3,7 @@
 #include "calibration/sensor_frame.h"
 #include "core/image_block.h"
 #include "core/image_view.h"
-#include "core/numerics.h"
+#include "core/saturated_pel.h"
 #include "tqimage/stray_light.h"
 
 namespace tq {
@@ -32,9 +32,7 @@ Pel WithoutStrayLight(Pel pel, Pel stored, float luxPerGrey, double level) noexc
     const float scaled = static_cast<float>(fraction) * luxPerGrey;
     const auto stray = static_cast<float>(scaled * level);
     const auto value = static_cast<float>(static_cast<double>(pel) - stray + 0.5);
-    // Before the conversion, in which what is beyond 32 bits would come out dark.
-    if (value >= static_cast<float>(kLargestPel)) return kLargestPel;
-    return ClampToPel(TruncToInt32(value));
+    return SaturatedPel(static_cast<double>(value));
 }
 
 OwnedImage RemoveStrayLight(const ConstImageView& image, const SensorFrame& frame) {

@@ -5,8 +5,8 @@
 #include <cstdint>
 
 #include "core/image_view.h"
-#include "core/numerics.h"
 #include "core/rectangle.h"
+#include "core/saturated_pel.h"
 #include "measure/region_shapes.h"
 #include "tqimage/colour_transforms.h"
 
@@ -18,10 +18,9 @@ constexpr std::int32_t kNoImage = -2;
 constexpr std::int32_t kInvalidFirstImage = -3;  // the second is -4, the third -5
 constexpr std::int32_t kSizesDiffer = -6;
 
-/// However large it is, light stays light; only what is no number is dark.
+/// A LuxPerGrey of 0 gives no level.
 Pel LevelOf(double level) noexcept {
-    if (!std::isfinite(level)) return 0;
-    return ClampToPel(TruncToInt32(std::clamp(level + 0.5, 0.0, double{kLargestPel})));
+    return std::isfinite(level) ? SaturatedPel(level + 0.5) : Pel{0};
 }
 
 }  // namespace

@@ -2,16 +2,13 @@
 
 #include <cstddef>
 
-#include "core/numerics.h"
+#include "core/saturated_pel.h"
 
 namespace tq::kernels {
 
-/// pel * factor + 0.5, truncated and clamped; what is not a number counts as dark. The ceiling precedes the
-/// conversion, in which what is beyond 32 bits would come out dark.
+/// The pel nearest to pel * factor, halves upward.
 inline Pel ScaledPel(Pel pel, double factor) noexcept {
-    const double value = pel * factor + 0.5;
-    if (value >= kLargestPel) return kLargestPel;
-    return value > 0.0 ? WrapToPel(TruncToInt32(value)) : Pel{0};
+    return SaturatedPel(pel * factor + 0.5);
 }
 
 /// What factors are when a correction image has none.

@@ -1,7 +1,7 @@
-#include <algorithm>
 #include <cstdint>
 
 #include "core/image_view.h"
+#include "core/saturated_pel.h"
 #include "core/window.h"
 #include "kernels/span_statistics.h"
 #include "process/healthy_window.h"
@@ -28,7 +28,7 @@ void ReplaceHot(const ImageView& image, Pel threshold, double factor, std::int32
             if (healthy.count == 0) continue;
             const double mean =
                 factor * static_cast<double>(healthy.sum) / static_cast<double>(healthy.count);
-            pels[col] = ClampToPel(TruncToInt32(std::min(mean, double{kLargestPel})));
+            pels[col] = SaturatedPel(mean);
             // What has been replaced helps to replace the next one, unless the factor has made it hot again.
             if (pels[col] <= threshold) window.Admit(col, pels[col]);
         }
